@@ -1,0 +1,67 @@
+// Error-free sums and products (Dekker 1971, Knuth TAOCP 4.2.2), for the few places where the last bits of an
+// argument decide the result. No fused multiply-add: it is emulated, slowly, on processors that the library
+// must run on.
+#pragma once
+
+#include <cstddef>
+
+namespace pral::numerics {
+
+/// An unevaluated sum; |lo| is at most half an ulp of hi.
+struct DoubleDouble {
+    double hi, lo;
+};
+
+/// a + b exactly, |a| >= |b| (or a = 0).
+inline constexpr DoubleDouble fast_two_sum(double a, double b) {
+    const double sum = a + b;
+    return {sum, b - (sum - a)};
+}
+
+/// a + b exactly.
+inline constexpr DoubleDouble two_sum(double a, double b) {
+    const double sum = a + b;
+    const double b_rounded = sum - a;
+    return {sum, (a - (sum - b_rounded)) + (b - b_rounded)};
+}
+
+/// The upper 26 and the lower 26 bits of a (|a| < 2^996).
+inline constexpr DoubleDouble split(double a) {
+    const double c = 134217729.0 * a;  // 2^27 + 1
+    const double hi = c - (c - a);
+    return {hi, a - hi};
+}
+
+/// a b exactly, with the halves of b given (|a b| above 2^-968 and without overflow).
+inline constexpr DoubleDouble two_product(double a, double b, DoubleDouble b_halves) {
+    const double product = a * b;
+    const DoubleDouble h = split(a);
+    return {product,
+            ((h.hi * b_halves.hi - product) + h.hi * b_halves.lo + h.lo * b_halves.hi) + h.lo * b_halves.lo};
+}
+
+inline constexpr DoubleDouble two_product(double a, double b) { return two_product(a, b, split(b)); }
+
+/// a / b to about 100 bits.
+inline constexpr DoubleDouble divide(DoubleDouble a, DoubleDouble b) {
+    const double quotient = a.hi / b.hi;
+    const DoubleDouble back = two_product(quotient, b.hi);
+    return fast_two_sum(quotient, ((a.hi - back.hi) - back.lo + a.lo - quotient * b.lo) / b.hi);
+}
+
+/// c[0] x^(N-1) + ... + c[N-1] with the rounding errors of Horner's rule carried along (Graillat, Langlois,
+/// Louvet 2005): as good as evaluated in twice the precision and rounded.
+template <std::size_t N>
+inline constexpr DoubleDouble compensated_horner(const double (&c)[N], DoubleDouble x) {
+    const DoubleDouble halves = split(x.hi);
+    double sum = c[0], error = 0;
+    for (std::size_t i = 1; i < N; ++i) {
+        const DoubleDouble product = two_product(sum, x.hi, halves);
+        const DoubleDouble next = two_sum(product.hi, c[i]);
+        error = error * x.hi + (product.lo + next.lo + sum * x.lo);
+        sum = next.hi;
+    }
+    return fast_two_sum(sum, error);
+}
+
+}  // namespace pral::numerics

@@ -1,0 +1,28 @@
+// Evaluation of polynomials and Chebyshev sums from the tables of coefficients.h.
+#pragma once
+
+#include <cstddef>
+
+namespace pral::numerics {
+
+/// c[0] x^(N-1) + ... + c[N-1] by Horner's rule.
+template <std::size_t N>
+inline constexpr double horner(const double (&c)[N], double x) {
+    double sum = c[0];
+    for (std::size_t i = 1; i < N; ++i) sum = sum * x + c[i];
+    return sum;
+}
+
+/// Half of c[0] plus the sum of c[k] T_k(x), k = 1 .. N-1, by Clenshaw's recurrence.
+template <std::size_t N>
+inline constexpr double chebyshev(const double (&c)[N], double x) {
+    double b0 = 0, b1 = 0, b2 = 0;
+    for (std::size_t k = N; k-- > 0;) {
+        b2 = b1;
+        b1 = b0;
+        b0 = 2 * x * b1 - b2 + c[k];
+    }
+    return 0.5 * (b0 - b2);
+}
+
+}  // namespace pral::numerics
