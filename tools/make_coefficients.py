@@ -6,6 +6,7 @@ Horner's rule: highest power first, with the leading or constant 1 that the publ
 Run from the top of the tree: tools/make_coefficients.py
 """
 import json
+from decimal import Decimal, getcontext
 
 SOURCE = "src/numerics/coefficients.json"
 TARGET = "src/numerics/coefficients.h"
@@ -38,16 +39,33 @@ def literal(text):
     return text if any(c in text for c in ".eE") else text + ".0"
 
 
+def difference(group, rule):
+    """The polynomial `of` - `factor` * `times`, whose digits would be lost in double arithmetic."""
+    factor = Decimal(rule["factor"])
+    pairs = zip(horner_order(group[rule["of"]]), horner_order(group[rule["times"]]), strict=True)
+    return [str(Decimal(a) - factor * Decimal(b)) for a, b in pairs]
+
+
+def emit(lines, name, use, values):
+    lines.append(f"/// {use}")
+    lines.append(f"inline constexpr double {name}[] = {{")
+    lines.extend(f"    {literal(v)}," for v in values)
+    lines.append("};\n")
+
+
 def main():
+    getcontext().prec = 60
     groups = json.load(open(SOURCE))
     lines = [HEAD]
     for group, entries in groups.items():
         lines.append(f"namespace {group} {{\n")
         for name, entry in entries.items():
-            lines.append(f"/// {entry['use']} ({entry['variable']}).")
-            lines.append(f"inline constexpr double {name}[] = {{")
-            lines.extend(f"    {literal(v)}," for v in horner_order(entry))
-            lines.append("};\n")
+            rule = entry.get("difference")
+            values = difference(entries, rule) if rule else horner_order(entry)
+            emit(lines, name, f"{entry['use']} ({entry['variable']}).", values)
+            if entry.get("low_parts"):
+                rest = [repr(float(Decimal(v) - Decimal(float(v)))) for v in values]
+                emit(lines, name + "_low", f"What rounding to double takes off {name}.", rest)
         lines.append(f"}}  // namespace {group}\n")
     lines.append("}  // namespace pral::numerics::coefficients")
     open(TARGET, "w").write("\n".join(lines) + "\n")

@@ -50,15 +50,17 @@ inline constexpr DoubleDouble divide(DoubleDouble a, DoubleDouble b) {
 }
 
 /// c[0] x^(N-1) + ... + c[N-1] with the rounding errors of Horner's rule carried along (Graillat, Langlois,
-/// Louvet 2005): as good as evaluated in twice the precision and rounded.
+/// Louvet 2005): as good as evaluated in twice the precision and rounded. `low` holds what rounding to double
+/// took off the coefficients.
 template <std::size_t N>
-inline constexpr DoubleDouble compensated_horner(const double (&c)[N], DoubleDouble x) {
+inline constexpr DoubleDouble compensated_horner(const double (&c)[N], const double (&low)[N],
+                                                 DoubleDouble x) {
     const DoubleDouble halves = split(x.hi);
-    double sum = c[0], error = 0;
+    double sum = c[0], error = low[0];
     for (std::size_t i = 1; i < N; ++i) {
         const DoubleDouble product = two_product(sum, x.hi, halves);
         const DoubleDouble next = two_sum(product.hi, c[i]);
-        error = error * x.hi + (product.lo + next.lo + sum * x.lo);
+        error = error * x.hi + (product.lo + next.lo + sum * x.lo + low[i]);
         sum = next.hi;
     }
     return fast_two_sum(sum, error);
