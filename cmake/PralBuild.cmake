@@ -1,0 +1,88 @@
+# How this project compiles: flags, and the function that turns a folder of src/ into a target.
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "Debug, Release or RelWithDebInfo" FORCE)
+endif()
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_C_STANDARD_REQUIRED ON)
+set(CMAKE_C_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+# Programs and libraries side by side: on Windows a program finds the DLL there.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}")
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}")
+
+find_program(PRAL_CCACHE ccache)
+if(PRAL_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+  set(CMAKE_C_COMPILER_LAUNCHER "${PRAL_CCACHE}")
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${PRAL_CCACHE}")
+endif()
+
+# What every file of this project is compiled with. Contraction into fused multiply-adds is off and fast-math is never on:
+# results must agree on both platforms to the last bit where the runtimes do. Nobody reads errno after a call of the
+# runtime's mathematics, and without it sqrt is one instruction.
+add_library(pral_options INTERFACE)
+target_include_directories(pral_options INTERFACE "${PROJECT_SOURCE_DIR}/src")
+target_compile_options(pral_options INTERFACE
+  -ffp-contract=off -fno-math-errno
+  -Wall -Wextra -Wpedantic -Wshadow -Wundef
+  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>
+  -Werror=return-type -Werror=uninitialized -Werror=format -Werror=switch -Werror=array-bounds)
+if(WIN32)
+  # Windows 7 and later, and the runtime's own printf rather than the compiler's replacement of it.
+  target_compile_definitions(pral_options INTERFACE _WIN32_WINNT=0x0601 WIN32_LEAN_AND_MEAN NOMINMAX)
+endif()
+if(PRAL_SANITIZE)
+  set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_compile_options(pral_options INTERFACE ${sanitizers})
+  target_link_options(pral_options INTERFACE ${sanitizers})
+endif()
+
+define_property(GLOBAL PROPERTY PRAL_SUBSYSTEMS BRIEF_DOCS "The subsystems that have sources, lowest first")
+
+# pral_subsystem(name [subsystems it stands on...] [LIBRARIES targets...]): the object library pral_<name> of src/<name>/.
+# A folder without sources makes no target and is left out wherever it is named.
+function(pral_subsystem name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBRARIES")
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/src/${name}/*.cpp")
+  # What it stands on, the whole way down, whether or not the folder itself has sources yet.
+  set(below)
+  foreach(lower IN LISTS arg_UNPARSED_ARGUMENTS)
+    get_property(closure GLOBAL PROPERTY PRAL_CLOSURE_${lower})
+    list(APPEND below ${closure})
+  endforeach()
+  set(closure ${below})
+  if(sources)
+    add_library(pral_${name} OBJECT ${sources})
+    target_compile_definitions(pral_${name} PRIVATE PRAL_CORE_BUILD)
+    target_link_libraries(pral_${name} PUBLIC pral_options ${arg_LIBRARIES})
+    list(APPEND closure ${name})
+    set_property(GLOBAL APPEND PROPERTY PRAL_SUBSYSTEMS ${name})
+  endif()
+  list(REMOVE_DUPLICATES closure)
+  set_property(GLOBAL PROPERTY PRAL_CLOSURE_${name} ${closure})
+endfunction()
+
+# pral_link_subsystems(target names...): the objects of the named subsystems and of all they stand on.
+function(pral_link_subsystems target)
+  set(all)
+  foreach(name IN LISTS ARGN)
+    get_property(closure GLOBAL PROPERTY PRAL_CLOSURE_${name})
+    list(APPEND all ${closure})
+  endforeach()
+  list(REMOVE_DUPLICATES all)
+  foreach(name IN LISTS all)
+    target_link_libraries(${target} PRIVATE pral_${name})
+  endforeach()
+  if(WIN32)
+    target_link_libraries(${target} PRIVATE oleaut32)
+  endif()
+endfunction()

@@ -1,0 +1,23 @@
+# Programs that use the library as any caller would: the companion and the examples.
+
+file(GLOB cli_sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/cli/*.cpp")
+if(cli_sources)
+  add_executable(pral ${cli_sources})
+  target_compile_options(pral PRIVATE -Wall -Wextra -Wpedantic -Wshadow)
+  target_link_libraries(pral PRIVATE pral_core CLI11::CLI11 nlohmann_json::nlohmann_json fmt::fmt-header-only)
+  set_target_properties(pral PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+  if(WIN32)
+    target_link_options(pral PRIVATE -static)
+  endif()
+  install(TARGETS pral RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+endif()
+
+file(GLOB demo_source CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/examples/budget.c")
+if(demo_source)
+  add_executable(pral_demo ${demo_source})
+  target_compile_options(pral_demo PRIVATE -Wall -Wextra -Wpedantic)
+  target_link_libraries(pral_demo PRIVATE pral_core $<$<NOT:$<BOOL:${WIN32}>>:m>)
+  if(WIN32)
+    target_link_options(pral_demo PRIVATE -static)
+  endif()
+endif()
