@@ -14,6 +14,14 @@ endif()
 
 set(PRAL_TESTS_DIR "${PROJECT_SOURCE_DIR}/tests")
 
+if(CMAKE_CROSSCOMPILING)
+  # Wine's services are started before the first program and ended after the last.
+  add_test(NAME wine.start COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} --start)
+  add_test(NAME wine.stop COMMAND ${CMAKE_CROSSCOMPILING_EMULATOR} --stop)
+  set_tests_properties(wine.start PROPERTIES FIXTURES_SETUP wine TIMEOUT 300)
+  set_tests_properties(wine.stop PROPERTIES FIXTURES_CLEANUP wine TIMEOUT 60)
+endif()
+
 # incomplete_gamma_test.cpp -> IncompleteGamma
 function(pral_suite_prefix file result)
   get_filename_component(stem "${file}" NAME_WE)
