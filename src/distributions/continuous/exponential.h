@@ -1,0 +1,33 @@
+// The exponential distribution.
+#pragma once
+
+#include "distributions/family.h"
+#include "numerics/elementary.h"
+#include "numerics/sums.h"
+
+namespace pral {
+
+/// Mean beta >= 0; beta = 0 is a point mass at 0. F = 1 - exp(-x/beta).
+struct Expon {
+    double beta;
+
+    Message check() const {
+        if (!(beta >= 0)) return "Error: beta must be >= 0";
+        return nullptr;
+    }
+    Support support() const { return kPositiveReals; }
+    std::optional<double> point_mass() const { return beta == 0 ? std::optional(0.0) : std::nullopt; }
+
+    double cumulative(double x) const { return -numerics::expm1_fn(-x / beta); }
+    double survival(double x) const { return std::exp(-x / beta); }
+    double log_density(double x) const { return -x / beta - std::log(beta); }
+    double log_likelihood(std::span<const double> values) const {
+        const double sum = numerics::interleaved_sum(values, [](double x) { return x; });
+        return -sum / beta - static_cast<double>(values.size()) * std::log(beta);
+    }
+
+    double quantile(double p) const { return -beta * numerics::log1p_fn(-p); }
+    double quantile_upper(double q) const { return -beta * std::log(q); }
+};
+
+}  // namespace pral

@@ -1,0 +1,115 @@
+// What a univariate distribution family is, and the questions that any family answers the same way.
+#pragma once
+
+#include <cmath>
+#include <concepts>
+#include <optional>
+#include <span>
+
+#include "boundary/error_text.h"
+#include "boundary/random.h"
+#include "numerics/constants.h"
+#include "numerics/elementary.h"
+
+namespace pral {
+
+/// The ends of a support; -kInfinity and kInfinity where it has none.
+struct Support {
+    double lower, upper;
+};
+
+inline constexpr Support kReals = {-numerics::kInfinity, numerics::kInfinity};
+inline constexpr Support kPositiveReals = {0, numerics::kInfinity};
+
+/// A family is a small value type made from its parameters: pure functions that know nothing of pointers,
+/// shifts or truncation. What depends on the parameters alone is computed by its constructor. A family may be
+/// made from any parameters; the other members are asked only once check() has no objection, and the
+/// functions of x and p only when there is no point_mass(). NaN in gives NaN out.
+///
+///   check()          the message of the first parameter that is out of its range (written so that NaN is),
+///   or null support()        the ends of the support point_mass()     the one value that degenerate
+///   parameters leave, if they do cumulative(x)    F(x) and survival(x)      1 - F(x), each with its own
+///   digits, for x inside the support log_density(x)   the natural logarithm of the density (-inf where it is
+///   0, +inf at a pole) quantile(p)      the inverse of the cumulative, 0 < p < 1
+///
+/// A family that knows better adds any of these, and is asked first:
+///
+///   quantile_upper(q)       the inverse of the survival, without forming 1 - q
+///   quantiles(span)         quantile() of each element, in place
+///   log_cumulative(x)       ln F(x), where F itself loses digits or underflows
+///   log_likelihood(values)  the sum of the log densities, where it is cheaper than its terms
+///   random(u, stream)       a generator of its own for bare calls; u is a uniform already drawn
+///   kEndsFirst = true       percentiles 0 and 1 give the ends even where there is a point mass
+template <class D>
+concept Family = requires(const D& d, double x) {
+    { d.check() } -> std::same_as<Message>;
+    { d.support() } -> std::same_as<Support>;
+    { d.point_mass() } -> std::same_as<std::optional<double>>;
+    { d.cumulative(x) } -> std::same_as<double>;
+    { d.survival(x) } -> std::same_as<double>;
+    { d.log_density(x) } -> std::same_as<double>;
+    { d.quantile(x) } -> std::same_as<double>;
+};
+
+/// The two tails at a point: lower = P(X <= x), upper = P(X > x).
+struct Tails {
+    double lower, upper;
+};
+
+/// The tails at any x, outside the support and at a point mass included.
+template <Family D>
+Tails tails(const D& d, double x) {
+    if (const auto point = d.point_mass()) return x >= *point ? Tails{1, 0} : Tails{0, 1};
+    const auto [lower, upper] = d.support();
+    if (x < lower || x == -numerics::kInfinity) return {0, 1};
+    if (x >= upper) return {1, 0};
+    return {d.cumulative(x), d.survival(x)};
+}
+
+/// The quantile at any 0 <= p <= 1.
+template <Family D>
+double quantile(const D& d, double p) {
+    if (p <= 0) return d.support().lower;
+    if (p >= 1) return d.support().upper;
+    return d.quantile(p);
+}
+
+/// The x that leaves q above it, 0 <= q <= 1.
+template <Family D>
+double quantile_upper(const D& d, double q) {
+    if (q <= 0) return d.support().upper;
+    if (q >= 1) return d.support().lower;
+    if constexpr (requires { d.quantile_upper(q); })
+        return d.quantile_upper(q);
+    else
+        return d.quantile(1 - q);
+}
+
+/// ln F(x) inside the support.
+template <Family D>
+double log_cumulative(const D& d, double x) {
+    if constexpr (requires { d.log_cumulative(x); }) {
+        return d.log_cumulative(x);
+    } else {
+        const double upper = d.survival(x);
+        return upper < 0.5 ? numerics::log1p_fn(-upper) : std::log(d.cumulative(x));
+    }
+}
+
+/// The sum of the log densities of values inside the support; -inf as soon as one of them has density 0.
+template <Family D>
+double log_likelihood(const D& d, std::span<const double> values) {
+    if constexpr (requires { d.log_likelihood(values); }) {
+        return d.log_likelihood(values);
+    } else {
+        double sum = 0;
+        for (const double value : values) {
+            const double term = d.log_density(value);
+            if (term == -HUGE_VAL) return term;
+            sum += term;
+        }
+        return sum;
+    }
+}
+
+}  // namespace pral

@@ -1,0 +1,123 @@
+// Truncation of any family, each side given as a value or as a percentile.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+
+#include "distributions/family.h"
+
+namespace pral {
+
+/// The optional inputs of a call as the caller gave them; null means not given.
+struct Modifiers {
+    const double* U;
+    const int* bounds_mode;
+    const double* min;
+    const double* max;
+    const double* shift;
+
+    bool bounded() const { return bounds_mode != nullptr && *bounds_mode >= 0; }
+    bool min_is_percentile() const { return (*bounds_mode & 2) != 0; }
+    bool max_is_percentile() const { return (*bounds_mode & 1) != 0; }
+};
+
+/// One side of a truncation, completed: a value and the tails of the untruncated distribution there.
+struct Bound {
+    double x;
+    Tails tails;
+};
+
+/// A family kept between two bounds. Without bounds it is the family itself.
+template <Family D>
+class Truncated {
+  public:
+    /// Completes the bounds; `valid` tells that the parameters are in order. Where they are not, what would
+    /// have to be computed from them counts as 0, so that contradicting bounds are still found first.
+    Truncated(const D& base, bool valid, const Modifiers& given)
+        : base_(base), support_(base.support()), bounded_(given.bounded()) {
+        lower_ = support_.lower;
+        upper_ = support_.upper;
+        if (!bounded_) return;
+        as_values_ = (*given.bounds_mode & 3) == 0;
+        min_ = complete(given.min, given.min_is_percentile(), valid);
+        max_ = complete(given.max, given.max_is_percentile(), valid);
+        lower_ = std::min(std::max(min_.x, lower_), max_.x);
+        upper_ = std::min(upper_, max_.x);
+        // Both ends above the median: their percentiles are close to 1 and differ by few digits, their tails
+        // do not.
+        mass_ = min_.tails.lower > 0.5 ? min_.tails.upper - max_.tails.upper
+                                       : max_.tails.lower - min_.tails.lower;
+    }
+
+    /// Reports bounds that contradict each other or percentiles outside [0,1].
+    bool check() const {
+        if (!bounded_) return true;
+        if (!(min_.tails.lower <= max_.tails.lower) || !(min_.x <= max_.x)) {
+            return as_values_ ? fail_bounds(min_.x, max_.x, true)
+                              : fail_bounds(min_.tails.lower, max_.tails.lower, false);
+        }
+        return (min_.tails.lower >= 0 && max_.tails.lower <= 1) || fail(kPercentileMessage);
+    }
+
+    const D& base() const { return base_; }
+    bool bounded() const { return bounded_; }
+    double lower() const { return lower_; }
+    double upper() const { return upper_; }
+    /// The probability that the untruncated distribution gives to what is kept.
+    double mass() const { return mass_; }
+    /// The bounds leave a single point.
+    bool degenerate() const { return lower_ == upper_; }
+    /// The bounds differ, yet no double separates their percentiles.
+    bool zero_width() const { return bounded_ && min_.tails.lower == max_.tails.lower; }
+    /// The percentile of the untruncated distribution at the upper bound.
+    double max_percentile() const { return max_.tails.lower; }
+
+    /// The quantile of what is kept, 0 < u < 1: that of the whole at minP + u (maxP - minP), taken from the
+    /// smaller tail.
+    double quantile(double u) const {
+        if (!bounded_) return base_.quantile(u);
+        const double p = min_.tails.lower + u * mass_;
+        const double x = p <= 0.5 ? pral::quantile(base_, p)
+                                  : pral::quantile_upper(base_, max_.tails.upper + (1 - u) * mass_);
+        return overlaps_support() ? std::clamp(x, lower_, upper_) : x;
+    }
+
+    /// The probability at or below an x in [lower, upper) of what is kept.
+    double cumulative(double x) const {
+        if (!bounded_) return base_.cumulative(x);
+        const Tails at = pral::tails(base_, x);
+        const double below =
+            min_.tails.lower > 0.5 ? min_.tails.upper - at.upper : at.lower - min_.tails.lower;
+        return std::clamp(below / mass_, 0.0, 1.0);
+    }
+
+    /// Its natural logarithm.
+    double log_cumulative(double x) const {
+        return bounded_ ? std::log(cumulative(x)) : pral::log_cumulative(base_, x);
+    }
+
+  private:
+    Bound complete(const double* given, bool is_percentile, bool valid) const {
+        const double number = given != nullptr ? *given : 0;
+        if (!is_percentile) return {number, valid ? tails(base_, number) : Tails{0, 0}};
+        const Tails tails = {number, 1 - number};
+        if (!valid) return {0, tails};
+        const auto point = base_.point_mass();
+        return {point ? *point : pral::quantile(base_, number), tails};
+    }
+
+    /// Bounds beyond the support leave its end, which must not be moved to them.
+    bool overlaps_support() const {
+        return support_.lower <= lower_ && lower_ <= upper_ && upper_ <= support_.upper;
+    }
+
+    const D& base_;
+    Support support_;
+    bool bounded_;
+    bool as_values_ = false;
+    Bound min_ = {}, max_ = {};
+    double lower_, upper_;
+    double mass_ = 1;
+};
+
+}  // namespace pral
