@@ -5,8 +5,8 @@
 
 namespace pral::numerics {
 
-/// ln(1 + x) by W. Fullerton's Chebyshev series (SLATEC dlnrel) for |x| <= 0.375. -1 gives -kInfinity, smaller
-/// arguments NaN.
+/// ln(1 + x) by W. Fullerton's Chebyshev series (SLATEC dlnrel) for |x| <= 0.375. -1 gives -kInfinity,
+/// smaller arguments NaN.
 double log1p_fn(double x);
 
 /// e^x - 1: directly for |x| > 0.697, else one Newton step through log1p_fn on a first approximation.
@@ -19,8 +19,8 @@ double log1p_minus_x(double x);
 /// i >= 0, d >= 0.
 double log_continued_fraction(double x, double i, double d, double eps);
 
-/// ln x for finite x > 0, with an absolute error below 1e-22 + 1e-30 |ln x|: exponents of several hundred need
-/// more digits than a double's if e to their power is to keep its own.
+/// ln x for finite x > 0, with an absolute error below 1e-22 + 1e-30 |ln x|: exponents of several hundred
+/// need more digits than a double's if e to their power is to keep its own.
 DoubleDouble log_double_double(double x);
 
 /// d - ln(1 + d) for d = (x - a)/a, a > 0, x > 0, to about 20 digits relative: the exponent of the gamma and

@@ -1,15 +1,16 @@
-// The gamma function and its logarithm: the classical reporting pair `gamma` and `lgam`, the quiet Fullerton set, and
-// the library's own `log_gamma` and `log_beta`, which keep their digits where the others cancel.
+// The gamma function and its logarithm: the classical reporting pair `gamma` and `lgam`, the quiet Fullerton
+// set, and the library's own `log_gamma` and `log_beta`, which keep their digits where the others cancel.
 #pragma once
 
 namespace pral::numerics {
 
-/// Gamma(x) (Cephes): rational approximation on [2, 3] with recurrence, Stirling's formula beyond |x| = 33. Sets
-/// the gamma sign. Poles report "gamma" (singularity, overflow) and return kInfinity, signed below -33.
+/// Gamma(x) (Cephes): rational approximation on [2, 3] with recurrence, Stirling's formula beyond |x| = 33.
+/// Sets the gamma sign. Poles report "gamma" (singularity, overflow) and return kInfinity, signed below -33.
 double gamma(double x);
 
-/// ln |Gamma(x)| (Cephes); sets the gamma sign. Poles and x > 2.556348e305 report "lgam", overflow, and return
-/// kInfinity. The absolute error is a few 1e-16: near x = 1 and 2, where the logarithm is zero, use `log_gamma`.
+/// ln |Gamma(x)| (Cephes); sets the gamma sign. Poles and x > 2.556348e305 report "lgam", overflow, and
+/// return kInfinity. The absolute error is a few 1e-16: near x = 1 and 2, where the logarithm is zero, use
+/// `log_gamma`.
 double lgam(double x);
 
 /// The sign of Gamma at the argument of the last call of `gamma` or `lgam`: 1 or -1.
@@ -24,8 +25,8 @@ double stirling_gamma(double x);
 /// ln |Gamma(x)| (Fullerton, SLATEC dlngam): kInfinity at the poles and above 2.5327e305.
 double log_gamma_fn(double x);
 
-/// Gamma(x) (Fullerton, SLATEC dgamma): Chebyshev series for |x| <= 10. Overflow gives kInfinity (with the sign for
-/// a tiny negative x), the poles NaN's stand-in kInfinity, underflow below -170.57 gives 0.
+/// Gamma(x) (Fullerton, SLATEC dgamma): Chebyshev series for |x| <= 10. Overflow gives kInfinity (with the
+/// sign for a tiny negative x), the poles NaN's stand-in kInfinity, underflow below -170.57 gives 0.
 double gamma_fn(double x);
 
 /// ln Gamma(x) - ((x - 1/2) ln x - x + ln sqrt(2 pi)) for x >= 10; kInfinity below 10 and from 3.745e306 on.
