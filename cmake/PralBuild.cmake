@@ -33,18 +33,20 @@ add_library(pral_options INTERFACE)
 target_include_directories(pral_options INTERFACE "${PROJECT_SOURCE_DIR}/src")
 target_compile_options(pral_options INTERFACE
   -ffp-contract=off -fno-math-errno
-  -Wall -Wextra -Wpedantic -Wshadow -Wundef
+  -Wall -Wextra -Wpedantic -Wshadow -Wundef -Wmissing-declarations
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>
   -Werror=return-type -Werror=uninitialized -Werror=format -Werror=switch -Werror=array-bounds)
 if(WIN32)
-  # Windows 7 and later, and the runtime's own printf rather than the compiler's replacement of it.
-  target_compile_definitions(pral_options INTERFACE _WIN32_WINNT=0x0601 WIN32_LEAN_AND_MEAN NOMINMAX)
+  target_compile_definitions(pral_options INTERFACE _WIN32_WINNT=0x0601)  # Windows 7 and later
 endif()
 if(PRAL_SANITIZE)
   set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_compile_options(pral_options INTERFACE ${sanitizers})
   target_link_options(pral_options INTERFACE ${sanitizers})
 endif()
+
+set_source_files_properties("${PROJECT_SOURCE_DIR}/src/boundary/version.cpp" PROPERTIES
+  COMPILE_DEFINITIONS PRAL_VERSION="${PROJECT_VERSION}")
 
 define_property(GLOBAL PROPERTY PRAL_SUBSYSTEMS BRIEF_DOCS "The subsystems that have sources, lowest first")
 

@@ -39,7 +39,10 @@ inline constexpr Support kPositiveReals = {0, numerics::kInfinity};
 ///   log_cumulative(x)       ln F(x), where F itself loses digits or underflows
 ///   log_likelihood(values)  the sum of the log densities, where it is cheaper than its terms
 ///   random(u, stream)       a generator of its own for bare calls; u is a uniform already drawn
+///   check_probability()     the objection in the probability members, where it differs from check()
 ///   kEndsFirst = true       percentiles 0 and 1 give the ends even where there is a point mass
+///   kDiscrete = true        values are a countable set: the percentile that is inverted is exactly the one that the
+///                           truncation prescribes, since a value next to it would be another value
 template <class D>
 concept Family = requires(const D& d, double x) {
     { d.check() } -> std::same_as<Message>;
@@ -50,6 +53,15 @@ concept Family = requires(const D& d, double x) {
     { d.log_density(x) } -> std::same_as<double>;
     { d.quantile(x) } -> std::same_as<double>;
 };
+
+/// The probability members' objection to the parameters.
+template <Family D>
+Message check_probability(const D& d) {
+    if constexpr (requires { d.check_probability(); })
+        return d.check_probability();
+    else
+        return d.check();
+}
 
 /// The two tails at a point: lower = P(X <= x), upper = P(X > x).
 struct Tails {

@@ -133,7 +133,7 @@ bool probability_member(double* out, double* x, int count, const D& d, const int
     if (given.shift != nullptr) {
         for (double& value : values) value -= *given.shift;
     }
-    const Message objection = d.check();
+    const Message objection = check_probability(d);
     const Truncated<D> kept(d, objection == nullptr, given);
     if (!kept.check()) return false;
     if (objection != nullptr) return fail(objection);

@@ -77,8 +77,9 @@ class Truncated {
     double quantile(double u) const {
         if (!bounded_) return base_.quantile(u);
         const double p = min_.tails.lower + u * mass_;
-        const double x = p <= 0.5 ? pral::quantile(base_, p)
-                                  : pral::quantile_upper(base_, max_.tails.upper + (1 - u) * mass_);
+        const bool from_below = p <= 0.5 || requires { D::kDiscrete; };
+        const double x = from_below ? pral::quantile(base_, p)
+                                    : pral::quantile_upper(base_, max_.tails.upper + (1 - u) * mass_);
         return overlaps_support() ? std::clamp(x, lower_, upper_) : x;
     }
 
