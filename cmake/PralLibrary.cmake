@@ -1,8 +1,6 @@
 # The shared library pral_core, made of all subsystems, and its installation.
 
 get_property(subsystems GLOBAL PROPERTY PRAL_SUBSYSTEMS)
-file(GLOB public_headers CONFIGURE_DEPENDS
-  "${PROJECT_SOURCE_DIR}/src/boundary/core_api.h" "${PROJECT_SOURCE_DIR}/src/boundary/automation.h")
 set(empty_source "${PROJECT_BINARY_DIR}/pral_core.cpp")  # a library needs one source of its own, to have a language
 file(CONFIGURE OUTPUT "${empty_source}" CONTENT "// All of the library is in its object libraries.\n")
 
@@ -18,8 +16,7 @@ set_target_properties(pral_core PROPERTIES
 if(WIN32)
   # pral_core.dll, without "lib": the name that the spreadsheet loads.
   set_target_properties(pral_core PROPERTIES PREFIX "" IMPORT_PREFIX "lib" IMPORT_SUFFIX ".dll.a")
-  set_target_properties(pral_core PROPERTIES DLL_NAME_WITH_SOVERSION OFF)
-  target_link_options(pral_core PRIVATE
+  target_link_options(pral_core PRIVATE $<$<CONFIG:Release>:-s>
     -static "LINKER:--output-def,${PROJECT_BINARY_DIR}/pral_core.def" LINKER:--exclude-all-symbols)
 else()
   set(version_script "${PROJECT_SOURCE_DIR}/cmake/exports.map")
@@ -28,4 +25,24 @@ else()
   if(NOT PRAL_SANITIZE)
     target_link_options(pral_core PRIVATE LINKER:--no-undefined)
   endif()
+endif()
+
+# What `make install` puts in place: the library, its public headers, and what CMake and pkg-config need to find it.
+include(CMakePackageConfigHelpers)
+set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/pral_core")
+file(RELATIVE_PATH pkgconfig_to_prefix "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
+string(REGEX REPLACE "/$" "" pkgconfig_to_prefix "${pkgconfig_to_prefix}")
+configure_file("${PROJECT_SOURCE_DIR}/cmake/pral_core.pc.in" "${PROJECT_BINARY_DIR}/pral_core.pc" @ONLY)
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/pral_coreConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
+
+install(TARGETS pral_core EXPORT pral_core
+  LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+  RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+install(FILES src/boundary/core_api.h src/boundary/automation.h DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/pral_core")
+install(EXPORT pral_core NAMESPACE pral:: FILE pral_coreConfig.cmake DESTINATION "${package_dir}")
+install(FILES "${PROJECT_BINARY_DIR}/pral_coreConfigVersion.cmake" DESTINATION "${package_dir}")
+install(FILES "${PROJECT_BINARY_DIR}/pral_core.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+install(FILES LICENSE DESTINATION "${CMAKE_INSTALL_DOCDIR}")
+if(WIN32)
+  install(FILES "${PROJECT_BINARY_DIR}/pral_core.def" DESTINATION "${CMAKE_INSTALL_LIBDIR}")
 endif()

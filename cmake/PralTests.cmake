@@ -103,3 +103,29 @@ function(pral_add_tests folder)
     pral_test_entry(${folder}.${stem} ${folder}_${stem})
   endforeach()
 endfunction()
+
+find_package(Python3 REQUIRED COMPONENTS Interpreter)
+
+# pral_library_entry(name what [arguments...]): one check of the built library's tables against the public header.
+function(pral_library_entry name what)
+  add_test(NAME ${name} COMMAND "${Python3_EXECUTABLE}" "${PRAL_TESTS_DIR}/exports/check_library.py" ${what}
+    --library "$<TARGET_FILE:pral_core>" --header "${PROJECT_SOURCE_DIR}/src/boundary/core_api.h"
+    --compiler "${CMAKE_CXX_COMPILER}" --nm "${CMAKE_NM}" --objdump "${CMAKE_OBJDUMP}" ${ARGN})
+  set_tests_properties(${name} PROPERTIES TIMEOUT 60)
+endfunction()
+
+# pral_install_entry(install.<how>): installs into a staging folder, and builds and runs tests/install from there.
+function(pral_install_entry name)
+  string(REPLACE "install." "" how "${name}")
+  list(JOIN CMAKE_CROSSCOMPILING_EMULATOR "|" emulator)  # one argument
+  pral_test_entry(${name} "${CMAKE_COMMAND}"
+    -D HOW=${how}
+    -D BUILD_DIR=${PROJECT_BINARY_DIR}
+    -D WORK_DIR=${PROJECT_BINARY_DIR}/${name}
+    -D OUTSIDE_PROJECT=${PRAL_TESTS_DIR}/install
+    -D LIBRARY_DIR=${CMAKE_INSTALL_LIBDIR}
+    -D C_COMPILER=${CMAKE_C_COMPILER}
+    -D TOOLCHAIN_FILE=${CMAKE_TOOLCHAIN_FILE}
+    -D EMULATOR=${emulator}
+    -P "${PRAL_TESTS_DIR}/install/run.cmake")
+endfunction()
