@@ -740,4 +740,129 @@ inline constexpr double hastings_den[] = {
 
 }  // namespace as109
 
+namespace temme {
+
+/// eta/(lambda - 1) = sum of value k times eta^k, 1/2 eta^2 = lambda - 1 - ln lambda (Temme 1979; Gil, Segura, Temme 2012); the recurrence is mu mu' = (1 + mu) eta with mu = lambda - 1 (|eta| < 2 sqrt(pi)).
+inline constexpr double eta_over_mu[] = {
+    1.0,
+    -0.3333333333333333333333333,
+    0.08333333333333333333333333,
+    -0.01481481481481481481481481,
+    0.001157407407407407407407407,
+    0.0003527336860670194003527337,
+    -0.0001787551440329218106995885,
+    0.00003919263178522437781697041,
+    -0.000002185448510679992161473643,
+    -0.000001854062210715159960701799,
+    0.0000008296711340953086005016242,
+    -0.0000001766595273682607930436005,
+    6.707853543401498580369397e-9,
+    1.026180978424030804257396e-8,
+    -4.382036018453353186552975e-9,
+    9.147699582236790234182488e-10,
+    -2.551419399494624976687795e-11,
+    -5.830772132550425067464089e-11,
+    2.436194802066741624369407e-11,
+    -5.02766928011417558909055e-12,
+    1.100439203195613477083742e-13,
+    3.371763262400985378827699e-13,
+    -1.392388722418162065919366e-13,
+    2.853489380704744320396691e-14,
+    -5.139111834242572618990646e-16,
+    -1.975228829434944283539624e-15,
+    8.099521156704561334071157e-16,
+    -1.652253121639816181915148e-16,
+    2.530543009747888423270611e-18,
+    1.168693973855957658882309e-17,
+    -4.770037049820484758221678e-18,
+    9.699126059056237124207097e-19,
+    -1.293256553803817501044326e-20,
+    -6.969230253185693380530546e-20,
+    2.835145432176936599923196e-20,
+    -5.750982159007047500162666e-21,
+    6.792953783488914564614966e-23,
+};
+
+/// lambda - 1 = sum of value k times eta^(k+1) (eta).
+inline constexpr double lambda_minus_one[] = {
+    1.0,
+    0.3333333333333333333333333,
+    0.02777777777777777777777778,
+    -0.003703703703703703703703704,
+    0.0002314814814814814814814815,
+    0.00005878894767783656672545561,
+    -0.00002553644914756025867136978,
+    0.000004899078973153047227121301,
+    -0.0000002428276122977769068304048,
+    -0.0000001854062210715159960701799,
+    7.542464855411896368196584e-8,
+    -1.472162728068839942030005e-8,
+};
+
+}  // namespace temme
+
+namespace as91 {
+
+/// Taylor coefficient s1 of the chi-square quantile, times 420 (a = t/2 - b c).
+inline constexpr double s1[] = {
+    60.0,
+    70.0,
+    84.0,
+    105.0,
+    140.0,
+    210.0,
+};
+
+/// Taylor coefficient s2 of the chi-square quantile, times 2520 (a = t/2 - b c).
+inline constexpr double s2[] = {
+    1278.0,
+    1141.0,
+    966.0,
+    735.0,
+    420.0,
+};
+
+/// Taylor coefficient s3 of the chi-square quantile, times 2520 (a = t/2 - b c).
+inline constexpr double s3[] = {
+    932.0,
+    707.0,
+    462.0,
+    210.0,
+};
+
+/// Taylor coefficient s4 of the chi-square quantile, times 5040 (a = t/2 - b c).
+inline constexpr double s4[] = {
+    1182.0,
+    672.0,
+    252.0,
+};
+
+/// Taylor coefficient s4 of the chi-square quantile, times 5040 (the part that c = alpha - 1 multiplies) (a = t/2 - b c).
+inline constexpr double s4_times_c[] = {
+    1740.0,
+    889.0,
+    294.0,
+};
+
+/// Taylor coefficient s5 of the chi-square quantile, times 2520 (a = t/2 - b c).
+inline constexpr double s5[] = {
+    2264.0,
+    84.0,
+};
+
+/// Taylor coefficient s5 of the chi-square quantile, times 2520 (the part that c = alpha - 1 multiplies) (a = t/2 - b c).
+inline constexpr double s5_times_c[] = {
+    606.0,
+    1175.0,
+};
+
+/// Taylor coefficient s6 of the chi-square quantile, times 5040 (c = alpha - 1).
+inline constexpr double s6[] = {
+    127.0,
+    346.0,
+    120.0,
+};
+
+}  // namespace as91
+
 }  // namespace pral::numerics::coefficients
