@@ -33,11 +33,14 @@ add_library(pral_options INTERFACE)
 target_include_directories(pral_options INTERFACE "${PROJECT_SOURCE_DIR}/src")
 target_compile_options(pral_options INTERFACE
   -ffp-contract=off -fno-math-errno
-  -Wall -Wextra -Wpedantic -Wshadow -Wundef -Wmissing-declarations
+  -Wall -Wextra -Wpedantic -Wshadow=local -Wundef -Wmissing-declarations
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor -Woverloaded-virtual>
   -Werror=return-type -Werror=uninitialized -Werror=format -Werror=switch -Werror=array-bounds)
 if(WIN32)
   target_compile_definitions(pral_options INTERFACE _WIN32_WINNT=0x0601)  # Windows 7 and later
+endif()
+if(PRAL_WARNINGS_AS_ERRORS)
+  target_compile_options(pral_options INTERFACE -Werror)
 endif()
 if(PRAL_SANITIZE)
   set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -10,6 +10,7 @@ pral_link_subsystems(pral_core ${subsystems})
 target_link_libraries(pral_core PRIVATE GSL::gsl ALGLIB::ALGLIB)
 target_include_directories(pral_core INTERFACE
   $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+add_custom_target(product DEPENDS pral_core)  # what a user gets; the programs add themselves
 set_target_properties(pral_core PROPERTIES
   VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} LINKER_LANGUAGE CXX)
 

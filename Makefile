@@ -1,0 +1,67 @@
+# The front door: every everyday command of the project, on a bare Debian 12 too.
+#   make help    lists them
+PREFIX ?= /usr/local
+JOBS := $(shell nproc)
+
+.DEFAULT_GOAL := build
+.PHONY: build demo test test-linux test-windows windows bench sanitize lint lint-all format install clean help
+
+build:  ## the library, the companion and the example, for Linux (build/release)
+	@scripts/install-deps.sh linux
+	cmake --preset release
+	cmake --build --preset release --parallel $(JOBS) --target product
+
+demo: build  ## a small risk model computed through the library, with a verdict
+	@build/release/pral_demo && echo "demo: passed" || { echo "demo: FAILED"; exit 1; }
+
+test:  ## all tests on Linux and, under Wine, on Windows
+	@scripts/install-deps.sh windows
+	@scripts/test.sh release windows
+
+test-linux:  ## the Linux half of them
+	@scripts/install-deps.sh linux
+	@scripts/test.sh release
+
+test-windows:  ## the Windows half
+	@scripts/install-deps.sh windows
+	@scripts/test.sh windows
+
+windows:  ## pral_core.dll with its import library, and pral.exe (build/windows)
+	@scripts/install-deps.sh windows
+	cmake --preset windows
+	cmake --build --preset windows --parallel $(JOBS) --target product
+	@ls -l build/windows/pral_core.dll build/windows/libpral_core.dll.a build/windows/pral_core.def
+
+bench:  ## benchmarks; BENCH='--benchmark_filter=Normal' picks some
+	@scripts/install-deps.sh linux
+	cmake --preset release
+	cmake --build --preset release --parallel $(JOBS) --target pral_benchmarks
+	build/release/pral_benchmarks $(BENCH)
+
+sanitize:  ## the Linux tests under the address and undefined-behaviour sanitizers
+	@scripts/install-deps.sh linux
+	@scripts/test.sh sanitize
+
+lint:  ## formatting and whitespace everywhere, clang-tidy on what differs from upstream
+	@scripts/install-deps.sh linux lint
+	scripts/lint.sh format
+	scripts/lint.sh tidy
+
+lint-all:  ## the same with clang-tidy on every source
+	@scripts/install-deps.sh linux lint
+	scripts/lint.sh format
+	scripts/lint.sh tidy all
+
+format:  ## rewrites the sources in the project's format
+	@scripts/install-deps.sh lint
+	scripts/lint.sh fix-format
+
+install: build  ## installs into $(DESTDIR)$(PREFIX)
+	DESTDIR="$(DESTDIR)" cmake --install build/release --prefix "$(PREFIX)"
+
+clean:  ## removes build/ (not the cached Windows dependencies)
+	rm -rf build
+
+help:
+	@sed -n 's/^\([a-z-]*\):[^#]*##  *\(.*\)/\1|\2/p' $(MAKEFILE_LIST) | \
+	    while IFS='|' read -r name text; do printf 'make %-13s %s\n' "$$name" "$$text"; done
