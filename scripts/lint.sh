@@ -10,8 +10,12 @@ listed() { git ls-files -z --cached --others --exclude-standard --deduplicate --
 
 case ${1:-} in
     format)
-        listed '*.h' '*.hpp' '*.c' '*.cpp' | xargs -r clang-format --style=file --dry-run -Werror
-        git diff --check "$(git hash-object -t tree /dev/null)" -- ':!LICENSE'
+        status=0
+        for file in $(listed '*.h' '*.hpp' '*.c' '*.cpp'); do
+            clang-format --style=file --dry-run -Werror "$file" 2>/dev/null || { echo "not formatted: $file"; status=1; }
+        done
+        git diff --check "$(git hash-object -t tree /dev/null)" -- ':!LICENSE' || status=1
+        exit $status
         ;;
     fix-format)
         listed '*.h' '*.hpp' '*.c' '*.cpp' | xargs -r clang-format --style=file -i
