@@ -93,19 +93,6 @@ double bcorr(double a, double b) {
 /// w - u - v, the smaller one subtracted first.
 double subtract_both(double w, double u, double v) { return u <= v ? (w - u) - v : (w - v) - u; }
 
-/// ln(Gamma(b)/Gamma(a + b)), b >= 8.
-double algdiv(double a, double b) {
-    double c, x, d;
-    if (a > b) {
-        const double h = b / a;
-        c = 1 / (1 + h), x = h / (1 + h), d = a + (b - 0.5);
-    } else {
-        const double h = a / b;
-        c = h / (1 + h), x = 1 / (1 + h), d = b + (a - 0.5);
-    }
-    return subtract_both(correction_difference(b, c, x), d * alnrel(a / b), a * (std::log(b) - 1));
-}
-
 /// ln Gamma(a + b), 1 <= a, b <= 2.
 double gsumln(double a, double b) {
     const double t = a + b - 2;
@@ -472,6 +459,18 @@ double gamln(double a) {
         product *= t;
     }
     return gamln1(t - 1) + std::log(product);
+}
+
+double algdiv(double a, double b) {
+    double c, x, d;
+    if (a > b) {
+        const double h = b / a;
+        c = 1 / (1 + h), x = h / (1 + h), d = a + (b - 0.5);
+    } else {
+        const double h = a / b;
+        c = h / (1 + h), x = 1 / (1 + h), d = b + (a - 0.5);
+    }
+    return subtract_both(correction_difference(b, c, x), d * alnrel(a / b), a * (std::log(b) - 1));
 }
 
 double power_series_sum(double a, double b, double x, double tolerance) {

@@ -32,6 +32,8 @@ double gam1(double a);
 double gamln1(double a);
 /// ln Gamma(a), a > 0.
 double gamln(double a);
+/// ln(Gamma(b)/Gamma(a + b)), b >= 8; relative to a for small a.
+double algdiv(double a, double b);
 /// a sum_{n >= 1} c_n/(a + n), c_n = prod (1 - b/i) x: I_x(a, b) = x^a/(a B(a, b)) (1 + this).
 double power_series_sum(double a, double b, double x, double tolerance);
 /// sum_{i < n} of the increments of I_x(a, b) - I_x(a + n, b) in units of the first, x^a y^b/(a B(a, b))

@@ -1,0 +1,264 @@
+#include "numerics/beta_quantile.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "numerics/coefficients.h"
+#include "numerics/constants.h"
+#include "numerics/elementary.h"
+#include "numerics/extended_log.h"
+#include "numerics/gamma.h"
+#include "numerics/normal.h"
+#include "numerics/polynomial.h"
+
+namespace pral::numerics {
+
+namespace {
+
+/// I_x(p, q) by the recurrence of AS 63 after Soper, beta = ln B(p, q).
+double beta_ratio_as63(double x, double p, double q, double beta) {
+    constexpr double kAccuracy = 1e-15;
+    constexpr int kMaxTerms = 100000;
+    double sum_pq = p + q, w = 1 - x;
+    const bool swapped = p < sum_pq * x;
+    if (swapped) {
+        std::swap(p, q);
+        std::swap(x, w);
+    }
+    double reductions = std::floor(q + w * sum_pq);
+    double ratio = reductions == 0 ? x : x / w;
+    double term = 1, sum = 1, factor = q - 1;
+    for (int i = 1; i < kMaxTerms; ++i) {
+        term *= factor * ratio / (p + i);
+        sum += term;
+        const double size = std::fabs(term);
+        if (!(size > kAccuracy || size > kAccuracy * sum)) break;
+        reductions -= 1;
+        if (reductions >= 0) {
+            factor = q - i - 1;
+            if (reductions == 0) ratio = x;
+        } else {
+            factor = sum_pq;
+            sum_pq += 1;
+        }
+    }
+    const double value = sum * std::exp(p * std::log(x) + (q - 1) * std::log(w) - beta) / p;
+    return swapped ? 1 - value : value;
+}
+
+double start_as109(double alpha, double p, double q, double beta) {
+    using namespace coefficients::as109;
+    const double r = std::sqrt(-2 * std::log(alpha));
+    const double y = r - horner(hastings_num, r) / horner(hastings_den, r);
+    double x;
+    if (p > 1 && q > 1) {
+        const double k = (y * y - 3) / 6, s = 1 / (2 * p - 1), t = 1 / (2 * q - 1), h = 2 / (s + t);
+        const double w = y * std::sqrt(h + k) / h - (t - s) * (k + 5.0 / 6 - 2 / (3 * h));
+        x = p / (p + q * std::exp(2 * w));
+    } else {
+        const double root = 1 - 1 / (9 * q) + y / (3 * std::sqrt(q));
+        double t = 2 * q * root * root * root;
+        if (t <= 0) {
+            x = 1 - std::exp((std::log((1 - alpha) * q) + beta) / q);
+        } else {
+            t = (4 * p + 2 * q - 2) / t;
+            x = t <= 1 ? std::exp((std::log(alpha * p) + beta) / p) : 1 - 2 / (t + 1);
+        }
+    }
+    return x > 0.0001 ? std::min(x, 0.9999) : 0.0001;
+}
+
+/// The modified Newton iteration of AS 109: a step is cut by three until it is shorter than the last one and
+/// stays inside [0, 1].
+double refine_as109(double x, double alpha, double p, double q, double beta) {
+    constexpr int kMaxIterations = 1000;
+    constexpr double kSmallestStep = 3e-308, kRelativeStop = 1e-15;
+    const double accuracy = std::max(1e-300, std::pow(10.0, -13 - 2.5 / (p * p) - 0.5 / (alpha * alpha)));
+    double previous = 1, previous_y = 0, step = 1;
+    for (int i = 0; i < kMaxIterations; ++i) {
+        double y = beta_ratio_as63(x, p, q, beta);
+        y = (y - alpha) * std::exp(beta + (1 - p) * std::log(x) + (1 - q) * std::log(1 - x));
+        if (y * previous_y <= 0) previous = std::max(std::fabs(step), kSmallestStep);
+        double next = x, cut = 1;
+        for (int j = 0; j < kMaxIterations; ++j, cut /= 3) {
+            step = cut * y;
+            if (!(std::fabs(step) < previous)) continue;
+            next = x - step;
+            if (!(next >= 0 && next <= 1)) continue;
+            if (previous <= accuracy || std::fabs(y) <= accuracy) return x;
+            if (next != 0 && next != 1) break;
+        }
+        if (!(std::fabs(next - x) >= kRelativeStop * x)) return x;
+        x = next;
+        previous_y = y;
+    }
+    return x;
+}
+
+UnitPoint from_odds(double odds) {
+    if (odds <= 1) {
+        const double x = odds / (1 + odds);
+        return {x, 1 - x};
+    }
+    const double y = 1 / (1 + odds);
+    return {1 - y, y};
+}
+
+/// The point whose logit is larger by `delta`; a small step is added to the smaller coordinate, whose rounding
+/// alone is then left.
+UnitPoint moved(UnitPoint at, double delta) {
+    if (std::fabs(delta) > 0.1) return from_odds(at.x / at.y * std::exp(std::clamp(delta, -700.0, 700.0)));
+    const double e = expm1_fn(delta), change = at.x * at.y * e / (1 + at.x * e);
+    if (at.x <= at.y) return {at.x + change, 1 - (at.x + change)};
+    return {1 - (at.y - change), at.y - change};
+}
+
+UnitPoint swapped_if(bool swap, UnitPoint p) { return swap ? UnitPoint{p.y, p.x} : p; }
+
+/// The root of ln(tail/p) as a function of the logit v of the distance x from the tail's own end. Log-concavity
+/// of the tail in v makes Newton's step safe from everywhere but the far side, where the bracket catches it.
+class TailInverse {
+  public:
+    /// p <= 1/2 is the tail at x = 0 (`lower`) or at x = 1, whose distance is x here.
+    TailInverse(const BetaRatio& ratio, bool lower, double p)
+        : ratio_(ratio),
+          lower_(lower),
+          p_(p),
+          a_(lower ? ratio.a() : ratio.b()),
+          b_(lower ? ratio.b() : ratio.a()) {}
+
+    UnitPoint solve() {
+        const double log_near = ratio_.log_leading(lower_, {p_, 0}).hi;
+        if (log_near < 0 && std::exp(log_near) * (b_ + 1) < 0x1p-55) {
+            const DoubleDouble l = ratio_.log_leading(lower_, {p_, 0});
+            return from_small(std::exp(l.hi) * (1 + l.lo));
+        }
+        const DoubleDouble far = b_ < 1 ? ratio_.log_leading(!lower_, two_sum(1, -p_)) : DoubleDouble{0, 0};
+        if (far.hi < 0 && std::exp(far.hi) * (a_ + 1) < 0x1p-55) {
+            const UnitPoint point = from_small(std::exp(far.hi) * (1 + far.lo));
+            return {point.y, point.x};
+        }
+        return iterate(start(log_near, far.hi));
+    }
+
+  private:
+    const BetaRatio& ratio_;
+    bool lower_;
+    double p_, a_, b_;
+
+    static UnitPoint from_small(double x) { return {x, 1 - x}; }
+
+    /// The odds x/y of the first guess.
+    double start(double log_near, double log_far) const {
+        if (log_near < 0) {
+            const double x = std::exp(log_near), correction = a_ * (1 - b_) * x / (a_ + 1);
+            if (std::fabs(correction) < 0.3 && x < 0.6) {
+                const double refined = x * std::exp(-std::log(1 + correction) / a_);
+                if (refined < 0.9) return refined / (1 - refined);
+            }
+        }
+        if (b_ < 1 && log_far < -0.5) {
+            const double y = std::exp(log_far);
+            return (1 - y) / y;
+        }
+        const double ra = 1 / (2 * a_ - 1), rb = 1 / (2 * b_ - 1);
+        if (a_ > 0.6 && b_ > 0.6) {  // Abramowitz and Stegun 26.5.22
+            const double z = -normal_quantile(p_), l = (z * z - 3) / 6, h = 2 / (ra + rb);
+            if (h + l > 0) {
+                const double w = z * std::sqrt(h + l) / h - (rb - ra) * (l + 5.0 / 6 - 2 / (3 * h));
+                if (std::fabs(w) < 300) return a_ / b_ * std::exp(-2 * w);
+            }
+        }
+        const double mean = a_ / b_;
+        return log_near < 0 ? std::min(mean, std::exp(log_near)) : mean;
+    }
+
+    UnitPoint iterate(double odds) const {
+        constexpr int kMaxIterations = 100;  // bisection of the exponent range alone needs 60
+        double low = 0x1p-1022, high = 0x1p1022;
+        UnitPoint at = from_odds(std::clamp(odds, 0x1p-1020, 0x1p1020));
+        for (int i = 0; i < kMaxIterations; ++i) {
+            const auto step = lower_ ? ratio_.step(true, at.x, at.y, p_) : ratio_.step(false, at.y, at.x, p_);
+            const double h = step.log_ratio, r = step.hazard;
+            if (h == 0) break;
+            (h < 0 ? low : high) = at.x / at.y;
+            // Series of the root: h + r (d + c2 d^2 + c3 d^3), r' = r (lambda - r), lambda' = -(a + b) x y.
+            const double lambda = a_ * at.y - b_ * at.x, kappa = (a_ + b_) * at.x * at.y, e = lambda - r;
+            const double c2 = 0.5 * e, c3 = (e * e - kappa - r * e) / 6;
+            const double newton = -h / r, bend = c2 * newton;
+            double delta = newton;
+            if (std::fabs(bend) < 0.2) {
+                delta = newton * (1 - bend + (2 * c2 * c2 - c3) * newton * newton);
+            } else if (4 * bend > -0.9) {
+                delta = 2 * newton / (1 + std::sqrt(1 + 4 * bend));
+            }
+            const UnitPoint next = moved(at, delta);
+            const double next_odds = next.x / next.y;
+            if (!(next_odds > low && next_odds < high)) {
+                if (std::fabs(delta) < 0x1p-50 || high / low - 1 < 0x1p-50) break;
+                at = from_odds(std::sqrt(low) * std::sqrt(high));
+                continue;
+            }
+            at = next;
+            // Fourth order: what this step leaves is below the rounding of the ratio.
+            if ((std::fabs(e) + r + std::sqrt(kappa)) * std::fabs(delta) < 3e-5) break;
+        }
+        return at;
+    }
+};
+
+/// The point where the tail at x = 0 (`lower`) or at x = 1 is p.
+UnitPoint inverse(const BetaRatio& ratio, bool lower, double p) {
+    if (std::isnan(p) || !(ratio.a() > 0 && ratio.b() > 0)) return {kNaN, kNaN};
+    if (p <= 0) return swapped_if(!lower, {0, 1});
+    if (p >= 1) return swapped_if(!lower, {1, 0});
+    if (p > 0.5) {
+        lower = !lower;
+        p = 1 - p;
+    }
+    return swapped_if(!lower, TailInverse(ratio, lower, p).solve());
+}
+
+}  // namespace
+
+double beta_quantile_as109(double p, double a, double b) {
+    if (std::isnan(p + a + b)) return kNaN;
+    if (a <= 0 || b <= 0) return kInfinity;
+    if (p <= 0) return 0;
+    if (p >= 1) return 1;
+    const double beta = lgam_quiet(a) + lgam_quiet(b) - lgam_quiet(a + b);
+    const bool swapped = p > 0.5;
+    if (swapped) {
+        std::swap(a, b);
+        p = 1 - p;
+    }
+    const double x = refine_as109(start_as109(p, a, b, beta), p, a, b, beta);
+    return swapped ? 1 - x : x;
+}
+
+UnitPoint beta_lower_inverse(const BetaRatio& ratio, double p) { return inverse(ratio, true, p); }
+UnitPoint beta_upper_inverse(const BetaRatio& ratio, double q) { return inverse(ratio, false, q); }
+UnitPoint beta_lower_inverse(double a, double b, double p) { return inverse(BetaRatio(a, b), true, p); }
+UnitPoint beta_upper_inverse(double a, double b, double q) { return inverse(BetaRatio(a, b), false, q); }
+
+double student_lower(double nu, double t) {
+    if (std::isnan(nu + t)) return kNaN;
+    if (!(std::fabs(t) <= kInfinity) || std::fabs(t) == kInfinity) return t > 0 ? 1 : 0;
+    // x = nu/(nu + t^2) by the ratio t/sqrt(nu), which neither overflows nor underflows early.
+    const double r = t / std::sqrt(nu), r2 = r * r;
+    const double x = std::fabs(r) < 1e150 ? 1 / (1 + r2) : 1 / r / r, y = r2 / (1 + r2);
+    const double tail = 0.5 * beta_lower(0.5 * nu, 0.5, x, std::fabs(r) < 1e150 ? y : 1);
+    return t <= 0 ? tail : 1 - tail;
+}
+
+double student_quantile(double nu, double p) {
+    if (std::isnan(nu + p)) return kNaN;
+    if (p <= 0) return -kInfinity;
+    if (p >= 1) return kInfinity;
+    const double tail = std::min(p, 1 - p);
+    const UnitPoint at = beta_lower_inverse(0.5 * nu, 0.5, 2 * tail);
+    const double t = std::sqrt(nu) * std::sqrt(at.y) / std::sqrt(at.x);
+    return finite_or_limit(p < 0.5 ? -t : t);
+}
+
+}  // namespace pral::numerics

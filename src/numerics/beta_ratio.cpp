@@ -1,0 +1,270 @@
+#include "numerics/beta_ratio.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "numerics/constants.h"
+#include "numerics/elementary.h"
+#include "numerics/extended_log.h"
+#include "numerics/gamma.h"
+#include "numerics/polynomial.h"
+#include "numerics/toms708.h"
+
+namespace pral::numerics {
+
+namespace {
+
+/// Above it the Stirling correction series has full accuracy.
+constexpr double kStirlingFrom = 8;
+/// Largest B x for which the power series is used: beyond it the terms cancel.
+constexpr double kSeriesLimit = 0.5;
+constexpr double kTolerance = 0x1p-55;
+/// Parameters beyond it describe a point mass at any precision; products of larger ones overflow.
+constexpr double kLargestParameter = 1e150;
+
+/// The coefficients B_2k/(2k (2k - 1)) of the Stirling series (DLMF 5.11.1), highest first.
+constexpr double kStirlingSeries[] = {-3617.0 / 122400, 1.0 / 156,  -691.0 / 360360, 1.0 / 1188,
+                                      -1.0 / 1680,      1.0 / 1260, -1.0 / 360,      1.0 / 12};
+
+/// ln Gamma(z) - ((z - 1/2) ln z - z + ln sqrt(2 pi)), z >= 8.
+double stirling_remainder(double z) { return horner(kStirlingSeries, 1 / (z * z)) / z; }
+
+/// I_x(a, b) B(a, b)/(x^a y^b), lambda = a - (a + b) x >= 0, by the continued fraction of TOMS 708. Steed's
+/// forward evaluation: with b < 1 the recurrences for numerator and denominator lose n^2 units in n steps.
+double continued_fraction(double a, double b, double x, double y, double lambda) {
+    constexpr int kMaxTerms = 10000;
+    double d = (1 + 1 / a) / (1 + lambda), change = d, sum = d;
+    double inverse = 1 / (a + 1);
+    for (int n = 1; n < kMaxTerms; ++n) {
+        const double w = n * (b - n) * x * inverse;
+        const double alpha = w * x * inverse * (a + n - 1) * (a + b + n - 1);
+        inverse = 1 / (a + 2 * n + 1);
+        const double beta = n + w + (a + n) * inverse * (1 + lambda + n * (1 + y));
+        d = 1 / (beta + alpha * d);
+        change *= beta * d - 1;
+        sum += change;
+        if (!(std::fabs(change) > kTolerance * sum)) break;
+    }
+    return sum;
+}
+
+/// Gamma(1 + z), 0 < z < 2 kStirlingFrom.
+double gamma_1p(double z) { return z < 1 ? gamma(1 + z) : z * gamma(z); }
+
+double clamp_parameter(double v) { return v > kLargestParameter ? kLargestParameter : v; }
+
+double scaled_exponential(double factor, DoubleDouble exponent) {
+    const double e = std::min(exponent.hi, 709.0);
+    // In two halves, so that a factor above 1 can bring a result back from the denormals.
+    const double half = std::exp(0.5 * e);
+    return factor * (1 + exponent.lo) * half * std::exp(e - 0.5 * e);
+}
+
+}  // namespace
+
+struct BetaRatio::Arguments {
+    double x, y, lambda;
+    DoubleDouble log_x, log_y;
+
+    Arguments(double a, double b, double given_x, double given_y) : x(given_x), y(given_y) {
+        const double smaller = std::min(x, y);
+        const DoubleDouble larger = two_sum(1, -smaller);
+        const DoubleDouble log_smaller = extended_log({smaller, 0}), log_larger = extended_log(larger);
+        const DoubleDouble ax = two_product(a, smaller), bx = two_product(b, smaller), total = add(ax, bx);
+        if (x <= y) {
+            y = larger.hi;
+            log_x = log_smaller, log_y = log_larger;
+            lambda = add({a, 0}, negated(total)).hi;
+        } else {
+            x = larger.hi;
+            log_x = log_larger, log_y = log_smaller;
+            lambda = add(total, {-b, 0}).hi;
+        }
+    }
+};
+
+BetaRatio::BetaRatio(double a, double b) : a_(clamp_parameter(a)), b_(clamp_parameter(b)) {
+    const bool a_large = a_ >= kStirlingFrom, b_large = b_ >= kStirlingFrom;
+    const DoubleDouble sum = two_sum(a_, b_);
+    if (!(a_ > 0 && b_ > 0)) {
+        density_factor_ = 0;
+        return;
+    }
+    if (!a_large && !b_large) {
+        density_factor_ =
+            a_ / sum.hi * b_ * gamma_1p(sum.hi) / (gamma_1p(a_) * gamma_1p(b_)) * (1 - sum.lo / sum.hi);
+        return;
+    }
+    const DoubleDouble log_sum = extended_log(sum);
+    const double of_sum = stirling_remainder(sum.hi);
+    if (a_large && b_large) {
+        asymptotic_factor_ = std::exp(of_sum - (stirling_remainder(a_) + stirling_remainder(b_)));
+        density_factor_ = asymptotic_factor_ * kInvSqrt2Pi * std::sqrt(std::min(a_, b_)) *
+                          std::sqrt(std::max(a_, b_) / sum.hi);
+        shift_a_ = add(extended_log({a_, 0}), negated(log_sum));
+        shift_b_ = add(extended_log({b_, 0}), negated(log_sum));
+        return;
+    }
+    // Gamma(small) as it stands; Stirling for the large one and the sum.
+    const double large = std::max(a_, b_), small = std::min(a_, b_);
+    density_factor_ =
+        std::exp(of_sum - stirling_remainder(large)) * std::sqrt(large / sum.hi) * small / gamma_1p(small);
+    const DoubleDouble of_small = add({1, 0}, negated(log_sum));
+    const DoubleDouble of_large = add(extended_log({large, 0}), negated(log_sum));
+    shift_a_ = a_large ? of_large : of_small;
+    shift_b_ = a_large ? of_small : of_large;
+}
+
+DoubleDouble BetaRatio::density_exponent(const Arguments& at) const {
+    return add(multiply({a_, 0}, add(at.log_x, negated(shift_a_))),
+               multiply({b_, 0}, add(at.log_y, negated(shift_b_))));
+}
+
+/// 1 - x^a/(a B(a, b)) (1 + sum), for a small a: everything in it is of the order of a.
+double BetaRatio::series_complement(double a, double b, double log_x, double sum) const {
+    // ln(Gamma(a + b)/Gamma(b)) by its recurrence: no term loses digits relative to a.
+    double log_ratio = 0;
+    while (b < kStirlingFrom) {
+        log_ratio -= log1p_fn(a / b);
+        b += 1;
+    }
+    log_ratio -= toms708::algdiv(a, b);
+    const double g = a * log_x + (log_ratio - lgamma_1p(a));
+    return -(expm1_fn(g) * (1 + sum) + sum);
+}
+
+BetaRatio::Tail BetaRatio::series(bool lower, const Arguments& at) const {
+    const double a = lower ? a_ : b_, b = lower ? b_ : a_, x = lower ? at.x : at.y;
+    const DoubleDouble& log_x = lower ? at.log_x : at.log_y;
+    const DoubleDouble& shift_a = lower ? shift_a_ : shift_b_;
+    const DoubleDouble& shift_b = lower ? shift_b_ : shift_a_;
+    const double sum = toms708::power_series_sum(a, b, x, kTolerance * std::min(a, 1.0));
+    Tail result;
+    result.is_lower = lower;
+    result.factor = density_factor_ / a * (1 + sum);
+    result.exponent = add(multiply({a, 0}, add(log_x, negated(shift_a))), multiply({-b, 0}, shift_b));
+    result.complement = -1;
+    if (a < 0.7 && result.factor * std::exp(result.exponent.hi) > 0.7) {
+        result.complement = series_complement(a, b, log_x.hi, sum);
+    }
+    return result;
+}
+
+BetaRatio::Tail BetaRatio::tail(const Arguments& at) const {
+    const bool lower = at.lambda >= 0;
+    const double a = lower ? a_ : b_, b = lower ? b_ : a_;
+    const double x = lower ? at.x : at.y, y = lower ? at.y : at.x, lambda = std::fabs(at.lambda);
+    if (x <= 0.7 && b * x <= kSeriesLimit) return series(lower, at);
+    if (y <= 0.7 && a * y <= kSeriesLimit) return series(!lower, at);
+    Tail result;
+    result.is_lower = lower;
+    result.exponent = density_exponent(at);
+    result.complement = -1;
+    const double smaller = std::min(a, b);
+    if (smaller > 100 && lambda <= 0.03 * smaller) {
+        const double f = std::max(-result.exponent.hi, 0.0);
+        result.factor = asymptotic_factor_ * toms708::large_sum(a, b, f, kTolerance);
+    } else {
+        result.factor = density_factor_ * continued_fraction(a, b, x, y, lambda);
+    }
+    return result;
+}
+
+BetaRatio::Step BetaRatio::step(bool of_lower, double x, double y, double target) const {
+    const Arguments at(a_, b_, x, y);
+    const Tail t = tail(at);
+    const DoubleDouble e = density_exponent(at);
+    const double value = std::min(scaled_exponential(t.factor, t.exponent), 1.0);
+    if (t.is_lower == of_lower && !(t.complement >= 0)) {
+        const double hazard = density_factor_ / t.factor * std::exp(add(e, negated(t.exponent)).hi);
+        if (value > 1e-305 && target > 1e-305) return {std::log(value / target), hazard};
+        return {t.exponent.hi - std::log(target) + (t.exponent.lo + std::log(t.factor)), hazard};
+    }
+    const double tail_value = t.is_lower == of_lower ? value : t.complement >= 0 ? t.complement : 1 - value;
+    return {std::log(tail_value / target), scaled_exponential(density_factor_, e) / tail_value};
+}
+
+DoubleDouble BetaRatio::log_leading(bool of_lower, DoubleDouble p) const {
+    const double a = of_lower ? a_ : b_, b = of_lower ? b_ : a_;
+    const DoubleDouble& shift_a = of_lower ? shift_a_ : shift_b_;
+    const DoubleDouble& shift_b = of_lower ? shift_b_ : shift_a_;
+    const DoubleDouble constant =
+        add(extended_log(p), negated(extended_log(divide({density_factor_, 0}, {a, 0}))));
+    return add(shift_a, divide(add(constant, multiply({b, 0}, shift_b)), {a, 0}));
+}
+
+namespace {
+
+/// Calls `inside` for x in (0, 1); otherwise the value at the end, or NaN.
+template <typename F>
+double with_ends(double a, double b, double x, double y, double at_zero, double at_one, F inside) {
+    if (std::isnan(a + b + x + y)) return kNaN;
+    if (a <= 0 || y <= 0) return at_one;
+    if (b <= 0 || x <= 0) return at_zero;
+    return inside();
+}
+
+}  // namespace
+
+double BetaRatio::lower(double x, double y) const {
+    return with_ends(a_, b_, x, y, 0, 1, [&] {
+        const Tail t = tail(Arguments(a_, b_, x, y));
+        if (!t.is_lower && t.complement >= 0) return t.complement;
+        const double value = std::min(scaled_exponential(t.factor, t.exponent), 1.0);
+        return t.is_lower ? value : 1 - value;
+    });
+}
+
+double BetaRatio::upper(double x, double y) const {
+    return with_ends(a_, b_, x, y, 1, 0, [&] {
+        const Tail t = tail(Arguments(a_, b_, x, y));
+        if (t.is_lower && t.complement >= 0) return t.complement;
+        const double value = std::min(scaled_exponential(t.factor, t.exponent), 1.0);
+        return t.is_lower ? 1 - value : value;
+    });
+}
+
+double BetaRatio::log_lower(double x, double y) const {
+    return with_ends(a_, b_, x, y, -kInfinity, 0, [&] {
+        const Tail t = tail(Arguments(a_, b_, x, y));
+        if (t.is_lower && !(t.complement >= 0)) {
+            return std::min(t.exponent.hi + (t.exponent.lo + std::log(t.factor)), 0.0);
+        }
+        if (t.is_lower) return log1p_fn(-t.complement);
+        if (t.complement >= 0) return std::log(t.complement);
+        return log1p_fn(-std::min(scaled_exponential(t.factor, t.exponent), 1.0));
+    });
+}
+
+double BetaRatio::log_upper(double x, double y) const {
+    return with_ends(a_, b_, x, y, 0, -kInfinity, [&] {
+        const Tail t = tail(Arguments(a_, b_, x, y));
+        if (!t.is_lower && !(t.complement >= 0)) {
+            return std::min(t.exponent.hi + (t.exponent.lo + std::log(t.factor)), 0.0);
+        }
+        if (!t.is_lower) return log1p_fn(-t.complement);
+        if (t.complement >= 0) return std::log(t.complement);
+        return log1p_fn(-std::min(scaled_exponential(t.factor, t.exponent), 1.0));
+    });
+}
+
+double BetaRatio::log_density(double x, double y) const {
+    if (std::isnan(a_ + b_ + x + y)) return kNaN;
+    if (x <= 0 || y <= 0) {
+        const double own = x <= 0 ? a_ : b_, other = x <= 0 ? b_ : a_;
+        if (x < 0 || y < 0 || own > 1) return -kInfinity;
+        return own < 1 ? kInfinity : std::log(other);
+    }
+    const Arguments at(a_, b_, x, y);
+    const DoubleDouble logs = add(at.log_x, at.log_y);
+    const DoubleDouble e = add(density_exponent(at), negated(logs));
+    return e.hi + (e.lo + std::log(density_factor_));
+}
+
+double beta_lower(double a, double b, double x, double y) { return BetaRatio(a, b).lower(x, y); }
+double beta_upper(double a, double b, double x, double y) { return BetaRatio(a, b).upper(x, y); }
+double log_beta_lower(double a, double b, double x, double y) { return BetaRatio(a, b).log_lower(x, y); }
+double log_beta_upper(double a, double b, double x, double y) { return BetaRatio(a, b).log_upper(x, y); }
+double log_beta_density(double a, double b, double x, double y) { return BetaRatio(a, b).log_density(x, y); }
+
+}  // namespace pral::numerics
