@@ -139,14 +139,19 @@ bool probability_member(double* out, double* x, int count, const D& d, const int
     if (objection != nullptr) return fail(objection);
 
     double smallest = HUGE_VAL, largest = -HUGE_VAL;
+    bool all_numbers = true;
     for (const double value : values) {
         smallest = std::min(smallest, value);
         largest = std::max(largest, value);
+        all_numbers &= value == value;
     }
     const bool density = cumulative == nullptr || *cumulative == 0 || *cumulative == -1;
-    const double joint = smallest < kept.lower() || smallest == -numerics::kInfinity ? impossible(scale)
-                         : density ? joint_density<D>(values, smallest, largest, kept, scale)
-                                   : joint_cumulative<D>(values, smallest, kept, scale);
+    double joint = numerics::kNaN;
+    if (smallest < kept.lower() || smallest == -numerics::kInfinity)
+        joint = impossible(scale);
+    else if (all_numbers)
+        joint = density ? joint_density<D>(values, smallest, largest, kept, scale)
+                        : joint_cumulative<D>(values, smallest, kept, scale);
     *out = numerics::finite_or_limit(scale == Scale::plain ? joint : joint / numerics::kLn10);
     return true;
 }

@@ -1,5 +1,6 @@
 #include "numerics/normal.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "numerics/coefficients.h"
@@ -82,6 +83,8 @@ double quantile_tail(double smaller) {
     return horner(e, root - 5) / horner(f, root - 5);
 }
 
+bool is_central(double q) { return std::fabs(q) <= 0.425; }
+
 /// The central region. a/b runs from 2.5 to 3.4 there: as 3 + (a - 3 b)/b only the small second term carries
 /// the rounding errors of the polynomials.
 double quantile_center(double q) {
@@ -134,7 +137,7 @@ double normal_density(double z) {
 
 double normal_quantile(double p) {
     const double q = p - 0.5;
-    if (std::fabs(q) <= 0.425) return quantile_center(q);
+    if (is_central(q)) return quantile_center(q);
     if (!(p > 0)) return p <= 0 ? -kInfinity : p;
     if (p >= 1) return kInfinity;
     return q < 0 ? -quantile_tail(p) : quantile_tail(1 - p);
@@ -142,8 +145,17 @@ double normal_quantile(double p) {
 
 double normal_quantile_upper(double q) { return -normal_quantile(q); }
 
+/// The central branch for a whole block, in a loop that becomes vector code, and the tails one by one.
 void normal_quantiles(std::span<double> p) {
-    for (double& value : p) value = normal_quantile(value);
+    constexpr std::size_t kBlock = 256;
+    double center[kBlock];
+    while (!p.empty()) {
+        const auto block = p.first(std::min(kBlock, p.size()));
+        for (std::size_t i = 0; i < block.size(); ++i) center[i] = quantile_center(block[i] - 0.5);
+        for (std::size_t i = 0; i < block.size(); ++i)
+            block[i] = is_central(block[i] - 0.5) ? center[i] : normal_quantile(block[i]);
+        p = p.subspan(block.size());
+    }
 }
 
 }  // namespace pral::numerics

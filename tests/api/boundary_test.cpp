@@ -61,7 +61,8 @@ TEST(Boundary, AutomationArrayEqualsPlainArray) {
 
 TEST(Boundary, RefusesOtherAutomationArrays) {
     SAFEARRAYBOUND square[2] = {{3, 0}, {3, 0}};
-    SAFEARRAY* const arrays[] = {nullptr, SafeArrayCreate(VT_R8, 2, square), SafeArrayCreateVector(VT_R4, 0, 5)};
+    SAFEARRAY* const arrays[] = {nullptr, SafeArrayCreate(VT_R8, 2, square),
+                                 SafeArrayCreateVector(VT_R4, 0, 5)};
     for (SAFEARRAY* array : arrays) {
         PralSetCoreError("");
         EXPECT_FALSE(fill_normal(&array));

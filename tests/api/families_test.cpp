@@ -1,0 +1,265 @@
+// The questions that every family answers the same way, put to all of them through their exports. Parameters come from
+// reference/families.tsv, refusals from reference/refusals.tsv.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+#include <limits>
+#include <set>
+#include <sstream>
+
+#include "support/exported_families.h"
+#include "support/table.h"
+
+namespace {
+
+using namespace pral::test;
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr int kByValue = 0, kMaxByPercentile = 1, kMinByPercentile = 2, kByPercentile = 3;
+constexpr int kCumulative = 1;
+
+const std::vector<ExportedFamily>& families() {
+    static const auto list = exported_families();
+    return list;
+}
+
+const ExportedFamily& family(const std::string& name) {
+    return *std::ranges::find(families(), name, &ExportedFamily::name);
+}
+
+/// A family with ordinary parameters.
+struct Instance {
+    const ExportedFamily* family;
+    Parameters parameters;
+
+    double quantile(double u, Given given = {}) const {
+        double out = kNaN;
+        given.U = &u;
+        EXPECT_TRUE(family->value(&out, parameters, given)) << PralCoreError();
+        return out;
+    }
+    double probability(std::vector<double> x, bool cumulative, bool log10, const Given& given = {}) const {
+        double out = kNaN;
+        EXPECT_TRUE(family->prob[log10](&out, x, parameters, cumulative ? &kCumulative : nullptr, given))
+            << PralCoreError();
+        return out;
+    }
+    std::string label() const {
+        std::ostringstream text;
+        text << family->name;
+        for (const double p : parameters) text << ' ' << p;
+        return text.str();
+    }
+};
+
+/// Each family with each of its parameter sets in the table of ordinary ones.
+const std::vector<Instance>& instances() {
+    static const auto list = [] {
+        std::vector<Instance> all;
+        std::set<std::string> seen;
+        for (const auto& row : table("reference/families.tsv")) {
+            if (row.at(1) != "ordinary" || !seen.insert(row.at(0) + row.at(2)).second) continue;
+            all.push_back({&family(row.at(0)), numbers(row.at(2))});
+        }
+        return all;
+    }();
+    return list;
+}
+
+void expect_near(double actual, double expected, double relative, const std::string& what) {
+    EXPECT_LE(std::fabs(actual - expected), relative * std::max(std::fabs(expected), DBL_MIN))
+        << what << ": " << actual << " instead of " << expected;
+}
+
+TEST(Families, EachHasReferenceValues) {
+    std::set<std::string> covered;
+    for (const Instance& instance : instances()) covered.insert(instance.family->name);
+    for (const auto& f : families()) EXPECT_TRUE(covered.count(f.name)) << f.name;
+}
+
+TEST(Families, RefuseParametersInTheirOwnWords) {
+    for (const auto& row : table("reference/refusals.tsv")) {
+        const ExportedFamily& f = family(row.at(0));
+        const Parameters parameters = numbers(row.at(1));
+        const std::string& sampling = row.at(2);
+        const std::string& probability = row.size() > 3 ? row[3] : sampling;
+        double out = 7, x = 1;
+        EXPECT_FALSE(f.value(&out, parameters, {})) << row[0] << ' ' << row[1];
+        EXPECT_EQ(PralCoreError(), sampling) << row[0] << ' ' << row[1];
+        EXPECT_EQ(out, 0);
+        EXPECT_FALSE(f.array({&out, 1}, parameters, {}));
+        EXPECT_EQ(PralCoreError(), sampling);
+        for (const auto& prob : f.prob) {
+            EXPECT_FALSE(prob(&out, {&x, 1}, parameters, nullptr, {}));
+            EXPECT_EQ(PralCoreError(), probability) << row[0] << ' ' << row[1];
+        }
+    }
+}
+
+TEST(Families, CheckBoundsThenPercentileThenParameters) {
+    const double two = 2, one = 1, bad_u = 1.5, below = -0.25;
+    for (const auto& row : table("reference/refusals.tsv")) {
+        const ExportedFamily& f = family(row.at(0));
+        const Parameters parameters = numbers(row.at(1));
+        double out = 7;
+        EXPECT_FALSE(f.value(&out, parameters, {&bad_u, &kByValue, &two, &one}));
+        EXPECT_STREQ(PralCoreError(), "PralXBounds error: MinX(2) must be <= MaxX(1)");
+        EXPECT_FALSE(f.array({&out, 1}, parameters, {&bad_u}));
+        EXPECT_STREQ(PralCoreError(), "Error: U must be between [0,1]");
+    }
+    for (const Instance& i : instances()) {
+        double out = 7;
+        for (const double u : {-0.5, 1.0000001, kNaN}) {
+            EXPECT_FALSE(i.family->value(&out, i.parameters, {&u})) << i.label();
+            EXPECT_STREQ(PralCoreError(), "Error: U must be between [0,1]");
+        }
+        const double low = 0.1, high = 0.9;
+        EXPECT_FALSE(i.family->value(&out, i.parameters, {nullptr, &kByPercentile, &high, &low}));
+        EXPECT_STREQ(PralCoreError(), "PralPBounds error: MinP(0.9) must be <= MaxP(0.1)");
+        EXPECT_FALSE(i.family->value(&out, i.parameters, {nullptr, &kByPercentile, &below, &low}));
+        EXPECT_STREQ(PralCoreError(), "Error: U must be between [0,1]");
+        EXPECT_FALSE(i.family->value(&out, i.parameters, {nullptr, &kByValue, &kNaN, &high}));
+        EXPECT_STREQ(PralCoreError(), "PralXBounds error: MinX(nan) must be <= MaxX(0.9)");
+    }
+}
+
+TEST(Families, EndsOfTheSupport) {
+    for (const Instance& i : instances()) {
+        const double shift = 10;
+        for (const double u : {0.0, 1.0}) {
+            const double end = i.quantile(u);
+            const double moved = i.quantile(u, {.shift = &shift});
+            EXPECT_EQ(moved, std::fabs(end) == DBL_MAX ? end : end + shift) << i.label();
+        }
+        const double lower = i.quantile(0);
+        for (const bool cumulative : {false, true}) {
+            if (lower > -DBL_MAX) {
+                EXPECT_EQ(i.probability({std::nextafter(lower, -DBL_MAX)}, cumulative, false), 0)
+                    << i.label();
+                EXPECT_EQ(i.probability({lower - 1, lower}, cumulative, true), -DBL_MAX) << i.label();
+            }
+            EXPECT_EQ(i.probability({-DBL_MAX}, cumulative, false), 0) << i.label();
+            EXPECT_EQ(i.probability({DBL_MAX}, cumulative, false), cumulative ? 1 : 0) << i.label();
+        }
+    }
+}
+
+TEST(Families, ArraysEqualSingleCalls) {
+    constexpr int kCount = 1000;
+    const double shift = 3, low = 0.2, high = 0.9999999, not_given = -1, quarter = 0.25;
+    for (const Instance& i : instances()) {
+        for (const Given& given :
+             {Given{}, Given{.shift = &shift}, Given{nullptr, &kByPercentile, &low, &high}}) {
+            std::vector<double> array(kCount);
+            PralSetRandomSeed(11);
+            ASSERT_TRUE(i.family->array(array, i.parameters, given)) << i.label() << PralCoreError();
+            PralSetRandomSeed(11);
+            for (const double value : array) {
+                Given one = given;
+                one.U =
+                    &not_given;  // a percentile "not given" by value is inverted, never drawn by another method
+                double single = kNaN;
+                ASSERT_TRUE(i.family->value(&single, i.parameters, one));
+                expect_near(value, single, i.family->kind == "discrete" ? 0 : 1e-13, i.label());
+            }
+        }
+        std::vector<double> same(3);
+        ASSERT_TRUE(i.family->array(same, i.parameters, {&quarter}));
+        EXPECT_EQ(same, std::vector<double>(3, i.quantile(quarter))) << i.label();
+    }
+}
+
+TEST(Families, JointProbabilitiesAreProducts) {
+    const double shift = -2;
+    for (const Instance& i : instances()) {
+        std::vector<double> x = {i.quantile(0.3), i.quantile(0.5), i.quantile(0.9)};
+        for (const bool cumulative : {false, true}) {
+            double product = 1;
+            for (const double value : x) product *= i.probability({value}, cumulative, false);
+            expect_near(i.probability(x, cumulative, false), product, 1e-13, i.label());
+            expect_near(std::pow(10, i.probability(x, cumulative, true)), product, 1e-12, i.label());
+            std::vector<double> moved = x;
+            for (double& value : moved) value += shift;
+            double out = kNaN;
+            const std::vector<double> before = moved;
+            ASSERT_TRUE(i.family->prob[0](&out, moved, i.parameters, cumulative ? &kCumulative : nullptr,
+                                          {.shift = &shift}));
+            for (std::size_t k = 0; k < x.size(); ++k) EXPECT_EQ(moved[k], before[k] - shift);
+            EXPECT_EQ(out, i.probability(moved, cumulative, false)) << i.label();
+        }
+    }
+}
+
+TEST(Families, TruncationRescales) {
+    for (const Instance& i : instances()) {
+        if (i.family->kind != "continuous") continue;
+        const double low = 0.25, high = 0.75, u = 0.375;
+        const double min = i.quantile(low), max = i.quantile(high);
+        const double inside = i.quantile(low + u * (high - low));
+        const Given forms[] = {{nullptr, &kByValue, &min, &max},
+                               {nullptr, &kMaxByPercentile, &min, &high},
+                               {nullptr, &kMinByPercentile, &low, &max},
+                               {nullptr, &kByPercentile, &low, &high}};
+        for (const Given& given : forms) {
+            const std::string what = i.label() + " mode " + std::to_string(*given.mode);
+            expect_near(i.quantile(u, given), inside, 1e-12, what);
+            EXPECT_EQ(i.quantile(0, given), min) << what;
+            EXPECT_EQ(i.quantile(1, given), max) << what;
+            expect_near(i.probability({inside}, true, false, given), u, 1e-12, what);
+            const double density = i.probability({inside}, false, false);
+            expect_near(i.probability({inside}, false, false, given), density / (high - low), 1e-12, what);
+            expect_near(i.probability({inside, inside}, false, true, given),
+                        2 * (std::log10(density) - std::log10(high - low)), 1e-11, what);
+            EXPECT_EQ(i.probability({std::nextafter(min, -DBL_MAX)}, true, true, given), -DBL_MAX) << what;
+            EXPECT_EQ(i.probability({std::nextafter(max, DBL_MAX)}, false, false, given), 0) << what;
+            EXPECT_EQ(i.probability({max}, true, false, given), 1) << what;
+        }
+        // One point is left: probability 1 there.
+        const Given point = {nullptr, &kByValue, &min, &min};
+        EXPECT_EQ(i.probability({min, min}, false, false, point), 1) << i.label();
+        EXPECT_EQ(i.probability({min, max}, false, true, point), -DBL_MAX) << i.label();
+        EXPECT_EQ(i.probability({min, max}, true, true, point), 0) << i.label();
+        // A negative mode: no bounds.
+        const int none = -1;
+        EXPECT_EQ(i.quantile(u, {nullptr, &none, &max, &min}), i.quantile(u)) << i.label();
+    }
+}
+
+TEST(Families, SurviveHostileArguments) {
+    constexpr double kHostile[] = {kNaN,   HUGE_VAL, -HUGE_VAL, DBL_MAX, -DBL_MAX, 1e300,
+                                   -1e300, 1e-300,   5e-324,    0.0,     -1.0};
+    for (const Instance& i : instances()) {
+        for (std::size_t k = 0; k < i.parameters.size(); ++k) {
+            for (const double hostile : kHostile) {
+                Parameters parameters = i.parameters;
+                parameters[k] = hostile;
+                for (const double& u : {0.0, 1e-300, 0.5, 1 - 0x1p-53}) {
+                    double out = kNaN;
+                    if (i.family->value(&out, parameters, {&u})) {
+                        EXPECT_FALSE(std::isinf(out)) << i.label();
+                    }
+                    const double low = 0.4, high = 0.6;
+                    i.family->value(&out, parameters, {&u, &kByPercentile, &low, &high});
+                    i.family->value(&out, parameters, {&u, &kByValue, &low, &high});
+                }
+                for (const bool log10 : {false, true}) {
+                    double out = kNaN, x[] = {0.5, 3};
+                    i.family->prob[log10](&out, x, parameters, nullptr, {});
+                    i.family->prob[log10](&out, x, parameters, &kCumulative, {});
+                    EXPECT_FALSE(std::isinf(out)) << i.label();
+                }
+            }
+        }
+        for (const double hostile : kHostile) {
+            for (const bool log10 : {false, true}) {
+                const double density = i.probability({hostile}, false, log10);
+                const double cumulative = i.probability({hostile}, true, log10);
+                EXPECT_EQ(std::isnan(density) && std::isnan(cumulative), std::isnan(hostile)) << i.label();
+            }
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,138 @@
+// Every family against its definition in 50-digit arithmetic (reference/families.tsv, truncated.tsv), both tails.
+#include <gtest/gtest.h>
+
+#include <cfloat>
+#include <cmath>
+#include <cstdio>
+#include <functional>
+#include <map>
+#include <string>
+
+#include "boundary/core_api.h"
+#include "distributions/families.h"
+#include "distributions/truncated.h"
+#include "support/table.h"
+
+namespace {
+
+using namespace pral;
+using namespace pral::test;
+
+/// A family's members with its type forgotten.
+struct Members {
+    Tails tails;
+    double log_density, log_cumulative;
+    std::function<double(double)> quantile, quantile_upper;
+    std::function<Tails(double)> tails_at;
+    double truncated_cumulative, truncated_log_density;
+    std::function<double(double)> truncated_quantile;
+};
+
+using Evaluate = std::function<Members(const Parameters&, double x, const Modifiers&)>;
+
+template <class D, std::size_t... I>
+Members evaluate(const Parameters& p, double x, const Modifiers& given, std::index_sequence<I...>) {
+    const D d(p.at(I)...);
+    EXPECT_EQ(d.check(), nullptr);
+    Members m;
+    m.tails = tails(d, x);
+    m.log_density = d.log_density(x);
+    m.log_cumulative = log_cumulative(d, x);
+    m.quantile = [d](double u) { return quantile(d, u); };
+    m.quantile_upper = [d](double q) { return quantile_upper(d, q); };
+    m.tails_at = [d](double at) { return tails(d, at); };
+    const Truncated<D> kept(d, true, given);
+    m.truncated_cumulative = kept.cumulative(x);
+    m.truncated_log_density = d.log_density(x) - std::log(kept.mass());
+    const Modifiers copy = given;
+    m.truncated_quantile = [d, copy](double u) { return Truncated<D>(d, true, copy).quantile(u); };
+    return m;
+}
+
+template <class D, class... T>
+void add(std::map<std::string, Evaluate>& all, const char* name, bool (*)(double*, T...)) {
+    if constexpr (!(std::is_same_v<T, int> || ...)) {
+        all[name] = [](const Parameters& p, double x, const Modifiers& given) {
+            return evaluate<D>(p, x, given, std::make_index_sequence<sizeof...(T) - 5>());
+        };
+    }
+}
+
+const std::map<std::string, Evaluate>& families() {
+    static const auto all = [] {
+        std::map<std::string, Evaluate> list;
+#define PRAL_FAMILY(X, KIND, PARAMETERS, TEXT) add<pral::X>(list, #X, Pral##X##_Core);
+#include "boundary/core_api.h"
+        return list;
+    }();
+    return all;
+}
+
+double number(const std::string& text) { return std::strtod(text.c_str(), nullptr); }
+
+double relative_error(double actual, double expected) {
+    if (actual == expected) return 0;
+    return std::fabs(actual - expected) / std::max(std::fabs(expected), DBL_MIN);
+}
+
+/// The worst error of each family and question, and where.
+class Record {
+  public:
+    void note(const std::string& family, const char* question, double error, const std::string& place) {
+        auto& worst = worst_[family + ' ' + question];
+        if (!(error <= worst.first)) worst = {error, place};
+    }
+    void check(double bound) const {
+        for (const auto& [name, worst] : worst_) {
+            std::printf("%-32s %.1e  at %s\n", name.c_str(), worst.first, worst.second.c_str());
+            EXPECT_LE(worst.first, bound) << name << " at " << worst.second;
+        }
+    }
+
+  private:
+    std::map<std::string, std::pair<double, std::string>> worst_;
+};
+
+/// Every family keeps 1e-12; this is what users of the library may rely on.
+constexpr double kBound = 1e-12;
+
+TEST(Families, AgreeWithTheirDefinition) {
+    Record record;
+    for (const auto& row : table("reference/families.tsv")) {
+        const std::string &name = row.at(0), place = row.at(2) + " x = " + row.at(3);
+        const double x = number(row[3]), lower = number(row[4]), upper = number(row[5]), log = number(row[6]);
+        const Members m = families().at(name)(numbers(row[2]), x, {});
+        record.note(name, "cumulative", relative_error(m.tails.lower, lower), place);
+        record.note(name, "survival", relative_error(m.tails.upper, upper), place);
+        record.note(name, "log density", std::fabs(m.log_density - log) / std::max(std::fabs(log), 1.0),
+                    place);
+        const double log_lower = upper < 0.5 ? std::log1p(-upper) : std::log(lower);
+        record.note(name, "log cumulative", relative_error(m.log_cumulative, log_lower), place);
+        // The quantile gives back its percentile, measured in the smaller tail.
+        const bool below = lower < 0.5;
+        const double back = below ? m.quantile(lower) : m.quantile_upper(upper);
+        const double x_error = relative_error(back, x);
+        const Tails at = m.tails_at(back);
+        const double p_error = below ? relative_error(at.lower, lower) : relative_error(at.upper, upper);
+        record.note(name, "quantile", std::min(x_error, p_error), place);
+    }
+    record.check(kBound);
+}
+
+TEST(Families, KeepTheirDigitsWhenTruncated) {
+    Record record;
+    for (const auto& row : table("reference/truncated.tsv")) {
+        const std::string &name = row.at(0), place = row.at(1) + " kept on " + row.at(3) + ", " + row.at(4);
+        const int mode = std::stoi(row.at(2));
+        const double min = number(row[3]), max = number(row[4]), x = number(row[5]),
+                     cumulative = number(row[6]), log = number(row[7]);
+        const Members m = families().at(name)(numbers(row[1]), x, {nullptr, &mode, &min, &max, nullptr});
+        record.note(name, "cumulative", relative_error(m.truncated_cumulative, cumulative), place);
+        record.note(name, "log density", relative_error(m.truncated_log_density, log), place);
+        if (cumulative < 0.99)  // closer to 1 the percentile, rounded to double, belongs to another x
+            record.note(name, "quantile", relative_error(m.truncated_quantile(cumulative), x), place);
+    }
+    record.check(kBound);
+}
+
+}  // namespace

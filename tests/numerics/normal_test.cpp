@@ -1,0 +1,108 @@
+// Error function, Phi and the normal quantile against 50-digit arithmetic (reference/normal.tsv).
+#include "numerics/normal.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <functional>
+#include <limits>
+#include <map>
+#include <string>
+
+#include "numerics/constants.h"
+#include "numerics/error_report.h"
+#include "support/table.h"
+
+namespace {
+
+using namespace pral;
+
+/// The error of `actual` in units in the last place of `expected`.
+double ulps(double actual, double expected) {
+    if (actual == expected) return 0;
+    const double magnitude = std::fabs(expected);
+    return std::fabs(actual - expected) / (std::nextafter(magnitude, HUGE_VAL) - magnitude);
+}
+
+double relative(double actual, double expected) { return std::fabs(actual - expected) / std::fabs(expected); }
+
+struct Function {
+    double (*evaluate)(double);
+    /// Where the result counts as a body value, which has its bound in ulps; elsewhere the relative error counts.
+    bool (*body)(double x);
+};
+
+const std::map<std::string, Function> kFunctions = {
+    {"erf", {numerics::erf, [](double) { return true; }}},
+    {"erfc", {numerics::erfc, [](double x) { return x < 2; }}},
+    {"cumulative", {numerics::normal_cumulative, [](double x) { return x > -3; }}},
+    {"log cumulative", {numerics::normal_log_cumulative, [](double) { return false; }}},
+    {"density", {numerics::normal_density, [](double) { return false; }}},
+    {"quantile", {numerics::normal_quantile, [](double x) { return std::fabs(x - 0.5) <= 0.425; }}},
+};
+
+TEST(Normal, FunctionsKeepTwoUlpsInTheBodyAnd1e15InTheTails) {
+    struct Worst {
+        double error = 0, place = 0;
+    };
+    std::map<std::string, Worst> body, tail;
+    for (const auto& row : test::table("reference/normal.tsv")) {
+        const double x = std::strtod(row.at(1).c_str(), nullptr);
+        const double expected = std::strtod(row.at(2).c_str(), nullptr);
+        const Function& function = kFunctions.at(row.at(0));
+        const double actual = function.evaluate(x);
+        if (std::fabs(expected) < 1e-300) {
+            EXPECT_NEAR(actual, expected, 1e-300 * 1e-12) << row[0] << ' ' << x;
+            continue;
+        }
+        Worst& worst = (function.body(x) ? body : tail)[row[0]];
+        const double error = function.body(x) ? ulps(actual, expected) : relative(actual, expected);
+        if (!(error <= worst.error)) worst = {error, x};
+    }
+    for (const auto& [name, worst] : body) {
+        std::printf("%-16s body %.2f ulp at %.17g\n", name.c_str(), worst.error, worst.place);
+        EXPECT_LE(worst.error, 2) << name << " at " << worst.place;
+    }
+    for (const auto& [name, worst] : tail) {
+        std::printf("%-16s tail %.1e at %.17g\n", name.c_str(), worst.error, worst.place);
+        EXPECT_LE(worst.error, 1e-15) << name << " at " << worst.place;
+    }
+}
+
+TEST(Normal, EndsAndNaN) {
+    using namespace numerics;
+    constexpr double inf = std::numeric_limits<double>::infinity();
+    EXPECT_EQ(normal_cumulative(-inf), 0);
+    EXPECT_EQ(normal_cumulative(inf), 1);
+    EXPECT_EQ(normal_cumulative(-1e300), 0);
+    EXPECT_EQ(normal_density(inf), 0);
+    EXPECT_EQ(normal_log_cumulative(-inf), -kInfinity);
+    EXPECT_EQ(normal_log_cumulative(inf), 0);
+    EXPECT_EQ(normal_quantile(0), -kInfinity);
+    EXPECT_EQ(normal_quantile(1), kInfinity);
+    EXPECT_EQ(normal_quantile(0.5), 0);
+    EXPECT_EQ(normal_quantile_upper(0), kInfinity);
+    for (const auto& [name, function] : kFunctions) EXPECT_TRUE(std::isnan(function.evaluate(kNaN))) << name;
+}
+
+TEST(Normal, ErfcReportsItsUnderflow) {
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(numerics::erfc(27), 0);
+    EXPECT_EQ(numerics::erfc(-27), 2);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "\nerfc underflow error\n\nerfc underflow error\n");
+    EXPECT_EQ(numerics::last_math_error(), 4);
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(numerics::normal_cumulative(-50), 0);  // silently
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+}
+
+TEST(Normal, BlockOfQuantilesEqualsSingleOnes) {
+    std::vector<double> p, single;
+    for (int i = 0; i <= 2000; ++i) p.push_back(i / 2000.0);
+    for (const double value : p) single.push_back(numerics::normal_quantile(value));
+    numerics::normal_quantiles(p);
+    EXPECT_EQ(p, single);
+}
+
+}  // namespace

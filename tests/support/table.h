@@ -1,0 +1,37 @@
+// Reading the tables of reference/: lines of fields between tabs, comments after #.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace pral::test {
+
+using Parameters = std::vector<double>;
+
+inline std::vector<std::vector<std::string>> table(const char* path) {
+    std::ifstream file(path);
+    EXPECT_TRUE(file) << path;
+    std::vector<std::vector<std::string>> rows;
+    for (std::string line; std::getline(file, line);) {
+        if (line.empty() || line[0] == '#') continue;
+        std::istringstream fields(line);
+        rows.emplace_back();
+        for (std::string field; std::getline(fields, field, '\t');) rows.back().push_back(field);
+    }
+    return rows;
+}
+
+/// The numbers of a field, between blanks.
+inline Parameters numbers(const std::string& text) {
+    std::istringstream words(text);
+    Parameters values;
+    for (std::string word; words >> word;) values.push_back(std::strtod(word.c_str(), nullptr));
+    return values;
+}
+
+}  // namespace pral::test
