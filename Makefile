@@ -35,8 +35,8 @@ windows:  ## pral_core.dll with its import library, and pral.exe (build/windows)
 bench:  ## benchmarks; BENCH='--benchmark_filter=Normal' picks some
 	@scripts/install-deps.sh linux
 	cmake --preset release
-	cmake --build --preset release --parallel $(JOBS) --target pral_benchmarks
-	build/release/pral_benchmarks $(BENCH)
+	cmake --build --preset release --parallel $(JOBS) --target benchmarks
+	@for program in build/release/*_benchmarks; do echo "== $$program"; $$program $(BENCH) || exit 1; done
 
 sanitize:  ## the Linux tests under the address and undefined-behaviour sanitizers
 	@scripts/install-deps.sh linux

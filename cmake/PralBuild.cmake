@@ -44,9 +44,9 @@ if(PRAL_WARNINGS_AS_ERRORS)
   target_compile_options(pral_options INTERFACE -Werror)
 endif()
 if(PRAL_SANITIZE)
-  set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
-  target_compile_options(pral_options INTERFACE ${sanitizers})
-  target_link_options(pral_options INTERFACE ${sanitizers})
+  # For every target: a plain program cannot load a library that needs the sanitizers' runtime.
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=address,undefined)
 endif()
 
 set_source_files_properties("${PROJECT_SOURCE_DIR}/src/boundary/version.cpp" PROPERTIES

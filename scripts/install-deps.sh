@@ -39,8 +39,12 @@ if [ "$(id -u)" -ne 0 ]; then
     as_root=(sudo)
 fi
 echo "install-deps: installing ${missing[*]}" >&2
-export DEBIAN_FRONTEND=noninteractive
 apt=("${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq -o Dpkg::Use-Pty=0 -o Acquire::Retries=3)
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
 # A stale list would name package files that the mirrors no longer have; an unreachable further archive need not matter.
-"${apt[@]}" update </dev/null >&2 || echo "install-deps: apt-get update failed; trying with what is known" >&2
-"${apt[@]}" install -y --no-install-recommends "${missing[@]}" </dev/null >&2 || say_what_to_install "apt-get failed"
+"${apt[@]}" update </dev/null >"$log" 2>&1 || echo "install-deps: apt-get update failed; trying with what is known" >&2
+if ! "${apt[@]}" install -y --no-install-recommends "${missing[@]}" </dev/null >>"$log" 2>&1; then
+    tail -n 20 "$log" >&2
+    say_what_to_install "apt-get failed"
+fi
