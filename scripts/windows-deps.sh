@@ -41,9 +41,17 @@ fi
 
 rm -rf "$cache"/windows-deps.??????  # what a killed run left behind
 work=$(mktemp -d "$cache/windows-deps.XXXXXX")
-trap 'rm -rf "$work"' EXIT
 log=$work/log
-trap 'say "failed; the end of its log:"; tail -n 40 "$log" >&2' ERR
+: >"$log"
+finish() {
+    local status=$?
+    if [ $status -ne 0 ]; then
+        say "failed; the end of its log:"
+        tail -n 40 "$log" >&2
+    fi
+    rm -rf "$work"
+}
+trap finish EXIT
 mkdir -p "$work/stage/include" "$work/stage/lib"
 
 # Debian's source packages, from wherever this machine gets its binary packages, with apt's own check of the signatures. The
@@ -92,9 +100,10 @@ build_alglib() {
     cp ./*.h "$work/stage/include/libalglib/"
 }
 
+# Subshells, so that a failure ends here, with this script's own error channel.
 say "building GSL $gsl_version and ALGLIB $alglib_version for Windows"
 started=$SECONDS
-fetch_sources >>"$log" 2>&1
+(fetch_sources) >>"$log" 2>&1
 (build_gsl) >>"$log" 2>&1
 (build_alglib) >>"$log" 2>&1
 cp -rL /usr/include/CLI /usr/include/nlohmann /usr/include/fmt "$work/stage/include/"
