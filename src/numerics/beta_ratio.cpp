@@ -170,6 +170,19 @@ BetaRatio::Tail BetaRatio::tail(const Arguments& at) const {
     return result;
 }
 
+BetaRatio::Scaled BetaRatio::scaled_tail(bool of_lower, double x, double y) const {
+    const Tail t = tail(Arguments(a_, b_, x, y));
+    if (t.complement >= 0) {
+        return {t.is_lower == of_lower ? 1 - t.complement : t.complement, {0, 0}};
+    }
+    if (t.is_lower == of_lower) return {t.factor, t.exponent};
+    return {1 - std::min(scaled_exponential(t.factor, t.exponent), 1.0), {0, 0}};
+}
+
+BetaRatio::Scaled BetaRatio::scaled_density(double x, double y) const {
+    return {density_factor_, density_exponent(Arguments(a_, b_, x, y))};
+}
+
 BetaRatio::Step BetaRatio::step(bool of_lower, double x, double y, double target) const {
     const Arguments at(a_, b_, x, y);
     const Tail t = tail(at);

@@ -21,6 +21,14 @@ class BetaRatio {
     /// (a-1) ln x + (b-1) ln y - ln B(a, b); at the ends the limit, +-kInfinity where it is infinite.
     double log_density(double x, double y) const;
 
+    /// A value factor e^exponent that may lie outside the range of a double.
+    struct Scaled {
+        double factor;
+        DoubleDouble exponent;
+    };
+    Scaled scaled_tail(bool of_lower, double x, double y) const;  // 0 < x < 1
+    Scaled scaled_density(double x, double y) const;              // x^a y^b / B(a, b)
+
     /// ln of one tail over `target` and its derivative in the logit of x, the hazard x y f(x)/tail: what an
     /// inverse needs of a point, 0 < x < 1.
     struct Step {
