@@ -1,0 +1,44 @@
+// The commands of pral: what each is told, and the function that carries it out. A command has a file of its own; main.cpp
+// alone knows how the options are spelt.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "families.h"
+#include "output.h"
+
+namespace cli {
+
+struct ListOptions {
+    std::string kind, search;  // empty: all
+    Format format = Format::table;
+};
+void list(const ListOptions& options);
+
+struct DescribeOptions {
+    std::string family;
+    Format format = Format::table;
+};
+void describe(const DescribeOptions& options);
+
+struct SampleOptions : FamilyOptions {
+    double count = 1;
+    std::optional<double> seed;
+};
+void sample(const SampleOptions& options);
+
+struct QuantileOptions : FamilyOptions {
+    std::vector<std::string> percentiles;
+};
+void quantile(const QuantileOptions& options);
+
+struct ProbabilityOptions : FamilyOptions {
+    std::vector<std::string> values;
+    bool cumulative = false, log10 = false, joint = false;
+};
+void probability(const ProbabilityOptions& options);
+
+}  // namespace cli

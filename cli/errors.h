@@ -1,0 +1,22 @@
+// The two ways in which a command fails, and their exit codes.
+#pragma once
+
+#include <stdexcept>
+
+#include "boundary/core_api.h"
+
+namespace cli {
+
+enum ExitCode { kSuccess = 0, kFailure = 1, kUsage = 2 };
+
+/// The command line asks for something that cannot be understood, or names a file that cannot be read.
+struct UsageError : std::runtime_error {
+    using runtime_error::runtime_error;
+};
+
+/// Turns the library's failure flag into an exception that holds its error text.
+inline void require(bool success) {
+    if (!success) throw std::runtime_error(PralCoreError());
+}
+
+}  // namespace cli

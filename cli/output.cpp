@@ -1,0 +1,131 @@
+// Rows of named columns, written as an aligned table, as CSV or as JSON.
+#include "output.h"
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+
+namespace cli {
+
+namespace {
+
+constexpr std::size_t kRowsToAlign = 1000;
+constexpr std::size_t kBufferSize = 1 << 16;
+
+bool is_finite(double value) { return std::fabs(value) < DBL_MAX; }
+
+std::string csv_text(const std::string& text) {
+    if (text.find_first_of(",\"\r\n") == text.npos) return text;
+    std::string quoted = "\"";
+    for (const char c : text) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
+    return quoted + "\"";
+}
+
+std::string cell_text(const Cell& cell) {
+    const double* const value = std::get_if<double>(&cell);
+    return value ? number_text(*value) : std::get<std::string>(cell);
+}
+
+std::string json_cell(const Cell& cell) {
+    const double* const value = std::get_if<double>(&cell);
+    return value && is_finite(*value) ? number_text(*value) : json_text(cell_text(cell));
+}
+
+}  // namespace
+
+std::string number_text(double value) {
+    if (std::isnan(value)) return "nan";
+    if (!is_finite(value)) return value > 0 ? "inf" : "-inf";
+    return fmt::format("{}", value);
+}
+
+std::string json_text(const std::string& text) {
+    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+void write(std::string_view text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
+        throw std::runtime_error("cannot write the output");
+    }
+}
+
+Rows::Rows(Format format, std::vector<std::string> columns) : format_(format), columns_(std::move(columns)) {
+    if (format_ == Format::csv) add_csv({columns_.begin(), columns_.end()});
+    for (const auto& column : columns_) widths_.push_back(column.size());
+}
+
+void Rows::add(const std::vector<Cell>& row) {
+    if (format_ == Format::csv) {
+        add_csv(row);
+    } else if (format_ == Format::json) {
+        add_json(row);
+    } else {
+        if (!any_) {
+            for (const Cell& cell : row) is_number_.push_back(std::holds_alternative<double>(cell));
+        }
+        std::vector<std::string> texts;
+        for (const Cell& cell : row) texts.push_back(cell_text(cell));
+        if (settled_) {
+            add_table(texts);
+        } else {
+            waiting_.push_back(std::move(texts));
+            if (waiting_.size() == kRowsToAlign) flush_table();
+        }
+    }
+    any_ = true;
+    if (buffer_.size() > kBufferSize) write_buffer();
+}
+
+void Rows::end() {
+    if (format_ == Format::json) buffer_.append(std::string_view(any_ ? "\n]\n" : "[]\n"));
+    if (format_ == Format::table && !settled_) flush_table();
+    write_buffer();
+}
+
+void Rows::add_csv(const std::vector<Cell>& row) {
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        fmt::format_to(std::back_inserter(buffer_), "{}{}", i > 0 ? "," : "", csv_text(cell_text(row[i])));
+    }
+    buffer_.push_back('\n');
+}
+
+void Rows::add_json(const std::vector<Cell>& row) {
+    buffer_.append(std::string_view(any_ ? ",\n  {" : "[\n  {"));
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        fmt::format_to(std::back_inserter(buffer_), "{}{}: {}", i > 0 ? ", " : "", json_text(columns_[i]),
+                       json_cell(row[i]));
+    }
+    buffer_.push_back('}');
+}
+
+void Rows::add_table(const std::vector<std::string>& row) {
+    std::string line;
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        if (i > 0) line += "  ";
+        const bool right = i < is_number_.size() && is_number_[i];
+        line += right ? fmt::format("{:>{}}", row[i], widths_[i]) : fmt::format("{:<{}}", row[i], widths_[i]);
+    }
+    line.erase(line.find_last_not_of(' ') + 1);
+    line += '\n';
+    buffer_.append(line);
+}
+
+void Rows::flush_table() {
+    for (const auto& row : waiting_) {
+        for (std::size_t i = 0; i < row.size(); ++i) widths_[i] = std::max(widths_[i], row[i].size());
+    }
+    add_table(columns_);
+    for (const auto& row : waiting_) add_table(row);
+    waiting_.clear();
+    settled_ = true;
+}
+
+void Rows::write_buffer() {
+    write({buffer_.data(), buffer_.size()});
+    buffer_.clear();
+}
+
+}  // namespace cli

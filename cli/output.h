@@ -1,0 +1,50 @@
+// Rows of named columns, written as an aligned table, as CSV or as JSON while they arrive.
+#pragma once
+
+#include <fmt/format.h>
+
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace cli {
+
+enum class Format { table, csv, json };
+
+using Cell = std::variant<double, std::string>;
+
+/// The shortest text that reads back as the same double; "inf" and "-inf" for the library's infinities.
+std::string number_text(double value);
+
+/// The JSON text of a string.
+std::string json_text(const std::string& text);
+
+/// Writes to the standard output; a failure to write is an exception.
+void write(std::string_view text);
+
+/// Table: columns aligned over the first rows, numbers to the right; later rows keep those widths. CSV: RFC 4180 with a
+/// header. JSON: an array with one object a row; since JSON has no infinities, they are the strings "inf" and "-inf".
+class Rows {
+  public:
+    Rows(Format format, std::vector<std::string> columns);
+    void add(const std::vector<Cell>& row);
+    void end();
+
+  private:
+    void add_csv(const std::vector<Cell>& row);
+    void add_json(const std::vector<Cell>& row);
+    void add_table(const std::vector<std::string>& row);
+    void flush_table();
+    void write_buffer();
+
+    Format format_;
+    std::vector<std::string> columns_;
+    std::vector<bool> is_number_;
+    std::vector<std::size_t> widths_;
+    std::vector<std::vector<std::string>> waiting_;  // rows of a table whose widths are not settled
+    bool settled_ = false, any_ = false;
+    fmt::memory_buffer buffer_;
+};
+
+}  // namespace cli
