@@ -20,18 +20,6 @@ using namespace coefficients;
 /// the last bit.
 constexpr double kLargeShape = 12;
 
-/// factor e^exponent.
-struct Power {
-    double factor;
-    DoubleDouble exponent;
-
-    double value() const { return scaled_exp(factor, exponent); }
-    double log() const {
-        if (!(factor > 0)) return factor == 0 ? -kInfinity : kNaN;
-        return exponent.hi + (exponent.lo + std::log(factor));
-    }
-};
-
 /// One of the two ratios, whichever the arguments give without cancellation.
 struct Tail {
     bool upper;
@@ -58,11 +46,6 @@ Power small_shape_prefix(double a, double x) {
     const DoubleDouble exponent = two_sum(logarithm.hi, -x);
     const double gamma_1a = a < 1 ? gamma_fn(1 + a) : a * gamma_fn(a);
     return {1 / gamma_1a, {exponent.hi, exponent.lo + logarithm.lo}};
-}
-
-Power gamma_prefix(double a, double x) {
-    if (a < 10) return small_shape_prefix(a, x);
-    return large_shape_prefix(a, minus_deviance(a, deviance_double_double(x, a)));
 }
 
 /// The sum over n of x^n / ((a + 1) ... (a + n)), DLMF 8.11.4: within 100 terms wherever it is used.
@@ -317,6 +300,24 @@ double log_ratio(double a, double x, bool upper) {
 }
 
 }  // namespace
+
+double Power::value() const { return scaled_exp(factor, exponent); }
+
+double Power::log() const {
+    if (!(factor > 0)) return factor == 0 ? -kInfinity : kNaN;
+    return exponent.hi + (exponent.lo + std::log(factor));
+}
+
+Power gamma_prefix(double a, double x) {
+    if (a < 10) return small_shape_prefix(a, x);
+    return large_shape_prefix(a, minus_deviance(a, deviance_double_double(x, a)));
+}
+
+Power gamma_tail_power(double a, double x, bool upper) {
+    const Tail tail = gamma_tail(a, x);
+    if (tail.upper == upper) return tail.probability;
+    return {1 - tail.probability.value(), {0, 0}};
+}
 
 double gamma_lower(double a, double x) { return ratio(a, x, false); }
 double gamma_upper(double a, double x) { return ratio(a, x, true); }

@@ -2,6 +2,8 @@
 // for every shape, their logarithms, the density that belongs to them, and the inverses.
 #pragma once
 
+#include "numerics/double_double.h"
+
 namespace pral::numerics {
 
 /// P(a, x), DLMF 8.2.4: the probability that a gamma variable of shape a >= 0 is at most x. Relative error below 3e-15
@@ -28,5 +30,20 @@ double gamma_lower_inverse(double a, double p);
 
 /// The x with Q(a, x) = q, with its digits for tiny q. q <= 0 gives kInfinity, q >= 1 gives 0.
 double gamma_upper_inverse(double a, double q);
+
+/// factor e^exponent, factor >= 0: keeps its digits where the value itself would underflow.
+struct Power {
+    double factor;
+    DoubleDouble exponent;
+
+    double value() const;
+    double log() const;
+};
+
+/// x^a e^-x / Gamma(1 + a), the probability of a under a Poisson distribution of mean x; a >= 0, x > 0, both finite.
+Power gamma_prefix(double a, double x);
+
+/// P or Q, for finite a > 0, x > 0.
+Power gamma_tail_power(double a, double x, bool upper);
 
 }  // namespace pral::numerics
