@@ -1,0 +1,162 @@
+"""The companion as its users meet it: runs pral with the command lines below and looks at what it writes.
+
+check_pral.py PROGRAM...: PROGRAM may begin with an emulator. Works in tests/, where the CSV file is found.
+Expected values are known in closed form or were computed by mpmath with 40 digits.
+"""
+
+import csv
+import io
+import json
+import math
+import re
+import shlex
+import subprocess
+import sys
+
+PROGRAM = sys.argv[1:]
+COLUMN = "@cli/losses.csv:"
+
+# Command line; column that is looked at; its values.
+VALUES = [
+    ("quantile Normal 0 1 -u 0.975", "quantile", [1.9599639845400542]),
+    ("quantile Normal 0 1 -u 0.975 --min 0", "quantile", [2.2414027276049454]),
+    ("quantile -u 0.25 -u 0.5,0.75 Uniform -2 -1", "quantile", [-1.75, -1.5, -1.25]),
+    ("quantile Uniform -.5 .5 -u .5 --shift -10", "quantile", [-10]),
+    ("quantile Uniform 0 10 -u 0.5 --min-percentile 0.2 --max-percentile 0.4", "quantile", [3]),
+    ("quantile Uniform 0 10 -u 0,1 --min 2 --max-percentile 0.4", "quantile", [2, 4]),
+    ("quantile Uniform 0 10 -u 0,1 --min-percentile 0.3 --max inf", "quantile", [3, 10]),
+    (f"quantile uniform 0 1 -u {COLUMN}probability", "quantile", [0.2, 0.4, 0.6, 0.8]),
+    ("quantile Normal 0 1 -u 0 -u 1", "quantile", [-math.inf, math.inf]),
+    ("prob Normal 0 1 -x 1.96 --cumulative", "cumulative", [0.97500210485177957]),
+    ("prob Normal 0 1 -x -40 --cumulative --log10", "log10_cumulative", [-349.43700645934584]),
+    ("prob Normal 0 1 -x 1 -x 2,3 --joint", "joint_density", [5.7898701535918517e-5]),
+    ("prob Normal 0 1 -x 1 -x 2 --joint --log10", "log10_joint_density", [-1.8839160731162446]),
+    ("prob Normal 0 1 -x -inf -x inf --cumulative", "cumulative", [0, 1]),
+    ("prob Uniform 0 1 -x 2 --log10", "log10_density", [-math.inf]),
+    ("prob Uniform 0 4 -x -8,-7 --shift -10 --cumulative", "cumulative", [0.5, 0.75]),
+    ("prob Uniform 0 4 -x -8,-7 --shift -10 --cumulative", "x", [-8, -7]),
+    (f"prob Uniform -4 4 -x '{COLUMN}loss, gross'", "x", [1.5, -2, 4]),
+    (f"prob Uniform -4 4 -x {COLUMN}2", "density", [0.125] * 3),
+    ("sample Uniform 3 3 -n 2", "value", [3, 3]),
+    ("sample Uniform 3 4 -n 0", "value", []),
+]
+
+# Command line; exit code; what stands on the standard error.
+REFUSALS = [
+    ("sample Normal 0 -1", 1, "Error: sigma must be >= 0\n"),
+    ("prob Normal 0 nan -x 1", 1, "Error: sigma must be >= 0\n"),
+    ("quantile Normal 0 1 -u 1.5", 1, "Error: U must be between [0,1]\n"),
+    ("sample Normal 0 1 --min 1 --max 0", 1, "PralXBounds error: MinX(1) must be <= MaxX(0)\n"),
+    ("", 2, "a command is wanted"),
+    ("frobnicate", 2, "there is no command frobnicate"),
+    ("sample Norml 0 1", 2, "there is no family Norml; did you mean Normal?"),
+    ("sample Normal 0", 2, "Normal takes 2 parameters (mu, sigma), not 1"),
+    ("sample Normal 0 1x", 2, 'sigma: "1x" is not a number'),
+    ("sample Normal 0 1 -n 2.5", 2, "a whole number"),
+    ("sample Normal 0 1 --seed -1", 2, "a whole number"),
+    ("sample Normal 0 1 --format xml", 2, "table, csv or json"),
+    ("sample Normal 0 1 --min 0 --min-percentile 0.1", 2, "not both"),
+    ("quantile Normal 0 1", 2, "--percentile is required"),
+    ("quantile Normal 0 1 -u -1", 2, "between 0 and 1"),
+    ("prob Normal 0 1 -x @cli/absent.csv", 2, "cannot read the file cli/absent.csv"),
+    (f"prob Normal 0 1 -x {COLUMN}gain", 2, "has no column gain"),
+    ("list --kind frob", 2, "the kinds are"),
+]
+
+
+def run(line):
+    done = subprocess.run(PROGRAM + shlex.split(line), capture_output=True, text=True, timeout=60)
+    return done.returncode, done.stdout, done.stderr
+
+
+def output_of(line):
+    code, output, error = run(line)
+    assert code == 0 and error == "", (code, error)
+    return output
+
+
+def read_back(output, form):
+    """The rows of an answer, as dictionaries."""
+    if form == "json":
+        return json.loads(output)
+    if form == "csv":
+        return list(csv.DictReader(io.StringIO(output)))
+    names, *lines = [line.split() for line in output.splitlines()]
+    return [dict(zip(names, line, strict=True)) for line in lines]
+
+
+def check_values(line, column, expected):
+    for form in ("csv", "json", "table"):
+        found = [float(row[column]) for row in read_back(output_of(f"{line} --format {form}"), form)]
+        assert len(found) == len(expected), (form, found)
+        assert all(math.isclose(a, b, rel_tol=2e-15) for a, b in zip(found, expected)), (form, found)
+
+
+def check_refusal(line, code, text):
+    found_code, output, error = run(line)
+    assert (found_code, output) == (code, ""), (found_code, output)
+    assert (error == text) if code == 1 else (error.startswith("pral: ") and text in error), error
+
+
+def check_list_and_describe():
+    """Every family that is listed is described, with the five functions of its own."""
+    families = json.loads(output_of("list --format json"))
+    assert {"Normal", "Uniform", "Expon"} <= {family["family"] for family in families}
+    for family in families:
+        name = family["family"]
+        page = json.loads(output_of(f"describe {name} --format json"))
+        assert [p["name"] for p in page["parameters"]] == re.findall(r"\w+", family["parameters"])
+        functions = [re.match(r"bool (\w+)\(.*\);$", prototype)[1] for prototype in page["prototypes"]]
+        assert functions == [f"Pral{name}{member}_Core" for member in ("", "Array", "ArrayVB", "Prob", "Prob10")]
+    normal = json.loads(output_of("describe Normal --format json"))
+    assert normal["support"] == "all reals" and normal["parameters"][0]["text"] == "mean mu", normal
+    assert normal["visual_basic"] == (
+        'Declare PtrSafe Function PralNormal_Core Lib "pral_core.dll" (ByRef out As Double, ByVal mu As Double, '
+        "ByVal sigma As Double, ByRef U As Any, ByRef boundsMode As Any, ByRef boundsMin As Any, "
+        "ByRef boundsMax As Any, ByRef shift As Any) As Byte"), normal["visual_basic"]
+    assert normal["prototypes"][0] in output_of("describe Normal")
+    assert ["support", "all reals"] in list(csv.reader(io.StringIO(output_of("describe Normal --format csv"))))
+
+
+def check_search():
+    header, *lines = output_of("list --kind continuous --search eXPOn --format csv").splitlines()
+    assert header == "family,kind,parameters,text" and any(line.startswith("Expon,continuous,") for line in lines)
+    assert not any(line.startswith("Uniform,") for line in lines)
+    assert json.loads(output_of("list --search no_such_word --format json")) == []
+
+
+def check_samples():
+    """One seed, one sequence, whatever the number asked for, across the blocks in which it is written as well."""
+    few = output_of("sample Normal 0 1 -n 5 --seed 7 --format csv").splitlines()
+    assert few[0] == "value" and len(set(few)) == 6
+    assert output_of("sample Normal 0 1 --seed 7 --format csv").splitlines() == few[:2]
+    assert output_of("sample Normal 0 1 --seed 8 --format csv").splitlines()[1] != few[1]
+    assert output_of("sample Normal 0 1") != output_of("sample Normal 0 1")
+    many = output_of("sample Normal 0 1 -n 1100000 --seed 7 --format csv").splitlines()
+    assert many[:6] == few and len(many) == 1100001
+    values = [float(value) for value in many[1:]]
+    assert values[: 1 << 10] != values[1 << 20 :][: 1 << 10]  # the second block does not repeat the first
+    assert abs(sum(values)) < 5 * len(values) ** 0.5  # five standard errors
+
+
+def check_version_and_help():
+    assert re.fullmatch(r"pral_core \d+\.\d+\.\d+\n", output_of("version"))
+    for command in ("", "list ", "describe ", "sample ", "quantile ", "prob "):
+        assert f"Usage: pral {command}[OPTIONS]" in output_of(command + "--help")
+
+
+def main():
+    checks = [(check_values, row) for row in VALUES] + [(check_refusal, row) for row in REFUSALS]
+    checks += [(check, ()) for check in (check_list_and_describe, check_search, check_samples, check_version_and_help)]
+    failures = 0
+    for check, row in checks:
+        try:
+            check(*row)
+        except Exception as problem:
+            failures += 1
+            print(f"FAILED {check.__name__} {row}: {problem!r}")
+    print(f"{len(checks) - failures} of {len(checks)} checks passed")
+    sys.exit(failures > 0)
+
+
+main()
