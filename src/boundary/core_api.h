@@ -146,6 +146,23 @@ PRAL_FAMILY(Uniform, continuous, (double min, double max),
 PRAL_FAMILY(Expon, continuous, (double beta),
     "mean beta >= 0, 0 being a point mass at 0; support [0, inf); F = 1 - exp(-x/beta)")
 
+PRAL_FAMILY(Gamma, continuous, (double alpha, double beta),
+    "shape alpha >= 0, scale beta >= 0, a zero being a point mass at 0; support [0, inf); F = P(alpha, x/beta)")
+
+PRAL_FAMILY(Erlang, continuous, (double m, double beta),
+    "shape m >= 0, an integer, scale beta >= 0, a zero being a point mass at 0; support [0, inf); Gamma(m, beta)")
+
+PRAL_FAMILY(Lognormal, continuous, (double mu, double sigma),
+    "mean mu > 0 and standard deviation sigma >= 0 of the variable itself, sigma = 0 being a point mass at mu; "
+    "support [0, inf); exp(Normal)")
+
+PRAL_FAMILY(LognormalE, continuous, (double mu, double sigma),
+    "mean mu and standard deviation sigma >= 0 of the logarithm, sigma = 0 being a point mass at exp(mu); "
+    "support [0, inf); exp(Normal(mu, sigma))")
+
+PRAL_FAMILY(Cauchy, continuous, (double a, double b),
+    "location a, scale b >= 0, 0 being a point mass at a; support all reals; F = 1/2 + atan((x - a)/b)/pi")
+
 /* clang-format on */
 
 #undef PRAL_FAMILY

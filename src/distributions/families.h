@@ -1,6 +1,9 @@
 // Every family type of the library, for those who need them all.
 #pragma once
 
+#include "distributions/continuous/cauchy.h"
 #include "distributions/continuous/exponential.h"
+#include "distributions/continuous/gamma.h"
+#include "distributions/continuous/lognormal.h"
 #include "distributions/continuous/normal.h"
 #include "distributions/continuous/uniform.h"

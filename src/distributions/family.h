@@ -21,16 +21,28 @@ struct Support {
 inline constexpr Support kReals = {-numerics::kInfinity, numerics::kInfinity};
 inline constexpr Support kPositiveReals = {0, numerics::kInfinity};
 
-/// A family is a small value type made from its parameters: pure functions that know nothing of pointers,
-/// shifts or truncation. What depends on the parameters alone is computed by its constructor. A family may be
-/// made from any parameters; the other members are asked only once check() has no objection, and the
-/// functions of x and p only when there is no point_mass(). NaN in gives NaN out.
+/// What an adapter needs of a distribution that has no parameters to check.
+template <class D>
+concept Distribution = requires(const D& d, double x) {
+    { d.support() } -> std::same_as<Support>;
+    { d.cumulative(x) } -> std::same_as<double>;
+    { d.survival(x) } -> std::same_as<double>;
+    { d.log_density(x) } -> std::same_as<double>;
+    { d.quantile(x) } -> std::same_as<double>;
+};
+
+/// A family is a small value type made from its parameters: pure functions that know nothing of pointers, shifts or
+/// truncation. What depends on the parameters alone is computed by its constructor. A family may be made from any
+/// parameters; the other members are asked only once check() has no objection, and the functions of x and p only when
+/// there is no point_mass(). NaN in gives NaN out.
 ///
-///   check()          the message of the first parameter that is out of its range (written so that NaN is),
-///   or null support()        the ends of the support point_mass()     the one value that degenerate
-///   parameters leave, if they do cumulative(x)    F(x) and survival(x)      1 - F(x), each with its own
-///   digits, for x inside the support log_density(x)   the natural logarithm of the density (-inf where it is
-///   0, +inf at a pole) quantile(p)      the inverse of the cumulative, 0 < p < 1
+///   check()          the message of the first parameter that is out of its range (written so that NaN is), or null
+///   support()        the ends of the support
+///   point_mass()     the one value that degenerate parameters leave, if they do
+///   cumulative(x)    F(x) and
+///   survival(x)      1 - F(x), each with its own digits, for x inside the support
+///   log_density(x)   the natural logarithm of the density (-inf where it is 0, +inf at a pole)
+///   quantile(p)      the inverse of the cumulative, 0 < p < 1
 ///
 /// A family that knows better adds any of these, and is asked first:
 ///
@@ -44,14 +56,9 @@ inline constexpr Support kPositiveReals = {0, numerics::kInfinity};
 ///   kDiscrete = true        values are a countable set: the percentile that is inverted is exactly the one that the
 ///                           truncation prescribes, since a value next to it would be another value
 template <class D>
-concept Family = requires(const D& d, double x) {
+concept Family = Distribution<D> && requires(const D& d) {
     { d.check() } -> std::same_as<Message>;
-    { d.support() } -> std::same_as<Support>;
     { d.point_mass() } -> std::same_as<std::optional<double>>;
-    { d.cumulative(x) } -> std::same_as<double>;
-    { d.survival(x) } -> std::same_as<double>;
-    { d.log_density(x) } -> std::same_as<double>;
-    { d.quantile(x) } -> std::same_as<double>;
 };
 
 /// The probability members' objection to the parameters.
@@ -79,7 +86,7 @@ Tails tails(const D& d, double x) {
 }
 
 /// The quantile at any 0 <= p <= 1.
-template <Family D>
+template <Distribution D>
 double quantile(const D& d, double p) {
     if (p <= 0) return d.support().lower;
     if (p >= 1) return d.support().upper;
@@ -87,7 +94,7 @@ double quantile(const D& d, double p) {
 }
 
 /// The x that leaves q above it, 0 <= q <= 1.
-template <Family D>
+template <Distribution D>
 double quantile_upper(const D& d, double q) {
     if (q <= 0) return d.support().upper;
     if (q >= 1) return d.support().lower;
@@ -98,7 +105,7 @@ double quantile_upper(const D& d, double q) {
 }
 
 /// ln F(x) inside the support.
-template <Family D>
+template <Distribution D>
 double log_cumulative(const D& d, double x) {
     if constexpr (requires { d.log_cumulative(x); }) {
         return d.log_cumulative(x);

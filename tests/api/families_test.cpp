@@ -1,5 +1,5 @@
 // The questions that every family answers the same way, put to all of them through their exports. Parameters come from
-// reference/families.tsv, refusals from reference/refusals.tsv.
+// reference/families/values, refusals from reference/families/refusals.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -59,7 +59,7 @@ const std::vector<Instance>& instances() {
     static const auto list = [] {
         std::vector<Instance> all;
         std::set<std::string> seen;
-        for (const auto& row : table("reference/families.tsv")) {
+        for (const auto& row : tables("reference/families/values")) {
             if (row.at(1) != "ordinary" || !seen.insert(row.at(0) + row.at(2)).second) continue;
             all.push_back({&family(row.at(0)), numbers(row.at(2))});
         }
@@ -80,7 +80,7 @@ TEST(Families, EachHasReferenceValues) {
 }
 
 TEST(Families, RefuseParametersInTheirOwnWords) {
-    for (const auto& row : table("reference/refusals.tsv")) {
+    for (const auto& row : tables("reference/families/refusals")) {
         const ExportedFamily& f = family(row.at(0));
         const Parameters parameters = numbers(row.at(1));
         const std::string& sampling = row.at(2);
@@ -100,7 +100,7 @@ TEST(Families, RefuseParametersInTheirOwnWords) {
 
 TEST(Families, CheckBoundsThenPercentileThenParameters) {
     const double two = 2, one = 1, bad_u = 1.5, below = -0.25;
-    for (const auto& row : table("reference/refusals.tsv")) {
+    for (const auto& row : tables("reference/families/refusals")) {
         const ExportedFamily& f = family(row.at(0));
         const Parameters parameters = numbers(row.at(1));
         double out = 7;

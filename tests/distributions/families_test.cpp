@@ -1,4 +1,4 @@
-// Every family against its definition in 50-digit arithmetic (reference/families.tsv, truncated.tsv), both tails.
+// Every family against its definition in 50-digit arithmetic (reference/families/values and truncated), both tails.
 #include <gtest/gtest.h>
 
 #include <cfloat>
@@ -98,7 +98,7 @@ constexpr double kBound = 1e-12;
 
 TEST(Families, AgreeWithTheirDefinition) {
     Record record;
-    for (const auto& row : table("reference/families.tsv")) {
+    for (const auto& row : tables("reference/families/values")) {
         const std::string &name = row.at(0), place = row.at(2) + " x = " + row.at(3);
         const double x = number(row[3]), lower = number(row[4]), upper = number(row[5]), log = number(row[6]);
         const Members m = families().at(name)(numbers(row[2]), x, {});
@@ -121,7 +121,7 @@ TEST(Families, AgreeWithTheirDefinition) {
 
 TEST(Families, KeepTheirDigitsWhenTruncated) {
     Record record;
-    for (const auto& row : table("reference/truncated.tsv")) {
+    for (const auto& row : tables("reference/families/truncated")) {
         const std::string &name = row.at(0), place = row.at(1) + " kept on " + row.at(3) + ", " + row.at(4);
         const int mode = std::stoi(row.at(2));
         const double min = number(row[3]), max = number(row[4]), x = number(row[5]),

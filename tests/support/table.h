@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -23,6 +24,16 @@ inline std::vector<std::vector<std::string>> table(const char* path) {
         rows.emplace_back();
         for (std::string field; std::getline(fields, field, '\t');) rows.back().push_back(field);
     }
+    return rows;
+}
+
+/// All tables of a folder, one after another.
+inline std::vector<std::vector<std::string>> tables(const char* folder) {
+    std::vector<std::vector<std::string>> rows;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        for (auto& row : table(entry.path().string().c_str())) rows.push_back(std::move(row));
+    }
+    EXPECT_FALSE(rows.empty()) << folder;
     return rows;
 }
 

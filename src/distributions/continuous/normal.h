@@ -6,6 +6,17 @@
 
 namespace pral {
 
+/// The standard normal distribution, for families that are made of it.
+struct StandardNormal {
+    Support support() const { return kReals; }
+    double cumulative(double z) const { return numerics::normal_cumulative(z); }
+    double survival(double z) const { return numerics::normal_survival(z); }
+    double log_cumulative(double z) const { return numerics::normal_log_cumulative(z); }
+    double log_density(double z) const { return -0.5 * z * z - numerics::kLnSqrt2Pi; }
+    double quantile(double p) const { return numerics::normal_quantile(p); }
+    double quantile_upper(double q) const { return numerics::normal_quantile_upper(q); }
+};
+
 /// Mean mu (any value), standard deviation sigma >= 0; sigma = 0 is a point mass at mu.
 struct Normal {
     double mu, sigma;

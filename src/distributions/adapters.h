@@ -1,0 +1,131 @@
+// Distributions made of other distributions: by a location and a scale, or by a monotone function of the variable.
+// A family derives from one of these and adds its parameters' names, its check and its point mass.
+#pragma once
+
+#include <cmath>
+#include <optional>
+
+#include "distributions/family.h"
+
+namespace pral {
+
+/// X = location + scale Z, scale >= 0; 0 leaves the location. The standard distribution Z has support, cumulative,
+/// survival, log_density, quantile and, where it knows better, quantile_upper and log_cumulative.
+template <class Standard>
+struct LocationScale {
+    double location, scale;
+    Standard standard;
+
+    LocationScale(double location_, double scale_, Standard standard_ = {})
+        : location(location_), scale(scale_), standard(standard_), log_scale_(std::log(scale_)) {}
+
+    Support support() const {
+        const auto end = [&](double z) {
+            return std::fabs(z) == numerics::kInfinity ? z : numerics::finite_or_limit(location + scale * z);
+        };
+        const auto [lower, upper] = standard.support();
+        return {end(lower), end(upper)};
+    }
+    std::optional<double> point_mass() const { return scale == 0 ? std::optional(location) : std::nullopt; }
+
+    double cumulative(double x) const { return standard.cumulative(standardised(x)); }
+    double survival(double x) const { return standard.survival(standardised(x)); }
+    double log_density(double x) const { return standard.log_density(standardised(x)) - log_scale_; }
+    double quantile(double p) const { return location + scale * standard.quantile(p); }
+    double quantile_upper(double q) const { return location + scale * pral::quantile_upper(standard, q); }
+    double log_cumulative(double x) const { return pral::log_cumulative(standard, standardised(x)); }
+
+    double standardised(double x) const { return (x - location) / scale; }
+
+  private:
+    double log_scale_;
+};
+
+/// X = center e^(spread Z), spread >= 0; 0 leaves the center. ln(x/center) keeps the digits that ln x - ln center loses.
+/// `log_center` may be beyond the range of e^.
+template <class Standard>
+struct LogLocationScale {
+    double log_center, spread;
+    Standard standard;
+
+    LogLocationScale(double log_center_, double spread_, Standard standard_ = {})
+        : LogLocationScale(std::exp(log_center_), log_center_, spread_, standard_) {}
+    LogLocationScale(double center, double log_center_, double spread_, Standard standard_)
+        : log_center(log_center_),
+          spread(spread_),
+          standard(standard_),
+          center_(center),
+          usable_(center > 1e-290 && center < 1e290),
+          log_spread_(std::log(spread_)) {}
+
+    Support support() const { return kPositiveReals; }
+    std::optional<double> point_mass() const { return spread == 0 ? std::optional(center_) : std::nullopt; }
+
+    double cumulative(double x) const { return standard.cumulative(standardised(x)); }
+    double survival(double x) const { return standard.survival(standardised(x)); }
+    double log_cumulative(double x) const { return pral::log_cumulative(standard, standardised(x)); }
+    double log_density(double x) const {
+        if (x == 0) return -HUGE_VAL;
+        return standard.log_density(standardised(x)) - log_spread_ - std::log(x);
+    }
+    double quantile(double p) const { return value(standard.quantile(p)); }
+    double quantile_upper(double q) const { return value(pral::quantile_upper(standard, q)); }
+
+    double standardised(double x) const {
+        if (!usable_) return (std::log(x) - log_center) / spread;
+        const double near = (x - center_) / center_;
+        return (std::fabs(near) < 0.5 ? numerics::log1p_fn(near) : std::log(x / center_)) / spread;
+    }
+
+  private:
+    double value(double z) const {
+        const double exponent = spread * z;
+        return usable_ && std::fabs(exponent) < 700 ? center_ * std::exp(exponent)
+                                                    : std::exp(log_center + exponent);
+    }
+
+    double center_;
+    bool usable_;
+    double log_spread_;
+};
+
+/// X = g(Y) for a monotone g and a base distribution Y. `Map` holds what g depends on:
+///
+///   forward(y)        g(y)
+///   inverse(x)        the y with g(y) = x
+///   log_slope(x)      ln |dy/dx| at x
+///   kDecreasing       present and true when g falls: then the tails change places
+template <class Base, class Map>
+struct Transformed {
+    Base base;
+    Map map;
+
+    static constexpr bool decreasing() {
+        return requires { Map::kDecreasing; };
+    }
+
+    std::optional<double> point_mass() const {
+        const auto y = base.point_mass();
+        return y ? std::optional(map.forward(*y)) : std::nullopt;
+    }
+    double cumulative(double x) const {
+        const double y = map.inverse(x);
+        return decreasing() ? base.survival(y) : base.cumulative(y);
+    }
+    double survival(double x) const {
+        const double y = map.inverse(x);
+        return decreasing() ? base.cumulative(y) : base.survival(y);
+    }
+    double log_density(double x) const { return base.log_density(map.inverse(x)) + map.log_slope(x); }
+    double quantile(double p) const {
+        return map.forward(decreasing() ? pral::quantile_upper(base, p) : base.quantile(p));
+    }
+    double quantile_upper(double q) const {
+        return map.forward(decreasing() ? base.quantile(q) : pral::quantile_upper(base, q));
+    }
+    double log_cumulative(double x) const requires(!requires { Map::kDecreasing; }) {
+        return pral::log_cumulative(base, map.inverse(x));
+    }
+};
+
+}  // namespace pral

@@ -1,0 +1,39 @@
+// The lognormal distribution under its parameterisations.
+#pragma once
+
+#include "distributions/adapters.h"
+#include "distributions/continuous/normal.h"
+
+namespace pral {
+
+/// exp(Normal(mu, sigma)), sigma >= 0; sigma = 0 is a point mass at exp(mu).
+struct LognormalE : LogLocationScale<StandardNormal> {
+    LognormalE(double mu, double sigma) : LogLocationScale(mu, sigma) {}
+    Message check() const {
+        if (!(spread >= 0)) return "Error: sigma must be >= 0";
+        return nullptr;
+    }
+};
+
+/// Mean mu > 0 and standard deviation sigma >= 0 of the variable itself; sigma = 0 is a point mass at mu. With
+/// s^2 = ln(1 + (sigma/mu)^2), ln(X/mu)/s is Normal(-s/2, 1).
+struct Lognormal : LogLocationScale<Normal> {
+    double mu, sigma;
+
+    Lognormal(double mu_, double sigma_) : Lognormal(mu_, sigma_, log_deviation(sigma_ / mu_)) {}
+    Message check() const {
+        if (!(mu > 0)) return "Error: mu must be > 0";
+        if (!(sigma >= 0)) return "Error: sigma must be >= 0";
+        return nullptr;
+    }
+
+  private:
+    Lognormal(double mu_, double sigma_, double s)
+        : LogLocationScale(mu_, std::log(mu_), s, {-0.5 * s, 1}), mu(mu_), sigma(sigma_) {}
+
+    static double log_deviation(double ratio) {
+        return std::sqrt(ratio < 1e150 ? numerics::log1p_fn(ratio * ratio) : 2 * std::log(ratio));
+    }
+};
+
+}  // namespace pral

@@ -1,0 +1,55 @@
+// The quantile of a continuous family that has no closed form: a safeguarded Newton search on its cumulative.
+#pragma once
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+
+#include "distributions/family.h"
+
+namespace pral {
+
+/// The double halfway between a and b in the order of all doubles, so that 64 halvings bring any two together,
+/// however many powers of ten lie between them.
+inline double middle_double(double a, double b) {
+    const auto rank = [](double x) {
+        const auto bits = std::bit_cast<std::int64_t>(x);
+        return bits >= 0 ? bits : INT64_MIN - bits;
+    };
+    const std::int64_t low = rank(a), high = rank(b);
+    const std::int64_t middle = (low & high) + ((low ^ high) >> 1);
+    return std::bit_cast<double>(middle >= 0 ? middle : INT64_MIN - middle);
+}
+
+enum class Side { lower, upper };
+
+/// The x whose lower (upper) tail is `tail`, 0 < tail < 1, best called with the smaller of the two. Newton steps on the
+/// logarithm of the tail, which is nearly straight far out where the tail itself is flat; from `start`, kept inside a
+/// bracket that begins as the support. A step that leaves the bracket, or a tail that does not shrink the way it should,
+/// is replaced by the bracket's middle.
+template <class D>
+double search_quantile(const D& d, Side side, double tail, double start) {
+    constexpr int kMaxSteps = 200;  // 64 halvings suffice; a Newton step between two of them does no harm
+    auto [lower, upper] = d.support();
+    const double log_tail = std::log(tail);
+    double x = start > lower && start < upper ? start : middle_double(lower, upper);
+    double previous = HUGE_VAL;
+    for (int step = 0; step < kMaxSteps; ++step) {
+        const double at = side == Side::lower ? d.cumulative(x) : d.survival(x);
+        const double excess =
+            std::log(at) - log_tail;  // grows with x for the lower tail, falls for the upper
+        if (excess == 0 || std::isnan(excess)) return x;
+        const bool too_high = side == Side::lower ? excess > 0 : excess < 0;
+        (too_high ? upper : lower) = x;
+        const double slope = std::exp(d.log_density(x)) / at;
+        const double newton = x - (side == Side::lower ? excess : -excess) / slope;
+        const bool accepted = newton > lower && newton < upper && std::fabs(excess) < 0.5 * previous;
+        const double next = accepted ? newton : middle_double(lower, upper);
+        previous = std::fabs(excess);
+        if (std::fabs(next - x) <= 2.3e-16 * std::fabs(x) || next == lower || next == upper) return next;
+        x = next;
+    }
+    return x;
+}
+
+}  // namespace pral
