@@ -305,7 +305,10 @@ double Power::value() const { return scaled_exp(factor, exponent); }
 
 double Power::log() const {
     if (!(factor > 0)) return factor == 0 ? -kInfinity : kNaN;
-    return exponent.hi + (exponent.lo + std::log(factor));
+    if (factor < 2 && factor > 0.5) return exponent.hi + (exponent.lo + std::log(factor));
+    const DoubleDouble logarithm = log_double_double(factor);  // may all but cancel the exponent
+    const DoubleDouble sum = two_sum(exponent.hi, logarithm.hi);
+    return sum.hi + (sum.lo + exponent.lo + logarithm.lo);
 }
 
 Power gamma_prefix(double a, double x) {

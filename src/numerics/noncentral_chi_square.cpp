@@ -6,6 +6,7 @@
 #include "numerics/constants.h"
 #include "numerics/elementary.h"
 #include "numerics/gamma_ratio.h"
+#include "numerics/normal.h"
 
 namespace pral::numerics {
 
@@ -22,6 +23,10 @@ enum class Wanted { lower, upper, density };
 /// Beyond this width (in terms) of the mixture its sum takes longer than the integral.
 constexpr double kWidestMixture = 40;
 constexpr double kNegligible = 0x1p-62;
+
+/// A noncentrality below it changes nothing, and its reciprocal must not overflow.
+constexpr double kSmallestNoncentrality = 1e-290;
+constexpr double kLargestArgument = 1e280;
 
 DoubleDouble add(DoubleDouble a, DoubleDouble b) {
     const DoubleDouble sum = two_sum(a.hi, b.hi);
@@ -179,8 +184,17 @@ Contour contour_through(const Halves& h, double centre, Wanted wanted) {
     return {w, std::fabs(offset.hi), offset, 2 * h.mean / w + h.shape};
 }
 
+/// The normal distribution of the same mean and variance: its skewness is below 1e-14 where it is used.
+Power normal_limit(const Halves& h, Wanted wanted) {
+    const double deviation = 2 * std::sqrt(0.5 * h.shape + h.mean);
+    const double z = 2 * ((h.point - h.mean) - h.shape) / deviation;
+    if (wanted == Wanted::density) return {kInvSqrt2Pi / deviation, {-0.5 * z * z, 0}};
+    return {normal_survival(wanted == Wanted::upper ? z : -z), {0, 0}};
+}
+
 Power inversion_integral(const Halves& h, double centre, Wanted wanted) {
     const Contour c = contour_through(h, centre, wanted);
+    if (c.distance < 2e-15 && c.variance > 1e26) return normal_limit(h, wanted);  // w - 1 has no digits left
     const DoubleDouble excess = add(two_sum(h.point, -h.mean), {-h.shape, 0});
     const DoubleDouble mean_over_w = divide({h.mean, 0}, {c.w, 0});
     const DoubleDouble lean = multiply(c.offset, mean_over_w);
@@ -215,10 +229,11 @@ Power inversion_integral(const Halves& h, double centre, Wanted wanted) {
 }
 
 bool is_inside(double nu, double lambda, double x) {
-    return nu >= 0 && lambda > 0 && x > 0 && std::max({nu, lambda, x}) < 1e280;
+    return nu >= 0 && lambda > kSmallestNoncentrality && x > 0 &&
+           std::max({nu, lambda, x}) < kLargestArgument;
 }
 
-/// nu >= 0, lambda > 0 and 0 < x below 1e280; a tail is the smaller one or near it.
+/// A tail is the smaller one or near it.
 Power compute(double nu, double lambda, double x, Wanted wanted) {
     const Halves h = {0.5 * nu, 0.5 * lambda, 0.5 * x};
     const double centre = central_index(h);
@@ -232,7 +247,9 @@ double tail_at_ends(double nu, double lambda, double x, bool upper) {
     if (!(nu >= 0 && lambda >= 0) || std::isnan(x)) return kNaN;
     if (x < 0) return upper;
     if (x >= kInfinity) return !upper;
-    if (lambda == 0) return upper ? gamma_upper(0.5 * nu, 0.5 * x) : gamma_lower(0.5 * nu, 0.5 * x);
+    if (lambda <= kSmallestNoncentrality && nu > 0)
+        return upper ? gamma_upper(0.5 * nu, 0.5 * x) : gamma_lower(0.5 * nu, 0.5 * x);
+    if (nu == 0 && lambda <= kSmallestNoncentrality) return !upper;
     if (x == 0) {
         if (nu > 0) return upper;
         return upper ? -expm1_fn(-0.5 * lambda) : std::exp(-0.5 * lambda);
@@ -257,7 +274,7 @@ double noncentral_chi_square_upper(double nu, double lambda, double x) { return 
 
 double noncentral_chi_square_log_density(double nu, double lambda, double x) {
     if (!(nu >= 0 && lambda >= 0) || std::isnan(x)) return kNaN;
-    if (lambda == 0)
+    if (lambda <= kSmallestNoncentrality)
         return x < 0 || nu == 0 ? -kInfinity : finite_or_limit(log_gamma_density(0.5 * nu, 0.5 * x) - kLn2);
     if (x == 0 && nu <= 2) return nu == 0 ? -kInfinity : nu < 2 ? kInfinity : -0.5 * lambda - kLn2;
     if (!is_inside(nu, lambda, x)) return -kInfinity;
