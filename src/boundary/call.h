@@ -6,7 +6,9 @@
 #include <climits>
 #include <cstdio>
 #include <exception>
+#include <initializer_list>
 #include <new>
+#include <string>
 
 #include "boundary/automation.h"
 #include "boundary/error_text.h"
@@ -27,6 +29,24 @@ bool guarded(Body body) noexcept {
     } catch (...) {
         return fail("Error: unknown problem");
     }
+}
+
+/// Fails with the message of a check that had one.
+inline bool succeeded(Message objection) { return objection == nullptr || fail(objection); }
+
+struct NamedPointer {
+    const char* name;
+    const void* pointer;
+};
+
+/// False, with a message that names it, when a pointer is null. Of arrays of `count` elements none is needed when
+/// the count is not positive.
+inline bool given(std::initializer_list<NamedPointer> pointers, long long count = 1) {
+    for (const NamedPointer& argument : pointers) {
+        if (argument.pointer != nullptr || count <= 0) continue;
+        return fail(std::string("Error: ") + argument.name + " must not be null");
+    }
+    return true;
 }
 
 /// The same for a function with `count` outputs (none when negative), which are set to 0 first. `body` gets
