@@ -160,6 +160,10 @@ DoubleDouble log_double_double(double x) {
 }
 
 DoubleDouble deviance_double_double(double x, double a) {
+    if (x < 1e-100 * a || a < 1e-100 * x) {  // the ratio may be out of range for exact arithmetic
+        const DoubleDouble lx = log_double_double(x), la = log_double_double(a);
+        return add({x / a, 0}, add({-1, 0}, add(la, {-lx.hi, -lx.lo})));
+    }
     if (x > 0x1p900 || a > 0x1p900) {  // the exact products need room above
         x *= 0x1p-128;
         a *= 0x1p-128;
