@@ -8,8 +8,12 @@ add_library(pral_core SHARED "${empty_source}")
 add_library(pral::pral_core ALIAS pral_core)
 pral_link_subsystems(pral_core ${subsystems})
 target_link_libraries(pral_core PRIVATE GSL::gsl ALGLIB::ALGLIB)
-target_include_directories(pral_core INTERFACE
-  $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+# In the build tree the public headers are found by the names that they have once installed.
+foreach(header core_api.h automation.h)
+  configure_file("${PROJECT_SOURCE_DIR}/src/boundary/${header}" "${PROJECT_BINARY_DIR}/include/pral_core/${header}" COPYONLY)
+endforeach()
+target_include_directories(pral_core INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>
+  $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
 add_custom_target(product DEPENDS pral_core)  # what a user gets; the programs add themselves
 set_target_properties(pral_core PROPERTIES
   VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR} LINKER_LANGUAGE CXX)

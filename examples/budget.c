@@ -2,9 +2,8 @@
  *
  * Four uncertain items, 10,000 iterations, as a spreadsheet would recalculate them: one call per cell and iteration.
  * Prints a histogram and percentiles, and ends with a verdict: the simulated mean against the exact one. */
-#include <boundary/core_api.h>
-
 #include <math.h>
+#include <pral_core/core_api.h>
 #include <stdio.h>
 #include <stdlib.h>
 
