@@ -59,7 +59,9 @@ std::optional<std::size_t> column_place(const std::vector<std::string>& names, c
 
 double parse_number(std::string_view text, std::string_view what) {
     const auto value = number(text);
-    if (!value) throw UsageError(fmt::format("{}: \"{}\" is not a number", what, text));
+    if (!value)
+        throw UsageError(
+            fmt::format("{}: \"{}\" is not a number, or beyond the range of numbers", what, text));
     return *value;
 }
 

@@ -81,7 +81,7 @@ const Family& find_family(const std::string& name) {
     const Family& nearest = *std::ranges::min_element(families(), {}, distance);
     if (distance(nearest) == 0) return nearest;
     throw UsageError(
-        fmt::format("there is no family {}; did you mean {}? (pral list shows all)", name, nearest.name));
+        fmt::format("there is no family \"{}\"; did you mean {}? (pral list shows all)", name, nearest.name));
 }
 
 std::string parameter_names(const Family& family) {

@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstdio>
 #include <map>
 
 #include "arguments.h"
@@ -201,10 +202,10 @@ int main(int argc, char** argv) {
         }
         return kSuccess;
     } catch (const UsageError& error) {
-        fmt::print(stderr, "pral: {}\n", error.what());
+        std::fprintf(stderr, "pral: %s\n", error.what());
         return kUsage;
     } catch (const std::exception& error) {
-        fmt::print(stderr, "{}\n", error.what());
+        std::fprintf(stderr, "%s\n", error.what());
         return kFailure;
     }
 }

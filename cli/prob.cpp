@@ -8,8 +8,8 @@
 namespace cli {
 
 void probability(const ProbabilityOptions& options) {
-    const auto [family, arguments, modifiers] = make_call(options);
-    const auto& function = options.log10 ? family.log10_probability : family.probability;
+    const FamilyCall call = make_call(options);
+    const auto& function = options.log10 ? call.family.log10_probability : call.family.probability;
     const int cumulative = options.cumulative ? 1 : 0;
     std::vector<double> values;
     for (const std::string& text : options.values) {
@@ -23,7 +23,8 @@ void probability(const ProbabilityOptions& options) {
     // The library takes the shift off the values in place: it gets copies.
     const auto evaluate = [&](std::vector<double> x) {
         double result = 0;
-        require(function(&result, x.data(), static_cast<int>(x.size()), arguments, &cumulative, modifiers));
+        require(function(&result, x.data(), static_cast<int>(x.size()), call.arguments, &cumulative,
+                         call.modifiers));
         return result;
     };
     std::vector<std::vector<Cell>> answers;

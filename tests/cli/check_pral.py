@@ -49,7 +49,7 @@ REFUSALS = [
     ("sample Normal 0 1 --min 1 --max 0", 1, "PralXBounds error: MinX(1) must be <= MaxX(0)\n"),
     ("", 2, "a command is wanted"),
     ("frobnicate", 2, "there is no command frobnicate"),
-    ("sample Norml 0 1", 2, "there is no family Norml; did you mean Normal?"),
+    ("sample Norml 0 1", 2, 'there is no family "Norml"; did you mean Normal?'),
     ("sample Normal 0", 2, "Normal takes 2 parameters (mu, sigma), not 1"),
     ("sample Normal 0 1x", 2, 'sigma: "1x" is not a number'),
     ("sample Normal 0 1 -n 2.5", 2, "a whole number"),
