@@ -16,6 +16,7 @@
 #define PRAL_CORE_API_H
 
 #include <stddef.h>
+#include <stdint.h>
 #ifndef __cplusplus
 #include <stdbool.h>
 #endif
@@ -66,6 +67,218 @@ PRAL_API const char* PralVersion(void);
 /* Restarts the one random stream of the process (MT19937, numbers in the open interval (0,1)) from `seed`. A
  * freshly loaded library stands where PralSetRandomSeed(5489) puts it; nothing else restarts it. */
 PRAL_API void PralSetRandomSeed(unsigned int seed);
+
+/* ------------------------------------------------------------------------------------------------- Matrices
+ *
+ * A matrix is a flat array by rows: element (i, j) of n x n elements stands at i n + j, counted from 0. A symmetric
+ * matrix may be given by one triangle, the other being all 0; symmetric means to 15 significant digits. These
+ * functions write nothing to `out` when they fail, and no input is changed unless told. Elements that are not
+ * finite fail as the decomposition that meets them.
+ */
+
+/* The lower triangular L with a = L L', n x n. A constant matrix c >= 0 has sqrt(c) in its first column. A singular
+ * matrix succeeds, its factorisation ending at the first pivot that is not positive.
+ * "Error: Matrix a must be square", "Error: Matrix cannot be empty", "Error: matrix is not symmetric",
+ * "Error: Matrix must be positive semi-definite" */
+PRAL_API bool PralCholesky_Core(double* out, const double* a, int rows, int cols);
+
+/* The n eigenvalues, ascending for a symmetric matrix; for others their real parts. Those within 1e-15 of 0 are 0.
+ * "Error: Input Matrix must be square", "EigenValues calculation failed!" */
+PRAL_API bool PralEigenValues_Core(double* out, const double* a, int rows, int cols);
+
+/* The eigenvectors as columns of an n x n matrix, in the order of PralEigenValues_Core, orthonormal for a symmetric
+ * matrix. A complex pair has its real and imaginary parts in two neighbouring columns.
+ * "Error: Input Matrix must be square", "EigenVectors calculation failed!" */
+PRAL_API bool PralEigenVectors_Core(double* out, const double* a, int rows, int cols);
+
+/* The correlation matrix itself when it is positive semi-definite, otherwise a near one that is, with ones on the
+ * diagonal (spectral decomposition, Rebonato and Jaeckel 1999). A lower triangle is completed in `a` itself.
+ * "Error: Input Matrix must be square", "Error: matrix is not symmetric", "Error: Vectors FAIL!" */
+PRAL_API bool PralValidCorrmat_Core(double* out, double* a, int rows, int cols);
+
+/* The n x n correlation matrix of a covariance matrix: cov(i,j)/sqrt(cov(i,i) cov(j,j)), of the elements as given.
+ * "Error: matrix not symmetric", "Error: matrix is not valid" (no eigenvalues), "Error: matrix not positive
+ * semidefinite", "Error: diagonal elements must be >0" */
+PRAL_API bool PralCovToCorr_Core(double* out, int ignored, const double* cov, int n);
+
+/* The n x n covariance matrix corr(i,j) sd(i) sd(j) of n standard deviations `sd` > 0.
+ * "Error: CorrMatrix not valid. Try applying PralValidCorrMat first.", "Error: VarArray not valid" (the sd) */
+PRAL_API bool PralCorrToCov_Core(double* out, int ignored, const double* corr, const double* sd, int n);
+
+/* The identity matrix. "Error: Output matrix must be square" */
+PRAL_API bool PralIdentity_Core(double* out, int rows, int cols);
+
+/* ----------------------------------------------------------------------------------------------- Statistics
+ *
+ * NaN and infinite data are not refused: they go through the sums, unless told otherwise.
+ */
+
+/* Moments of a sample x of n values, unbiased or corrected for bias, with s^2 = sum (x - mean)^2/(n - 1):
+ *   Mean      sum x/n                                                        n >= 1
+ *   Variance  s^2                                                            n >= 2
+ *   StDev     s; with fewer than two values not a number, and no failure
+ *   Skewness  n/((n-1)(n-2)) sum ((x - mean)/s)^3                            n >= 3
+ *   Kurtosis  n(n+1)/((n-1)(n-2)(n-3)) sum ((x - mean)/s)^4 + 3 - 3(n-1)^2/((n-2)(n-3)), about 3 for a normal
+ *             sample; not finite for n = 3                                   n >= 3
+ * With too few values they return false without a message and leave the output as it was. */
+PRAL_API bool PralMean_Core(double* out, const double* x, uint64_t n);
+PRAL_API bool PralVariance_Core(double* out, const double* x, uint64_t n);
+PRAL_API bool PralStDev_Core(double* out, const double* x, uint64_t n);
+PRAL_API bool PralSkewness_Core(double* out, const double* x, uint64_t n);
+PRAL_API bool PralKurtosis_Core(double* out, const double* x, uint64_t n);
+
+/* Moments of n values as a whole population (divisor n; the kurtosis of a normal one is 3), from power sums. */
+PRAL_API bool PralMomentsFromValues(const double* x, int n, double* mean, double* variance, double* skewness,
+                                    double* kurtosis);
+
+/* Moments of the discrete distribution of n values x with probabilities p, which are used as they are. Beyond the
+ * middle of the table (index above n/2) the first probability 0 ends it. */
+PRAL_API bool PralRawMoments_Core(const double* x, const double* p, int n, double* mean, double* variance,
+                                  double* skewness, double* kurtosis);
+
+/* The ranks 1 .. n of n values, from the smallest, or from the largest when `descending` is not 0. Equal values share
+ * the mean of their ranks; NaNs come last, each with a rank of its own. */
+PRAL_API bool PralRank_Core(double* out, int n, const double* x, int descending);
+PRAL_API bool PralRankVB_Core(SAFEARRAY** out, const double* x, int descending);
+
+/* Spearman's rank correlation of n pairs, in [-1,1]: Pearson's correlation of the ranks; 0 when x or y does not vary,
+ * NaN when there is one among the data. SpearmanU: of one bootstrap replicate of the pairs (n of them, drawn with
+ * replacement). "Error: length of the array must be >0" */
+PRAL_API bool PralSpearman_Core(double* out, const double* x, const double* y, int n);
+PRAL_API bool PralSpearmanU_Core(double* out, const double* x, const double* y, int n);
+
+/* The matrix of Spearman's rank correlations of the variables in a range of rows x cols data, at least 2 x 2; its size
+ * is the number of variables. They are the columns of the range, or its rows when `variablesInRows` is not 0. The U
+ * forms give the matrix of one bootstrap replicate: as many observations, each with all its variables, drawn with
+ * replacement. The automation array must have room for the matrix.
+ * "Error: DataRange values must be in a two-dimentional array" */
+PRAL_API bool PralCorrMatrix_Core(double* out, const double* data, int rows, int cols, int variablesInRows);
+PRAL_API bool PralCorrMatrixVB_Core(SAFEARRAY** out, const double* data, int rows, int cols,
+                                    int variablesInRows);
+PRAL_API bool PralCorrMatrixU_Core(double* out, const double* data, int rows, int cols, int variablesInRows);
+PRAL_API bool PralCorrMatrixUVB_Core(SAFEARRAY** out, const double* data, int rows, int cols,
+                                     int variablesInRows);
+
+/* Kendall's tau-a of n pairs, in [-1,1]: concordant less discordant pairs over all pairs. A tie counts as neither,
+ * and so does a pair with a NaN. NaN for n < 2. */
+PRAL_API bool PralKendallsTau_Core(double* out, const double* x, const double* y, int n);
+
+/* n values drawn with replacement from the m values of `data`, by the 15-bit runtime generator and not by the random
+ * stream: data[floor(r/32767 (m - 1) + 0.5)], so that the first and the last value come half as often as the others.
+ * "Error: the {data} array is empty" */
+PRAL_API bool PralSample_Core(double* out, int n, const double* data, int m);
+PRAL_API bool PralSampleVB_Core(SAFEARRAY** out, const double* data, int m);
+
+/* A random permutation of 0 .. n - 1. */
+PRAL_API bool PralShuffle_Core(double* out, int n);
+PRAL_API bool PralShuffleVB_Core(SAFEARRAY** out);
+
+/* Theil's inequality coefficient of two series of equal length, in [0,1]: sqrt(sum (x - y)^2) /
+ * (sqrt(sum x^2) + sqrt(sum y^2)). "Error: the number of elements in {x} and {y} must be equal" */
+PRAL_API bool PralThielU_Core(double* out, const double* x, int nx, const double* y, int ny);
+
+/* Stochastic dominance between two samples of finite values, larger values being preferred:
+ *    1   x dominates y in the first order: its distribution function is nowhere above y's and somewhere below
+ *    2   x dominates y in the second order only: the integral of F_y - F_x from the left is nowhere negative and
+ *        somewhere positive, F being the empirical distribution functions (to 1e-12 of the area between them)
+ *   -1, -2  y dominates x likewise;  0  neither, or equal distributions
+ * "Error: length of the array must be >0", "Error: the elements of {x} and {y} must be finite" */
+PRAL_API bool PralDominance_Core(double* out, const double* x, int nx, const double* y, int ny);
+
+/* The polygon through the n points (xs, ys) at x. With `sortFirst` not 0 the points are sorted by xs first, in the
+ * caller's arrays; otherwise they are taken as they stand, the first stretch that holds x deciding.
+ * "Error: Value must lie within {independent} range", "Error: {independent} must contain unique values" */
+PRAL_API bool PralInterpolate_Core(double* out, double x, double* xs, double* ys, int n, int sortFirst);
+
+/* ------------------------------------------------------------------------------------------------- Bootstrap
+ *
+ * Each call draws one replicate of the data, n of n values with replacement by the random stream, and gives a statistic
+ * of it (see Statistics): called over and over, its bootstrap distribution. With fewer values than the statistic
+ * needs the output stays as it was, and the call succeeds.
+ */
+
+PRAL_API bool PralNBootMean_Core(double* out, const double* data, int n);
+PRAL_API bool PralNBootStdev_Core(double* out, const double* data, int n);
+PRAL_API bool PralNBootVar_Core(double* out, const double* data, int n);
+PRAL_API bool PralNBootSkew_Core(double* out, const double* data, int n);
+PRAL_API bool PralNBootKurt_Core(double* out, const double* data, int n);
+
+/* The coefficient of variation: sample standard deviation over mean. */
+PRAL_API bool PralNBootCofV_Core(double* out, const double* data, int n);
+
+/* The percentile at p in [0,1], interpolated between the order statistics at position (n - 1) p + 1; 0 for another p. */
+PRAL_API bool PralNBootPercentile_Core(double* out, const double* data, int n, double p);
+
+/* Four statistics of the same replicate; those that need more values are 0. "Error: the {data} array is empty" */
+PRAL_API bool PralNBootMoments_Core(const double* data, int n, double* mean, double* variance,
+                                    double* skewness, double* kurtosis);
+
+/* A replicate itself. Series: `count` values drawn from the n data. Paired: count/2 pairs drawn from the n pairs
+ * (x[i], y[i]), written one after another. A full replicate has count = n and count = 2n.
+ * "Error: the {data} array is empty", "Error: the output must have two elements for each pair" */
+PRAL_API bool PralNBootPaired_Core(double* out, int count, const double* x, const double* y, int n);
+PRAL_API bool PralNBootPairedVB_Core(SAFEARRAY** out, const double* x, const double* y, int n);
+PRAL_API bool PralNBootSeries_Core(double* out, int count, const double* data, int n);
+PRAL_API bool PralNBootSeriesVB_Core(SAFEARRAY** out, const double* data, int n);
+
+/* --------------------------------------------------------------------------------------------- Markov chains
+ *
+ * P is the n x n matrix of a chain's transition probabilities, by rows: row i is the distribution of the next state
+ * after state i. A P that is zero above the diagonal is completed by its lower triangle, in the caller's array.
+ */
+
+/* The transition matrix of t >= 0 steps, n x n; t is a double, passed as the variable argument. DBL_MAX asks for the
+ * long-run limit. A t that is no whole number needs a P whose eigenvalues are not negative. Eigenvalues count by
+ * their real parts: where a chain has complex ones, and no negative one, the result is an approximation. For t = 1 P is
+ * returned as it is, with no look at the sums of its rows; otherwise they must be 1 to 1e-5. The automation array must
+ * have room for the matrix.
+ * "Error: T must be >=0", "Error: Input Matrix must be square", "Error: matrix elements must be >=0",
+ * "Error: Matrix elements across rows must sum to 1", "Error: MarkovMatrix calculation failed!",
+ * "Error: Matrix must be positive semi-definite" */
+PRAL_API bool PralMarkovMatrix_Core(double* out, double* P, int rows, int cols, ...);
+PRAL_API bool PralMarkovMatrixVB_Core(SAFEARRAY** out, double* P, int rows, int cols, ...);
+
+/* The numbers of individuals per state after t steps, when population[i] of them start in each of the n `states` and
+ * move independently: multinomial draws from the rows of the t-step matrix. They are whole numbers, 2^53 in all at
+ * most. The checks and messages of PralMarkovMatrix_Core follow
+ * "Error: The width of the Matrix must be equal to its height", "Error: the number of states must be equal to the size
+ * of the Matrix", "Error: the numbers of individuals must be whole and >=0", "Error: there must be at most 2^53
+ * individuals" */
+PRAL_API bool PralMarkovSample_Core(double* out, int states, const double* population, double* P, int rows,
+                                    int cols, double t);
+PRAL_API bool PralMarkovSampleVB_Core(SAFEARRAY** out, const double* population, double* P, int rows,
+                                      int cols, double t);
+
+/* -------------------------------------------------------------------------------- Aggregate loss distributions
+ *
+ * The total claim amount of a portfolio in which every policy has at most one claim, of a whole number of monetary
+ * units: q[i], i < m, is the claim probability of class i, in [0,1]; policies[i c + j] counts the policies of class i
+ * whose claim amounts to j + 1 units, j < c; base > 0 is the unit. The probabilities g(0), g(1), ... of 0, 1, ... units
+ * follow De Pril's recursion (1986), in which *K >= 1, when given and not 0, limits the order of the inner sum: faster
+ * and less accurate. The table ends at the first amount beyond the mean whose probability is not positive. Policies
+ * with q = 1 are certain: their claims are added to those of the others. Tables are kept from call to call.
+ *
+ * The amount is told as a continuous variable: base times a variable whose density is the polygon through (s, g(s)),
+ * scaled to area 1 (Relative(0, S, {0, ..., S}, g)); the density is that per unit, not divided by base. A portfolio
+ * without possible claims is a point mass.
+ *
+ * "Error: q must not be null", "Error: policies must not be null", "Error: q must not be empty", "Error: policies
+ * must not be empty", "Error: {probabilities} values must be in [0..1]" (the smallest q is tested, and all for NaN),
+ * "Error: {n} values must be an integer values >= 0 ", "Error: base must be >0", "Error: K must be >0 or ommited.",
+ * "Error: the portfolio is too large", "Error: the recursion leaves the range of numbers", and that of Relative. */
+
+/* One value: the quantile at percentile *U, or at a draw of the stream when U is null or *U is -1. */
+PRAL_API bool PralAggregateDePril_Core(double* out, const double* q, const double* policies, int m, int c, double base,
+                                       const int* K, const double* U);
+
+/* The joint density of x[0 .. count-1]; their joint cumulative probability when *cumulative is neither 0 nor -1. */
+PRAL_API bool PralAggregateDePrilProb_Core(double* out, double* x, int count, const double* q, const double* policies,
+                                           int m, int c, double base, const int* K, const int* cumulative);
+
+/* The base-10 logarithm of that. */
+PRAL_API bool PralAggregateDePrilProb10_Core(double* out, double* x, int count, const double* q,
+                                             const double* policies, int m, int c, double base, const int* K,
+                                             const int* cumulative);
 
 /* -------------------------------------------------------------------------------- Univariate distributions
  *
@@ -162,6 +375,44 @@ PRAL_FAMILY(LognormalE, continuous, (double mu, double sigma),
 
 PRAL_FAMILY(Cauchy, continuous, (double a, double b),
     "location a, scale b >= 0, 0 being a point mass at a; support all reals; F = 1/2 + atan((x - a)/b)/pi")
+
+/* Families given by tables, each a pointer and its count; "Error: <table> must not be null", "... must not be empty".
+ * Tables are never changed, and need not be sorted where the order is not asked for. */
+
+PRAL_FAMILY(Discrete, data, (const double* values, int n, const double* probabilities, int m),
+    "values in any order with weights >= 0, not all 0, m = n; equal values add their weights; support the values, "
+    "whatever their weights; quantile: the first value whose running sum of weights / sum of weights is >= U")
+
+PRAL_FAMILY(DUniform, data, (const double* values, int n),
+    "values in any order, all equally likely; support the values; quantile as Discrete")
+
+PRAL_FAMILY(CumulA, data, (double min, double max, const double* values, int n, const double* probabilities, int m),
+    "min < max; values strictly ascending within [min, max] and their cumulative probabilities strictly ascending "
+    "within (0,1), m = n; support [min, max]; F is the polygon through (min, 0), the points and (max, 1); a value at "
+    "min or max is a jump there")
+
+PRAL_FAMILY(CumulD, data, (double min, double max, const double* values, int n, const double* probabilities, int m),
+    "CumulA with the probabilities of exceeding the values, strictly descending")
+
+PRAL_FAMILY(Histogram, data, (double min, double max, const double* f, int n),
+    "min < max; n bars of equal width with heights proportional to f, each >= 0, not all 0; support [min, max]; the "
+    "density at an edge is that of the bar above")
+
+PRAL_FAMILY(Relative, data, (double min, double max, const double* values, int n, const double* weights, int m),
+    "min < max; weights >= 0, not all 0, at values within [min, max] that do not descend, m = n; support [min, max]; "
+    "the density is proportional to the polygon through (min, 0), the points and (max, 0)")
+
+PRAL_FAMILY(StepUniform, data, (double min, double max, double step),
+    "min <= max; (max - min)/step is a whole number k exactly; the points min, min + step, ..., max are equally "
+    "likely; quantile: point number floor((k + 1) U); min = max is a point mass")
+
+PRAL_FAMILY(Ogive, data, (double min, double max, const double* data, int n),
+    "min < max; at least 2 data within [min, max], in any order; support [min, max]; F is the polygon through "
+    "(min, 0), (i-th smallest, i/(n + 1)) and (max, 1)")
+
+PRAL_FAMILY(OgiveU, data, (double min, double max, const double* data, int n),
+    "Ogive with n sorted uniforms in place of the i/(n + 1), drawn from the stream in each call that finds the table "
+    "in order, before the percentile is drawn; bounds, values and probabilities of a call share them")
 
 /* clang-format on */
 
