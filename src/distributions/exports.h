@@ -24,8 +24,8 @@
     bool Pral##X##ArrayVB_Core(SAFEARRAY** out, PRAL_REMOVE_PARENTHESES PARAMETERS, const double* U,         \
                                const int* boundsMode, const double* boundsMin, const double* boundsMax,      \
                                const double* shift) {                                                        \
-        return pral::with_locked_array(out, [&](double* data, int size) {                                    \
-            return Pral##X##Array_Core(data, size, PRAL_REMOVE_PARENTHESES ARGUMENTS, U, boundsMode,         \
+        return pral::with_locked_array(out, [&](double* locked, int elements) {                              \
+            return Pral##X##Array_Core(locked, elements, PRAL_REMOVE_PARENTHESES ARGUMENTS, U, boundsMode,   \
                                        boundsMin, boundsMax, shift);                                         \
         });                                                                                                  \
     }                                                                                                        \

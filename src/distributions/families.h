@@ -7,3 +7,7 @@
 #include "distributions/continuous/lognormal.h"
 #include "distributions/continuous/normal.h"
 #include "distributions/continuous/uniform.h"
+#include "distributions/data/cumulative.h"
+#include "distributions/data/density.h"
+#include "distributions/data/discrete_table.h"
+#include "distributions/data/step_uniform.h"

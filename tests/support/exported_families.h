@@ -72,7 +72,7 @@ void add(std::vector<ExportedFamily>& list, const char* name, const char* kind, 
          auto array, auto prob, auto prob10) {
     if constexpr ((std::is_same_v<T, int> || ...)) {
         return;
-    } else {
+    } else if (std::string(kind) != "data") {
         list.push_back(
             exported(name, kind, value, array, prob, prob10, std::make_index_sequence<sizeof...(T) - 5>()));
     }
