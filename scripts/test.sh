@@ -5,6 +5,9 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+# Compiled files are found again in another checkout of the same sources.
+export CCACHE_BASEDIR=$PWD CCACHE_NOHASHDIR=1
+
 jobs=$(nproc)
 passed=0
 failed=0
