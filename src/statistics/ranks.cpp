@@ -26,32 +26,6 @@ std::uint64_t sort_key(double value) {
     return (bits & kSign) != 0 ? ~bits : bits | kSign;
 }
 
-/// Stable sort by the keys: digit by digit from the lowest, which a few hundred entries repay. Digits that all
-/// keys share cost nothing.
-void sort_by_key(std::vector<SortEntry>& entries) {
-    constexpr int kBits = 11, kDigits = 6;
-    constexpr std::size_t kBuckets = std::size_t{1} << kBits, kWorthwhile = 600;
-    if (entries.size() < kWorthwhile) {
-        std::stable_sort(entries.begin(), entries.end(),
-                         [](const SortEntry& a, const SortEntry& b) { return a.key < b.key; });
-        return;
-    }
-    const auto digit = [](std::uint64_t key, int place) { return key >> (place * kBits) & (kBuckets - 1); };
-    std::vector<std::array<std::uint32_t, kBuckets>> counts(kDigits);
-    for (const SortEntry& entry : entries) {
-        for (int place = 0; place < kDigits; ++place) ++counts[place][digit(entry.key, place)];
-    }
-    std::vector<SortEntry> other(entries.size());
-    for (int place = 0; place < kDigits; ++place) {
-        auto& starts = counts[place];
-        if (starts[digit(entries[0].key, place)] == entries.size()) continue;
-        std::uint32_t start = 0;
-        for (std::uint32_t& bucket : starts) start += std::exchange(bucket, start);
-        for (const SortEntry& entry : entries) other[starts[digit(entry.key, place)]++] = entry;
-        entries.swap(other);
-    }
-}
-
 /// Calls `visit(begin, end)` for each run of entries that are equal to their neighbours.
 template <class Equal, class Visit>
 void for_each_run(const std::vector<SortEntry>& entries, Equal equal, Visit visit) {
@@ -112,6 +86,31 @@ bool has_nan(Data x) {
 }
 
 }  // namespace
+
+/// Digit by digit from the lowest, which a few hundred entries repay. Digits that all keys share cost nothing.
+void sort_by_key(std::vector<SortEntry>& entries) {
+    constexpr int kBits = 11, kDigits = 6;
+    constexpr std::size_t kBuckets = std::size_t{1} << kBits, kWorthwhile = 600;
+    if (entries.size() < kWorthwhile) {
+        std::stable_sort(entries.begin(), entries.end(),
+                         [](const SortEntry& a, const SortEntry& b) { return a.key < b.key; });
+        return;
+    }
+    const auto digit = [](std::uint64_t key, int place) { return key >> (place * kBits) & (kBuckets - 1); };
+    std::vector<std::array<std::uint32_t, kBuckets>> counts(kDigits);
+    for (const SortEntry& entry : entries) {
+        for (int place = 0; place < kDigits; ++place) ++counts[place][digit(entry.key, place)];
+    }
+    std::vector<SortEntry> other(entries.size());
+    for (int place = 0; place < kDigits; ++place) {
+        auto& starts = counts[place];
+        if (starts[digit(entries[0].key, place)] == entries.size()) continue;
+        std::uint32_t start = 0;
+        for (std::uint32_t& bucket : starts) start += std::exchange(bucket, start);
+        for (const SortEntry& entry : entries) other[starts[digit(entry.key, place)]++] = entry;
+        entries.swap(other);
+    }
+}
 
 bool same_value(const SortEntry& a, const SortEntry& b) { return a.key == b.key && a.key != kNanKey; }
 

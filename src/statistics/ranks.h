@@ -18,6 +18,9 @@ struct SortEntry {
 /// Whether two entries hold equal values; NaN equals nothing.
 bool same_value(const SortEntry& a, const SortEntry& b);
 
+/// Stable sort by the keys, n log n.
+void sort_by_key(std::vector<SortEntry>& entries);
+
 /// The data ascending, equal values and NaNs in their own order.
 std::vector<SortEntry> sorted(Data x);
 

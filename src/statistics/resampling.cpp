@@ -4,6 +4,8 @@
 #include <cmath>
 #include <cstddef>
 
+#include "statistics/ranks.h"
+
 namespace pral::statistics {
 
 RuntimeRandom& runtime_random() {
@@ -20,12 +22,12 @@ void sample(Data data, int count, double* out, RuntimeRandom& random) {
 }
 
 void shuffle(int count, double* out, RandomStream& stream) {
-    // A uniform is its 32-bit word to scale, so the words sort alike; the place rides in the lower half.
-    std::vector<std::uint64_t> draws(static_cast<std::size_t>(std::max(count, 0)));
-    for (std::size_t i = 0; i < draws.size(); ++i) draws[i] = std::uint64_t{stream.word()} << 32 | i;
-    std::sort(draws.begin(), draws.end());
+    // A uniform is its 32-bit word to scale, so the words sort alike.
+    std::vector<SortEntry> draws(static_cast<std::size_t>(std::max(count, 0)));
+    for (std::size_t i = 0; i < draws.size(); ++i) draws[i] = {stream.word(), static_cast<std::uint32_t>(i)};
+    sort_by_key(draws);
     std::transform(draws.begin(), draws.end(), out,
-                   [](std::uint64_t draw) { return static_cast<double>(draw & 0xffffffffu); });
+                   [](const SortEntry& draw) { return static_cast<double>(draw.index); });
 }
 
 std::vector<double> resample(Data data, RandomStream& stream) {
