@@ -28,6 +28,8 @@ struct Tail {
 };
 
 DoubleDouble times(double a, DoubleDouble b) {
+    if (std::fabs(b.hi) > 0x1p900 || std::fabs(a) > 0x1p900)
+        return {a * b.hi, 0};  // no room for exact products
     const DoubleDouble product = two_product(a, b.hi);
     return {product.hi, product.lo + a * b.lo};
 }
@@ -305,10 +307,11 @@ double Power::value() const { return scaled_exp(factor, exponent); }
 
 double Power::log() const {
     if (!(factor > 0)) return factor == 0 ? -kInfinity : kNaN;
+    if (exponent.hi < -kInfinity) return -kInfinity;
     if (factor < 2 && factor > 0.5) return exponent.hi + (exponent.lo + std::log(factor));
     const DoubleDouble logarithm = log_double_double(factor);  // may all but cancel the exponent
     const DoubleDouble sum = two_sum(exponent.hi, logarithm.hi);
-    return sum.hi + (sum.lo + exponent.lo + logarithm.lo);
+    return finite_or_limit(sum.hi + (sum.lo + exponent.lo + logarithm.lo));
 }
 
 Power gamma_prefix(double a, double x) {
@@ -329,7 +332,7 @@ double log_gamma_upper(double a, double x) { return log_ratio(a, x, true); }
 
 double gamma_density(double a, double x) {
     if (!is_inside(a, x))
-        return x == 0 && a == 1 ? 1 : x == 0 && a < 1 ? kInfinity : std::isnan(a + x) ? kNaN : 0;
+        return x == 0 && a == 1 ? 1 : x == 0 && a < 1 ? kInfinity : std::isnan(a) || std::isnan(x) ? kNaN : 0;
     const Power prefix = gamma_prefix(a, x);
     return scaled_exp(prefix.factor * (a / x), prefix.exponent);
 }

@@ -228,7 +228,7 @@ double poisson_tail_asymptotic(double m, double x, bool lower_tail, bool log_res
 
 double incomplete_gamma_lower(double a, double x) {
     if (x <= 0 || a <= 0) return 0;
-    if (x >= kInfinity) return a >= kInfinity ? 0 : 1;
+    if (x >= kInfinity || a >= kInfinity) return a >= kInfinity ? 0 : 1;
     if (x > 1 && x > a) return 1 - incomplete_gamma_upper(a, x);
     const double ax = log_prefactor(a, x);
     if (ax < kMinLogFactor) return 0;
@@ -237,7 +237,7 @@ double incomplete_gamma_lower(double a, double x) {
 
 double incomplete_gamma_upper(double a, double x) {
     if (x <= 0 || a <= 0) return 1;
-    if (x >= kInfinity) return a >= kInfinity ? 1 : 0;
+    if (x >= kInfinity || a >= kInfinity) return a >= kInfinity ? 1 : 0;
     if (x < 1 || x < a) return 1 - incomplete_gamma_lower(a, x);
     const double ax = log_prefactor(a, x);
     if (ax < kMinLogFactor) return 0;

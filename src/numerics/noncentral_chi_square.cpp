@@ -20,12 +20,15 @@ struct Halves {
 
 enum class Wanted { lower, upper, density };
 
-/// Beyond this width (in terms) of the mixture its sum takes longer than the integral.
-constexpr double kWidestMixture = 40;
+/// Beyond this width (in terms) of the mixture its sum takes longer and loses more than the integral, which needs an
+/// integrand as narrow as this variance makes it.
+constexpr double kWidestMixture = 12;
+constexpr double kSmallestVariance = 2500;
 constexpr double kNegligible = 0x1p-62;
 
 /// A noncentrality below it changes nothing, and its reciprocal must not overflow.
 constexpr double kSmallestNoncentrality = 1e-290;
+constexpr double kSmallestPoint = 1e-280;
 constexpr double kLargestArgument = 1e280;
 
 DoubleDouble add(DoubleDouble a, DoubleDouble b) {
@@ -49,20 +52,18 @@ double central_index(const Halves& h) {
     return 2 * g * (g / (h.shape + std::hypot(h.shape, 2 * g)));
 }
 
-/// One term of the mixture: its index, Poisson weight and chi-square prefix point^a e^-point / Gamma(1 + a), both
-/// relative to those of the centre.
+/// One index of the mixture, and the product of its Poisson weight and its prefix point^a e^-point / Gamma(1 + a), relative
+/// to that of the centre. (Each alone may be out of range.)
 struct Term {
-    double j, weight, prefix;
+    double j, product;
 
     double shape(const Halves& h) const { return h.shape + j; }
     void up(const Halves& h) {
         j += 1;
-        weight *= h.mean / j;
-        prefix *= h.point / shape(h);
+        product *= (h.mean / j) * (h.point / shape(h));
     }
     void down(const Halves& h) {
-        weight *= j / h.mean;
-        prefix *= shape(h) / h.point;
+        product *= (j / h.mean) * (shape(h) / h.point);
         j -= 1;
     }
 };
@@ -80,46 +81,44 @@ Term beyond_lower_end(const Halves& h, Term term) {
     return term;
 }
 
-double tail_ratio(const Halves& h, const Term& term, bool upper, const Power& unit) {
+/// Poisson weight times tail, in the unit of the products.
+double weighted_tail(const Halves& h, const Term& term, bool upper) {
     const double shape = term.shape(h);
-    if (shape == 0) return upper ? 0 : ratio({1, {0, 0}}, unit);
-    return ratio(gamma_tail_power(shape, h.point, upper), unit);
+    if (shape == 0) return 0;  // only the upper tail is begun at index 0
+    return term.product * ratio(gamma_tail_power(shape, h.point, upper), gamma_prefix(shape, h.point));
 }
 
-/// The sum of the terms' tails. P(a) = P(a + 1) + prefix(a): the lower tail is summed downwards, the upper tail upwards,
+/// The sum of the weighted tails. P(a) = P(a + 1) + prefix(a): the lower tail is summed downwards, the upper tail upwards,
 /// so that nothing is ever subtracted.
-double lower_sum(const Halves& h, Term centre, const Power& unit) {
+double lower_sum(const Halves& h, Term centre) {
     Term term = beyond_upper_end(h, centre);
-    double tail = tail_ratio(h, term, false, unit);
-    double sum = term.weight * tail;
+    double next = weighted_tail(h, term, false), sum = next;
     while (term.j > 0) {
+        const double weight_ratio = term.j / h.mean;
         term.down(h);
-        tail += term.prefix;
-        const double next = term.weight * tail;
+        next = weight_ratio * next + term.product;
         sum += next;
         if (term.j < centre.j && next < kNegligible * sum) break;
     }
     return sum;
 }
 
-double upper_sum(const Halves& h, Term centre, const Power& unit) {
+double upper_sum(const Halves& h, Term centre) {
     Term term = beyond_lower_end(h, centre);
-    double tail = tail_ratio(h, term, true, unit);
-    double sum = term.weight * tail;
-    for (;;) {
-        tail += term.prefix;
+    double next = weighted_tail(h, term, true), sum = next;
+    do {
+        next = (h.mean / (term.j + 1)) * (next + term.product);
         term.up(h);
-        const double next = term.weight * tail;
         sum += next;
-        if (term.j > centre.j && !(next > kNegligible * sum)) break;
-    }
+    } while (term.j <= centre.j || next > kNegligible * sum);
     return sum;
 }
 
+/// The density at `point` of the half variable, times `point`.
 double density_sum(const Halves& h, Term centre) {
     double sum = 0;
     const auto add_term = [&](const Term& term) {
-        const double next = term.weight * term.prefix * (term.shape(h) / (2 * h.point));
+        const double next = term.product * term.shape(h);
         sum += next;
         return next > kNegligible * sum;
     };
@@ -136,11 +135,12 @@ double density_sum(const Halves& h, Term centre) {
 Power mixture(const Halves& h, double centre, Wanted wanted) {
     const double j = std::floor(centre);
     const Power weight = gamma_prefix(j, h.mean), prefix = gamma_prefix(h.shape + j, h.point);
-    const Term term = {j, 1, 1};
-    const double sum = wanted == Wanted::density ? density_sum(h, term)
-                       : wanted == Wanted::upper ? upper_sum(h, term, prefix)
-                                                 : lower_sum(h, term, prefix);
-    return {weight.factor * prefix.factor * sum, add(weight.exponent, prefix.exponent)};
+    const Power unit = {weight.factor * prefix.factor, add(weight.exponent, prefix.exponent)};
+    const Term term = {j, 1};
+    if (wanted == Wanted::lower) return {unit.factor * lower_sum(h, term), unit.exponent};
+    if (wanted == Wanted::upper) return {unit.factor * upper_sum(h, term), unit.exponent};
+    const DoubleDouble log_point = log_double_double(h.point);  // the reciprocal may overflow
+    return {0.5 * unit.factor * density_sum(h, term), add(unit.exponent, {-log_point.hi, -log_point.lo})};
 }
 
 // The inversion integral. With W = 1 - 2t the moment generating function times e^(-t x) is e^E(W),
@@ -184,6 +184,26 @@ Contour contour_through(const Halves& h, double centre, Wanted wanted) {
     return {w, std::fabs(offset.hi), offset, 2 * h.mean / w + h.shape};
 }
 
+struct ExponentAndSlope {
+    DoubleDouble exponent;  // E(w)
+    DoubleDouble slope;     // w E'(w), the phase's slope
+};
+
+ExponentAndSlope exponent_and_slope(const Halves& h, const Contour& c) {
+    const DoubleDouble mean_over_w = divide({h.mean, 0}, {c.w, 0});
+    if (c.distance > 0.5) {
+        const DoubleDouble rest = add(two_sum(-h.mean, -h.point), mean_over_w);
+        const DoubleDouble point_w = two_product(h.point, c.w), log_w = log_double_double(c.w);
+        return {add(add(rest, point_w), multiply({-h.shape, 0}, log_w)),
+                add(add(point_w, {-mean_over_w.hi, -mean_over_w.lo}), {-h.shape, 0})};
+    }
+    // E(w) = d (point - mean - shape) + mean d^2/w + shape (d - ln(1 + d)), d = w - 1: free of cancellation.
+    const DoubleDouble excess = add(two_sum(h.point, -h.mean), {-h.shape, 0});
+    const DoubleDouble leaning = add(excess, multiply(c.offset, mean_over_w));
+    return {add(multiply(c.offset, leaning), multiply({h.shape, 0}, deviance_double_double(c.w, 1))),
+            add(leaning, multiply(c.offset, {h.point, 0}))};
+}
+
 /// The normal distribution of the same mean and variance: its skewness is below 1e-14 where it is used.
 Power normal_limit(const Halves& h, Wanted wanted) {
     const double deviation = 2 * std::sqrt(0.5 * h.shape + h.mean);
@@ -195,20 +215,17 @@ Power normal_limit(const Halves& h, Wanted wanted) {
 Power inversion_integral(const Halves& h, double centre, Wanted wanted) {
     const Contour c = contour_through(h, centre, wanted);
     if (c.distance < 2e-15 && c.variance > 1e26) return normal_limit(h, wanted);  // w - 1 has no digits left
-    const DoubleDouble excess = add(two_sum(h.point, -h.mean), {-h.shape, 0});
-    const DoubleDouble mean_over_w = divide({h.mean, 0}, {c.w, 0});
-    const DoubleDouble lean = multiply(c.offset, mean_over_w);
-    // E(w) = d (point - mean - shape) + mean d^2/w + shape (d - ln(1 + d)), d = w - 1: free of cancellation.
-    const DoubleDouble exponent =
-        add(multiply(c.offset, add(excess, lean)), multiply({h.shape, 0}, deviance_double_double(c.w, 1)));
-    // The phase's slope, w E'(w).
-    const DoubleDouble slope = add(add(excess, lean), multiply(c.offset, {h.point, 0}));
-
+    const auto [exponent, slope] = exponent_and_slope(h, c);
     const double deviation = 1 / std::sqrt(c.variance);
     const double pole = c.distance / (c.w * deviation);
-    const double step = std::min(0.6, wanted == Wanted::density ? 0.6 : 0.155 * pole) * deviation;
+    if (exponent.hi < -1e13) {  // the phase has no digits left; they would not show in the logarithm either
+        return {0.5 * c.w * deviation * kInvSqrt2Pi, exponent};
+    }
+    // The rule's error is e^-55 for the smooth part and e^(pole^2/2 - 2 pi pole/step) for the pole.
+    const double smooth = 0.6, clear = 2 * kPi * pole / (40 + 0.5 * pole * pole);
+    const double step = (wanted == Wanted::density ? smooth : std::min(smooth, clear)) * deviation;
     const double side = wanted == Wanted::upper ? 1 : -1;
-    const double index = mean_over_w.hi;
+    const double index = h.mean / c.w;
     const auto integrand = [&](double v) {
         const double v2 = v * v;
         const double size = std::exp(-index * v2 / (1 + v2) - h.shape * half_log1p_square(v2));
@@ -233,12 +250,31 @@ bool is_inside(double nu, double lambda, double x) {
            std::max({nu, lambda, x}) < kLargestArgument;
 }
 
+/// The first term of the mixture that is not zero, for x so small that the others do not count.
+Power near_zero(double shape, double mean, double point, Wanted wanted) {
+    const Power weight = gamma_prefix(0, mean);
+    if (shape == 0 && wanted == Wanted::lower) return weight;
+    if (shape == 0) return {0.5 * mean, weight.exponent};
+    if (point == 0) point = 5e-324;
+    if (wanted == Wanted::lower) {
+        const Power tail = gamma_tail_power(shape, point, false);
+        return {tail.factor, add(weight.exponent, tail.exponent)};
+    }
+    const Power prefix = gamma_prefix(shape, point);
+    const DoubleDouble log_point = log_double_double(point);
+    const DoubleDouble exponent = add(prefix.exponent, {-log_point.hi, -log_point.lo});
+    return {0.5 * shape * prefix.factor, add(weight.exponent, exponent)};
+}
+
 /// A tail is the smaller one or near it.
 Power compute(double nu, double lambda, double x, Wanted wanted) {
+    if (x < kSmallestPoint && wanted != Wanted::upper)
+        return near_zero(0.5 * nu, 0.5 * lambda, 0.5 * x, wanted);
     const Halves h = {0.5 * nu, 0.5 * lambda, 0.5 * x};
     const double centre = central_index(h);
     const double width = std::sqrt(centre * ((h.shape + centre) / (h.shape + 2 * centre)));
-    if (width > kWidestMixture) return inversion_integral(h, centre, wanted);
+    if (width > kWidestMixture && 2 * centre + h.shape > kSmallestVariance)
+        return inversion_integral(h, centre, wanted);
     return mixture(h, centre, wanted);
 }
 
@@ -261,10 +297,14 @@ double tail_at_ends(double nu, double lambda, double x, bool upper) {
 
 double tail(double nu, double lambda, double x, bool upper) {
     if (!is_inside(nu, lambda, x)) return tail_at_ends(nu, lambda, x, upper);
-    const bool smaller_is_upper = x > nu + lambda;
-    const double probability =
-        compute(nu, lambda, x, smaller_is_upper ? Wanted::upper : Wanted::lower).value();
-    return smaller_is_upper == upper ? probability : 1 - probability;
+    const bool first_is_upper = x > nu + lambda;
+    const auto compute_tail = [&](bool of_upper) {
+        return compute(nu, lambda, x, of_upper ? Wanted::upper : Wanted::lower).value();
+    };
+    const double first = compute_tail(first_is_upper);
+    if (first_is_upper == upper) return first;
+    // The median lies far below the mean for few degrees of freedom.
+    return first < 0.6 ? 1 - first : compute_tail(upper);
 }
 
 }  // namespace

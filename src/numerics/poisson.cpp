@@ -40,6 +40,7 @@ double stirling_error(double n) {
 }
 
 double binomial_deviance(double x, double np) {
+    if (std::isnan(x) || std::isnan(np)) return kNaN;
     if (is_infinite(x) || is_infinite(np) || np == 0) return kInfinity;
     if (x == 0) return np;
     if (std::fabs(x - np) < 0.1 * (x + np)) {
@@ -75,6 +76,7 @@ double poisson_density_raw(double x, double lambda, bool log_result) {
 
 double poisson_density_shifted(double x_plus_1, double lambda, bool log_result) {
     constexpr double kCutoff = 3196577161300663808.0;  // beyond it x ln(lambda) is lost beside lambda
+    if (std::isnan(x_plus_1) || std::isnan(lambda)) return kNaN;
     if (is_infinite(lambda)) return zero(log_result);
     if (x_plus_1 > 1) return poisson_density_raw(x_plus_1 - 1, lambda, log_result);
     if (lambda > std::fabs(x_plus_1 - 1) * kCutoff)
