@@ -25,9 +25,10 @@ constexpr double kRowSumTolerance = 1e-5 + 1e-12;
 /// Eigenvalues this close to 1 count as 1 in the long run.
 constexpr double kStayingEigenvalue = 1 - 1e-9;
 
-/// Below this condition of the eigenvectors more than half of the digits of V D V^-1 are lost: the matrix is, to
-/// rounding, one without a basis of eigenvectors.
-constexpr double kUsableCondition = 1e-9;
+/// Below these conditions of the eigenvectors V D V^-1 is not used: where multiplication can take over, as soon as it
+/// is clearly the better; else when more than half of the digits are lost and the matrix is, to rounding, one without
+/// a basis of eigenvectors.
+constexpr double kGoodCondition = 1e-5, kUsableCondition = 1e-9;
 
 using Elements = std::vector<double>;
 
@@ -88,9 +89,10 @@ Elements limit_by_squaring(Elements P, int n) {
 
 /// V D V^-1 with the powers of the eigenvalues, made a matrix of probabilities again. Empty when the eigenvectors
 /// are (nearly) dependent.
-std::optional<Elements> spectral_power(const matrix::EigenDecomposition& eigen, int n, double t) {
+std::optional<Elements> spectral_power(const matrix::EigenDecomposition& eigen, int n, double t,
+                                       double condition) {
     const auto inverted = matrix::inverse(eigen.vectors.data(), n);
-    if (!inverted || inverted->reciprocal_condition < kUsableCondition) return std::nullopt;
+    if (!inverted || !(inverted->reciprocal_condition >= condition)) return std::nullopt;
     Elements powers(n), scaled = eigen.vectors;
     std::transform(eigen.values.begin(), eigen.values.end(), powers.begin(), [t](double value) {
         if (t < DBL_MAX) return std::pow(value, t);
@@ -114,7 +116,7 @@ Message power(Elements P, int n, double t, double* out) {
     }
     std::optional<Elements> result;
     if (matrix::smallest(eigen->values) >= 0) {
-        result = spectral_power(*eigen, n, t);
+        result = spectral_power(*eigen, n, t, whole || forever ? kGoodCondition : kUsableCondition);
         if (!result && forever) result = limit_by_squaring(P, n);
     } else if (!whole) {
         return "Error: Matrix must be positive semi-definite";
