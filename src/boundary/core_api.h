@@ -376,6 +376,26 @@ PRAL_FAMILY(LognormalE, continuous, (double mu, double sigma),
 PRAL_FAMILY(Cauchy, continuous, (double a, double b),
     "location a, scale b >= 0, 0 being a point mass at a; support all reals; F = 1/2 + atan((x - a)/b)/pi")
 
+PRAL_FAMILY(ExtValueMax, continuous, (double a, double b),
+    "location a, scale b >= 0, 0 being a point mass at a; support all reals; F = exp(-exp(-(x - a)/b))")
+
+PRAL_FAMILY(ExtValueMin, continuous, (double a, double b),
+    "location a, scale b >= 0, 0 being a point mass at a; support all reals; F = 1 - exp(-exp((x - a)/b))")
+
+PRAL_FAMILY(Weibull, continuous, (double alpha, double beta),
+    "shape alpha > 0, scale beta >= 0, 0 being a point mass at 0; support [0, inf); F = 1 - exp(-(x/beta)^alpha)")
+
+PRAL_FAMILY(Weibull3, continuous, (double Alpha, double Beta, double Theta),
+    "Theta >= 0; Theta + Weibull(Alpha, Beta), Beta = 0 being a point mass at Theta; support [Theta, inf)")
+
+PRAL_FAMILY(WeibullAlt, continuous,
+    (double value1, double probability1, double value2, double probability2, double minimum),
+    "two different points (value, probability) in the same order, minimum < value, 0 < probability < 1; support "
+    "[minimum, inf); minimum + the Weibull whose cumulative passes through both points")
+
+PRAL_FAMILY(Rayleigh, continuous, (double b),
+    "scale b >= 0, 0 being a point mass at 0; support [0, inf); F = 1 - exp(-x^2/(2 b^2))")
+
 /* Families given by tables, each a pointer and its count; "Error: <table> must not be null", "... must not be empty".
  * Tables are never changed, and need not be sorted where the order is not asked for. */
 

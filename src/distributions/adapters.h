@@ -34,6 +34,8 @@ struct LocationScale {
     double quantile(double p) const { return location + scale * standard.quantile(p); }
     double quantile_upper(double q) const { return location + scale * pral::quantile_upper(standard, q); }
     double log_cumulative(double x) const { return pral::log_cumulative(standard, standardised(x)); }
+    double lower_rate() const requires requires(const Standard& z) { z.lower_rate(); }
+    { return standard.lower_rate() / scale; }
 
     double standardised(double x) const { return (x - location) / scale; }
 
@@ -42,7 +44,8 @@ struct LocationScale {
 };
 
 /// X = center e^(spread Z), spread >= 0; 0 leaves the center. ln(x/center) keeps the digits that ln x - ln center loses.
-/// `log_center` may be beyond the range of e^.
+/// `log_center` may be beyond the range of e^. A standard distribution whose lower tail falls as e^(k z) has k as its
+/// lower_rate(): then the density of X at 0 may be other than 0.
 template <class Standard>
 struct LogLocationScale {
     double log_center, spread;
@@ -58,30 +61,43 @@ struct LogLocationScale {
           usable_(center > 1e-290 && center < 1e290),
           log_spread_(std::log(spread_)) {}
 
-    Support support() const { return kPositiveReals; }
+    Support support() const {
+        const auto [lower, upper] = standard.support();
+        return {lower == -numerics::kInfinity ? 0 : value(lower),
+                upper == numerics::kInfinity ? upper : value(upper)};
+    }
     std::optional<double> point_mass() const { return spread == 0 ? std::optional(center_) : std::nullopt; }
 
     double cumulative(double x) const { return standard.cumulative(standardised(x)); }
     double survival(double x) const { return standard.survival(standardised(x)); }
     double log_cumulative(double x) const { return pral::log_cumulative(standard, standardised(x)); }
     double log_density(double x) const {
-        if (x == 0) return -HUGE_VAL;
-        return standard.log_density(standardised(x)) - log_spread_ - std::log(x);
+        if (x == 0) return log_density_at_zero();
+        const double y = log_to_center(x);
+        const double log_x = usable_ ? y + log_center : std::log(x);
+        return standard.log_density(y / spread) - log_spread_ - log_x;
     }
     double quantile(double p) const { return value(standard.quantile(p)); }
     double quantile_upper(double q) const { return value(pral::quantile_upper(standard, q)); }
 
-    double standardised(double x) const {
-        if (!usable_) return (std::log(x) - log_center) / spread;
-        const double near = (x - center_) / center_;
-        return (std::fabs(near) < 0.5 ? numerics::log1p_fn(near) : std::log(x / center_)) / spread;
-    }
+    double standardised(double x) const { return log_to_center(x) / spread; }
 
   private:
     double value(double z) const {
         const double exponent = spread * z;
         return usable_ && std::fabs(exponent) < 700 ? center_ * std::exp(exponent)
                                                     : std::exp(log_center + exponent);
+    }
+
+    double log_to_center(double x) const {
+        return usable_ ? numerics::log_ratio(x, center_) : std::log(x) - log_center;
+    }
+    double log_density_at_zero() const {
+        if constexpr (requires { standard.lower_rate(); }) {
+            const double power = standard.lower_rate() / spread;  // F(x) falls as x to this power
+            if (power <= 1) return power < 1 ? HUGE_VAL : log_density(DBL_MIN);
+        }
+        return -HUGE_VAL;
     }
 
     double center_;
@@ -104,6 +120,14 @@ struct Transformed {
         return requires { Map::kDecreasing; };
     }
 
+    Support support() const {
+        const auto end = [&](double y) {
+            return numerics::finite_or_limit(
+                map.forward(std::fabs(y) == numerics::kInfinity ? std::copysign(HUGE_VAL, y) : y));
+        };
+        const auto [lower, upper] = base.support();
+        return decreasing() ? Support{end(upper), end(lower)} : Support{end(lower), end(upper)};
+    }
     std::optional<double> point_mass() const {
         const auto y = base.point_mass();
         return y ? std::optional(map.forward(*y)) : std::nullopt;
@@ -123,9 +147,32 @@ struct Transformed {
     double quantile_upper(double q) const {
         return map.forward(decreasing() ? base.quantile(q) : pral::quantile_upper(base, q));
     }
-    double log_cumulative(double x) const requires(!requires { Map::kDecreasing; }) {
-        return pral::log_cumulative(base, map.inverse(x));
+    double log_cumulative(double x) const {
+        const double y = map.inverse(x);
+        return decreasing() ? pral::log_survival(base, y) : pral::log_cumulative(base, y);
     }
+};
+
+/// Map: X = -Y.
+struct Negation {
+    static constexpr bool kDecreasing = true;
+    double forward(double y) const { return -y; }
+    double inverse(double x) const { return -x; }
+    double log_slope(double) const { return 0; }
+};
+
+/// Map: X = origin + Y.
+struct Shift {
+    double origin;
+    double forward(double y) const { return origin + y; }
+    double inverse(double x) const { return x - origin; }
+    double log_slope(double) const { return 0; }
+};
+
+/// X = origin + Y.
+template <class Base>
+struct Shifted : Transformed<Base, Shift> {
+    Shifted(double origin, Base base) : Transformed<Base, Shift>{base, {origin}} {}
 };
 
 }  // namespace pral

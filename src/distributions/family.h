@@ -49,6 +49,7 @@ concept Distribution = requires(const D& d, double x) {
 ///   quantile_upper(q)       the inverse of the survival, without forming 1 - q
 ///   quantiles(span)         quantile() of each element, in place
 ///   log_cumulative(x)       ln F(x), where F itself loses digits or underflows
+///   log_survival(x)         ln(1 - F(x)), likewise
 ///   log_likelihood(values)  the sum of the log densities, where it is cheaper than its terms
 ///   random(u, stream)       a generator of its own for bare calls; u is a uniform already drawn
 ///   check_probability()     the objection in the probability members, where it differs from check()
@@ -112,6 +113,17 @@ double log_cumulative(const D& d, double x) {
     } else {
         const double upper = d.survival(x);
         return upper < 0.5 ? numerics::log1p_fn(-upper) : std::log(d.cumulative(x));
+    }
+}
+
+/// ln(1 - F(x)) inside the support.
+template <Distribution D>
+double log_survival(const D& d, double x) {
+    if constexpr (requires { d.log_survival(x); }) {
+        return d.log_survival(x);
+    } else {
+        const double lower = d.cumulative(x);
+        return lower < 0.5 ? numerics::log1p_fn(-lower) : std::log(d.survival(x));
     }
 }
 

@@ -137,6 +137,15 @@ double log_continued_fraction(double x, double i, double d, double eps) {
     return numerator2 / denominator2;
 }
 
+double log_ratio(double x, double y) {
+    const double near = (x - y) / y;
+    if (std::fabs(near) < 0.5) return log1p_fn(near);
+    const double ratio = x / y;
+    return ratio > DBL_MIN && ratio < DBL_MAX ? std::log(ratio) : std::log(x) - std::log(y);
+}
+
+double log1m_exp(double t) { return t < kLn2 ? std::log(-expm1_fn(-t)) : log1p_fn(-std::exp(-t)); }
+
 double log1p_minus_x(double x) {
     if (!(-0.79149064 <= x && x <= 1)) return log1p_fn(x) - x;
     const double r = x / (2 + x);

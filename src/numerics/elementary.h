@@ -15,6 +15,12 @@ double expm1_fn(double x);
 /// ln(1 + x) - x without cancellation, for x > -1.
 double log1p_minus_x(double x);
 
+/// ln(x/y) for x >= 0, y > 0, also where x/y is so close to 1 or so far from it that the quotient loses the digits.
+double log_ratio(double x, double y);
+
+/// ln(1 - e^-t) for t >= 0, with its digits at both ends; -inf for t = 0.
+double log1m_exp(double t);
+
 /// The sum over k >= 0 of x^k / (i + k d), by its continued fraction, to the relative tolerance `eps`; x < 1,
 /// i >= 0, d >= 0.
 double log_continued_fraction(double x, double i, double d, double eps);

@@ -16,3 +16,11 @@ def phi(z):
     if abs(z) > 10**6:  # beyond every double, and beyond mpmath's erfc
         return m.mpf(z > 0)
     return m.erfc(-z / m.sqrt(2)) / 2
+
+
+def exp(x):
+    return m.exp(max(min(x, 10**7), -10**7))  # beyond every double, and before mpmath's exponents fill the memory
+
+
+def expm1(x):
+    return m.expm1(max(min(x, 10**7), -10**7))

@@ -1,0 +1,6 @@
+#include "distributions/continuous/extreme_value.h"
+
+#include "distributions/exports.h"
+
+PRAL_EXPORT_FAMILY(ExtValueMax, (double a, double b), (a, b));
+PRAL_EXPORT_FAMILY(ExtValueMin, (double a, double b), (a, b));
