@@ -17,6 +17,11 @@ constexpr Message kOverflow = "Error: the recursion leaves the range of numbers"
 constexpr std::size_t kMostAmounts = std::size_t{1} << 24;
 constexpr double kMostWork = 2e10;
 
+/// Numbers on their way to underflow count as 0: they have lost digits and are slow. A power of a ratio that small could
+/// only matter to probabilities that are as small.
+constexpr double kSmallest = 1e-300;
+double flushed(double value) { return std::fabs(value) < kSmallest ? 0 : value; }
+
 /// In eight interleaved parts: the additions do not wait for one another, and their order is the same everywhere.
 double scalar_product(std::span<const double> a, std::span<const double> b) {
     constexpr std::size_t kParts = 8;
@@ -131,8 +136,8 @@ class Coefficients {
 
     /// The sum over t of H(t) g(s - t), `g` ending before g(s).
     double step(std::span<const double> g) {
+        while (reversed_.size() < terms(g.size())) grow();
         const std::size_t count = terms(g.size());
-        while (reversed_.size() < count) grow();
         return scalar_product(std::span(reversed_).last(count), g.last(count));
     }
 
@@ -144,13 +149,18 @@ class Coefficients {
         std::vector<double> powers(ratios_.size(), -1.0);
         for (std::size_t k = 1; k <= std::min(order_, size); ++k) {
             bool any = false;
-            for (std::size_t i = 0; i < powers.size(); ++i) any |= (powers[i] *= ratios_[i]) != 0;
-            if (!any) break;
+            for (std::size_t i = 0; i < powers.size(); ++i)
+                any |= (powers[i] = flushed(powers[i] * ratios_[i])) != 0;
+            if (!any) {
+                last_ = std::min(last_, std::max((k - 1) * risk_.amounts, known));
+                break;
+            }
             for (std::size_t j = known / k + 1; j <= std::min(risk_.amounts, size / k); ++j) {
                 added[j * k - known - 1] +=
                     static_cast<double>(j) * scalar_product(risk_.of_amount(j), powers);
             }
         }
+        added.resize(std::min(size, last_) - known);
         std::ranges::reverse(added);
         added.insert(added.end(), reversed_.begin(), reversed_.end());
         reversed_ = std::move(added);
@@ -173,15 +183,18 @@ double log_amplification(const Risk& risk) {
     return sum;
 }
 
-/// g(0), or 1 where it is so small that the table would underflow: only proportions matter.
-double first_probability(const Risk& risk) {
-    double product = 1;
-    for (std::size_t i = 0; i < risk.q.size(); ++i) {
-        double count = 0;
-        for (std::size_t j = 1; j <= risk.amounts; ++j) count += risk.of_amount(j)[i];
-        product *= std::pow(1 - risk.q[i], count);
+/// The recursion starts from a large number with the sign of g(0), since only proportions matter: neither do portfolios
+/// whose g(0) underflows lose their table, nor do products of small numbers, which take their time, occur all along.
+constexpr double kStart = 0x1p600, kTooHigh = 0x1p900, kLowered = 0x1p-300;
+
+double sign_of_first(const Risk& risk) {
+    bool negative = false;
+    for (std::size_t j = 1; j <= risk.amounts; ++j) {
+        const auto counts = risk.of_amount(j);
+        for (std::size_t i = 0; i < counts.size(); ++i)
+            negative ^= risk.q[i] > 1 && std::fmod(counts[i], 2) != 0;
     }
-    return std::fabs(product) >= 1e-200 ? product : 1;
+    return negative ? -1 : 1;
 }
 
 void recursion(const Risk& risk, std::size_t order, AggregateClaims& claims) {
@@ -195,20 +208,21 @@ void recursion(const Risk& risk, std::size_t order, AggregateClaims& claims) {
     }
     const Attainable attainable = exact ? Attainable(risk) : Attainable({{}, {}, 0});
     auto& g = claims.probabilities;
-    g = {first_probability(risk)};
+    g = {kStart * sign_of_first(risk)};
     double largest = std::fabs(g[0]), work = 0;
     for (std::size_t s = 1;; ++s) {
         const bool possible = !exact || (static_cast<double>(s) <= risk.total && attainable(s));
         double next = possible ? coefficients.step(g) / static_cast<double>(s) : 0;
         if (!(std::fabs(next) <= 1e300)) break;
-        if (next < 0 && next > -1e-10 * largest) next = 0;
+        const bool negligible = std::fabs(next) < kSmallest * largest;
+        if (negligible || (next < 0 && next > -1e-10 * largest)) next = 0;
         const bool last = next <= 0 && static_cast<double>(s) > risk.mean;
         g.push_back(last ? 0 : next);
         if (last) return;
         largest = std::max(largest, std::fabs(next));
-        if (largest > 0x1p900) {
-            for (double& probability : g) probability *= 0x1p-900;
-            largest *= 0x1p-900;
+        if (largest > kTooHigh) {
+            for (double& probability : g) probability = flushed(probability * kLowered);
+            largest *= kLowered;
         }
         work += static_cast<double>(coefficients.terms(s));
         if (s >= kMostAmounts || work > kMostWork) {
@@ -227,7 +241,7 @@ struct Masses {
 
 /// Takes off what is on its way to underflow, and slow.
 void trim(Masses& masses) {
-    const auto counts = [](double mass) { return mass > 1e-290; };
+    const auto counts = [](double mass) { return mass > kSmallest; };
     auto& p = masses.p;
     const auto begin = std::ranges::find_if(p, counts);
     masses.first += static_cast<std::size_t>(begin - p.begin());
@@ -239,9 +253,9 @@ void trim(Masses& masses) {
 Masses binomial(double n, double q) {
     const double ratio = q / (1 - q), mode = std::min(std::floor((n + 1) * q), n);
     std::vector<double> below, above = {1};
-    for (double k = mode; k > 0 && (below.empty() || below.back() > 1e-290); --k)
+    for (double k = mode; k > 0 && (below.empty() || below.back() > kSmallest); --k)
         below.push_back((below.empty() ? 1 : below.back()) * k / ((n - k + 1) * ratio));
-    for (double k = mode; k < n && above.back() > 1e-290; ++k)
+    for (double k = mode; k < n && above.back() > kSmallest; ++k)
         above.push_back(above.back() * (n - k) * ratio / (k + 1));
     Masses masses{static_cast<std::size_t>(mode) - below.size(), {below.rbegin(), below.rend()}};
     masses.p.insert(masses.p.end(), above.begin(), above.end());
@@ -261,8 +275,13 @@ double size_of_sum(const Masses& a, const Masses& b, std::size_t amount) {
 Masses sum_of(const Masses& a, const Masses& b, std::size_t amount) {
     Masses sum{a.first + amount * b.first, std::vector<double>(a.p.size() + amount * (b.p.size() - 1))};
     for (std::size_t k = 0; k < b.p.size(); ++k) {
+        // Products below what counts in the end are left out: they are many, and underflow takes its time.
+        const double least = 1e-3 * kSmallest / b.p[k];
+        std::size_t begin = 0, end = a.p.size();
+        while (begin < end && a.p[begin] < least) ++begin;
+        while (begin < end && a.p[end - 1] < least) --end;
         double* const target = sum.p.data() + k * amount;
-        for (std::size_t s = 0; s < a.p.size(); ++s) target[s] += b.p[k] * a.p[s];
+        for (std::size_t s = begin; s < end; ++s) target[s] += b.p[k] * a.p[s];
     }
     trim(sum);
     return sum;
