@@ -90,7 +90,7 @@ Tail upper_for_tiny_shape(double a, double x) {
         term *= -x / n;
         const double next = term / (a + n);
         sum += next;
-        if (std::fabs(next) < 0x1p-56 * std::fabs(sum)) break;
+        if (std::fabs(next) <= 0x1p-56 * std::fabs(sum)) break;
     }
     const double upper = -(e + (1 + e) * a * sum);
     return {true, {upper, {0, 0}}, a * (1 + e) * std::exp(-x) / upper};
@@ -269,8 +269,9 @@ double inverse_of_tail(double a, double t, bool upper) {
         if (x >= kInfinity) return kInfinity;
         const Step step = step_to_root(log_tail_at(a, x, upper, log_t));
         if (std::isnan(step.change)) return x;
+        const double previous = x;
         x += x * expm1_fn(std::clamp(step.change, -700.0, 50.0));
-        if (step.error < 0x1p-54) break;
+        if (step.error < 0x1p-54 || x == previous) break;
     }
     return x;
 }

@@ -221,9 +221,11 @@ Power inversion_integral(const Halves& h, double centre, Wanted wanted) {
     if (exponent.hi < -1e13) {  // the phase has no digits left; they would not show in the logarithm either
         return {0.5 * c.w * deviation * kInvSqrt2Pi, exponent};
     }
-    // The rule's error is e^-55 for the smooth part and e^(pole^2/2 - 2 pi pole/step) for the pole.
-    const double smooth = 0.6, clear = 2 * kPi * pole / (40 + 0.5 * pole * pole);
-    const double step = (wanted == Wanted::density ? smooth : std::min(smooth, clear)) * deviation;
+    // The rule's error is e^-55 for the smooth part and, within its reach, e^(pole^2/2 - 2 pi pole/step) for the pole.
+    const double smooth = 0.6;
+    const bool clear = wanted == Wanted::density || pole > 8;
+    const double step =
+        (clear ? smooth : std::min(smooth, 2 * kPi * pole / (40 + 0.5 * pole * pole))) * deviation;
     const double side = wanted == Wanted::upper ? 1 : -1;
     const double index = h.mean / c.w;
     const auto integrand = [&](double v) {
@@ -235,7 +237,7 @@ Power inversion_integral(const Halves& h, double centre, Wanted wanted) {
         return size * (c.distance * std::cos(phase) - side * b * std::sin(phase)) /
                (c.distance * c.distance + b * b);
     };
-    constexpr int kMaxPoints = 2000;
+    constexpr int kMaxPoints = 200;
     double sum = 0.5 * integrand(0);
     for (int k = 1; k <= kMaxPoints; ++k) {
         const double v = k * step;
