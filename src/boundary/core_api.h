@@ -434,6 +434,14 @@ PRAL_FAMILY(OgiveU, data, (double min, double max, const double* data, int n),
     "Ogive with n sorted uniforms in place of the i/(n + 1), drawn from the stream in each call that finds the table "
     "in order, before the percentile is drawn; bounds, values and probabilities of a call share them")
 
+PRAL_FAMILY(Poisson, discrete, (double lambda),
+    "rate lambda >= 0, 0 being a point mass at 0; support 0, 1, ...; f(x) = exp(-lambda) lambda^x/x!; "
+    "with lambda > 5000 samples are those of a normal square root")
+
+PRAL_FAMILY(Binomial, discrete, (double n, double p),
+    "trials n >= 0, an integer; probability p in [0,1]; support 0, ..., n; f(x) = C(n, x) p^x (1-p)^(n-x); "
+    "with n p (1-p) > 100,000 samples are those of a rounded normal")
+
 /* clang-format on */
 
 #undef PRAL_FAMILY

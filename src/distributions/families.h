@@ -13,3 +13,5 @@
 #include "distributions/data/density.h"
 #include "distributions/data/discrete_table.h"
 #include "distributions/data/step_uniform.h"
+#include "distributions/discrete/binomial.h"
+#include "distributions/discrete/poisson.h"

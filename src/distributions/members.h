@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <span>
+#include <vector>
 
 #include "boundary/call.h"
 #include "distributions/family.h"
@@ -21,18 +22,37 @@ inline double shifted(double value, const double* shift) {
 
 inline bool percentile_given(const double* U) { return U != nullptr && *U != -1.0; }
 
-/// The value at percentile u, ends included; `bare` calls may use a generator of the family's own.
+/// Whether the family rounds its values to integers only after the shift.
 template <Family D>
-double value_at(double u, const Truncated<D>& kept, bool bare) {
+bool rounds_after_shift(const D& d) {
+    if constexpr (requires { d.rounds_after_shift(); })
+        return d.rounds_after_shift();
+    else
+        return false;
+}
+
+/// The shifted and then rounded value at percentile 0 < u < 1 of such a family.
+template <Family D>
+double rounded_value(double u, const Truncated<D>& kept, double shift) {
+    if constexpr (requires { kept.base().quantile_unrounded(u); })
+        return std::trunc(kept.limited(kept.base().quantile_unrounded(kept.percentile(u))) + shift);
+    else
+        return kept.quantile(u) + shift;
+}
+
+/// The shifted value at percentile u, ends included; `bare` calls may use a generator of the family's own.
+template <Family D>
+double value_at(double u, const Truncated<D>& kept, const double* shift, bool bare) {
     const D& d = kept.base();
     const bool at_an_end = u == 0 || u == 1;
     if (const auto point = d.point_mass(); point && !(at_an_end && requires { D::kEndsFirst; }))
-        return *point;
-    if (at_an_end) return u == 0 ? kept.lower() : kept.upper();
+        return shifted(*point, shift);
+    if (at_an_end) return shifted(u == 0 ? kept.lower() : kept.upper(), shift);
     if constexpr (requires { d.random(u, random_stream()); }) {
-        if (bare) return d.random(u, random_stream());
+        if (bare) return shifted(d.random(u, random_stream()), shift);
     }
-    return kept.quantile(u);
+    if (rounds_after_shift(d) && shift != nullptr) return rounded_value(u, kept, *shift);
+    return shifted(kept.quantile(u), shift);
 }
 
 /// PralX_Core: checks bounds, then the percentile (drawn when not given), then the parameters.
@@ -44,17 +64,8 @@ bool value_member(double* out, const D& d, const Modifiers& given) {
     const double u = percentile_given(given.U) ? *given.U : random_stream().uniform();
     if (!(u >= 0 && u <= 1)) return fail(kPercentileMessage);
     if (objection != nullptr) return fail(objection);
-    *out = shifted(value_at(u, kept, given.U == nullptr && !kept.bounded()), given.shift);
+    *out = value_at(u, kept, given.shift, given.U == nullptr && !kept.bounded());
     return true;
-}
-
-/// Turns uniforms into values, in place.
-template <Family D>
-void invert(std::span<double> u, const Truncated<D>& kept) {
-    if constexpr (requires { kept.base().quantiles(u); }) {
-        if (!kept.bounded()) return kept.base().quantiles(u);
-    }
-    for (double& value : u) value = kept.quantile(value);
 }
 
 /// PralXArray_Core: one inverted draw an element, never a special generator; a given percentile fills the
@@ -70,11 +81,15 @@ bool array_member(std::span<double> out, const D& d, const Modifiers& given) {
 
     if (same || d.point_mass()) {
         const double u = same ? *given.U : 0.5;  // any percentile gives a point mass
-        std::ranges::fill(out, shifted(value_at(u, kept, false), given.shift));
+        std::ranges::fill(out, value_at(u, kept, given.shift, false));
         return true;
     }
     random_stream().fill(out);
-    invert(out, kept);
+    if (rounds_after_shift(d) && given.shift != nullptr) {
+        for (double& value : out) value = rounded_value(value, kept, *given.shift);
+        return true;
+    }
+    kept.quantiles(out);
     for (double& value : out) value = shifted(value, given.shift);
     return true;
 }
@@ -123,31 +138,52 @@ double joint_cumulative(std::span<const double> x, double smallest, const Trunca
     return joint;
 }
 
+/// The values as a family on the integers counts them: within 1e-8 of an integer that integer; otherwise, for a cumulative
+/// probability, the integer next towards zero. A density asks for integers: the others stay and have none.
+inline std::vector<double> counted_values(std::span<const double> values, bool density) {
+    std::vector<double> counted(values.begin(), values.end());
+    for (double& value : counted) {
+        const double nearest = std::round(value);
+        if (std::fabs(value - nearest) < 1e-8)
+            value = nearest;
+        else if (!density)
+            value = std::trunc(value);
+    }
+    return counted;
+}
+
 /// PralXProb_Core and, on the logarithmic scale, PralXProb10_Core. The shift is taken off the caller's x
 /// before all checks.
 template <Family D>
 bool probability_member(double* out, double* x, int count, const D& d, const int* cumulative,
                         const Modifiers& given, Scale scale) {
     if (x == nullptr && count > 0) return fail(kNullValuesMessage);
-    const std::span<double> values(x, static_cast<std::size_t>(std::max(count, 0)));
+    const auto size = static_cast<std::size_t>(std::max(count, 0));
     if (given.shift != nullptr) {
-        for (double& value : values) value -= *given.shift;
+        for (std::size_t i = 0; i < size; ++i) x[i] -= *given.shift;
     }
+    std::span<const double> values(x, size);
     const Message objection = check_probability(d);
     const Truncated<D> kept(d, objection == nullptr, given);
     if (!kept.check()) return false;
     if (objection != nullptr) return fail(objection);
 
+    const bool density = cumulative == nullptr || *cumulative == 0 || *cumulative == -1;
+    std::vector<double> whole;
+    if constexpr (requires { D::kIntegers; }) {
+        whole = counted_values(values, density);
+        values = whole;
+    }
     double smallest = HUGE_VAL, largest = -HUGE_VAL;
-    bool all_numbers = true;
+    bool all_numbers = true, all_countable = true;
     for (const double value : values) {
         smallest = std::min(smallest, value);
         largest = std::max(largest, value);
         all_numbers &= value == value;
+        if constexpr (requires { D::kIntegers; }) all_countable &= value == std::trunc(value);
     }
-    const bool density = cumulative == nullptr || *cumulative == 0 || *cumulative == -1;
     double joint = numerics::kNaN;
-    if (smallest < kept.lower() || smallest == -numerics::kInfinity)
+    if (smallest < kept.lower() || smallest == -numerics::kInfinity || (all_numbers && !all_countable))
         joint = impossible(scale);
     else if (all_numbers)
         joint = density ? joint_density<D>(values, smallest, largest, kept, scale)

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 #include "distributions/family.h"
 
@@ -43,10 +44,7 @@ class Truncated {
         max_ = complete(given.max, given.max_is_percentile(), valid);
         lower_ = std::min(std::max(min_.x, lower_), max_.x);
         upper_ = std::min(upper_, max_.x);
-        // Both ends above the median: their percentiles are close to 1 and differ by few digits, their tails
-        // do not.
-        mass_ = min_.tails.lower > 0.5 ? min_.tails.upper - max_.tails.upper
-                                       : max_.tails.lower - min_.tails.lower;
+        mass_ = above_median() ? min_.tails.upper - max_.tails.upper : max_.tails.lower - min_.tails.lower;
     }
 
     /// Reports bounds that contradict each other or percentiles outside [0,1].
@@ -72,23 +70,40 @@ class Truncated {
     /// The percentile of the untruncated distribution at the upper bound.
     double max_percentile() const { return max_.tails.lower; }
 
-    /// The quantile of what is kept, 0 < u < 1: that of the whole at minP + u (maxP - minP), taken from the
-    /// smaller tail.
+    /// The percentile of the whole that stands at percentile u of what is kept.
+    double percentile(double u) const { return bounded_ ? min_.tails.lower + u * mass_ : u; }
+
+    /// The quantile of what is kept, 0 < u < 1: that of the whole at percentile(u), taken from the smaller tail.
     double quantile(double u) const {
         if (!bounded_) return base_.quantile(u);
-        const double p = min_.tails.lower + u * mass_;
-        const bool from_below = p <= 0.5 || requires { D::kDiscrete; };
-        const double x = from_below ? pral::quantile(base_, p)
-                                    : pral::quantile_upper(base_, max_.tails.upper + (1 - u) * mass_);
-        return overlaps_support() ? std::clamp(x, lower_, upper_) : x;
+        const double p = percentile(u);
+        const bool from_below = p <= 0.5 || (requires { D::kDiscrete; } && !above_median());
+        return limited(from_below ? pral::quantile(base_, p)
+                                  : pral::quantile_upper(base_, max_.tails.upper + (1 - u) * mass_));
     }
+
+    /// quantile() of each element, in place.
+    void quantiles(std::span<double> u) const {
+        if constexpr (requires { base_.quantiles(u); }) {
+            if (!bounded_) return base_.quantiles(u);
+            if (requires { D::kDiscrete; } && !above_median()) {
+                for (double& value : u) value = percentile(value);
+                base_.quantiles(u);
+                for (double& value : u) value = limited(value);
+                return;
+            }
+        }
+        for (double& value : u) value = quantile(value);
+    }
+
+    /// x, moved to the nearer bound if rounding has led it outside.
+    double limited(double x) const { return overlaps_support() ? std::clamp(x, lower_, upper_) : x; }
 
     /// The probability at or below an x in [lower, upper) of what is kept.
     double cumulative(double x) const {
         if (!bounded_) return base_.cumulative(x);
         const Tails at = pral::tails(base_, x);
-        const double below =
-            min_.tails.lower > 0.5 ? min_.tails.upper - at.upper : at.lower - min_.tails.lower;
+        const double below = above_median() ? min_.tails.upper - at.upper : at.lower - min_.tails.lower;
         return std::clamp(below / mass_, 0.0, 1.0);
     }
 
@@ -106,6 +121,9 @@ class Truncated {
         const auto point = base_.point_mass();
         return {point ? *point : pral::quantile(base_, number), tails};
     }
+
+    /// Both ends above the median: their percentiles are close to 1 and differ by few digits, their tails do not.
+    bool above_median() const { return min_.tails.lower > 0.5; }
 
     /// Bounds beyond the support leave its end, which must not be moved to them.
     bool overlaps_support() const {

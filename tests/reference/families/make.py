@@ -39,6 +39,8 @@ def search(below, support):
 
 
 def points(family):
+    if hasattr(family, "points"):
+        return family.points()
     found = [search(lambda x: family.cdf(x) < p, family.support) for p in TAILS]
     found += [search(lambda x: family.sf(x) > q, family.support) for q in TAILS]
     lower, upper = family.support

@@ -1,0 +1,48 @@
+// The binomial distribution.
+#pragma once
+
+#include "distributions/discrete/discrete.h"
+#include "numerics/beta_quantile.h"
+#include "numerics/beta_ratio.h"
+#include "numerics/normal.h"
+
+namespace pral {
+
+/// Trials n >= 0, an integer, probability 0 <= p <= 1. F(k) = 1 - I_p(k + 1, n - k), DLMF 8.17.5. n = 0, p = 0 and p = 1
+/// are point masses at n p.
+struct Binomial : OnIntegers<Binomial> {
+    double n, p;
+
+    Binomial(double n_, double p_) : n(n_), p(p_) {}
+    Message check() const {
+        if (!(n >= 0)) return "Error: n must be >= 0";
+        if (!(p >= 0 && p <= 1)) return "Error: p must be between [0,1]";
+        if (n != std::floor(n)) return "Error: n must be an integer";
+        return nullptr;
+    }
+    Support support() const { return {0, n}; }
+    std::optional<double> point_mass() const {
+        return n == 0 || p == 0 || p == 1 ? std::optional(n * p) : std::nullopt;
+    }
+
+    double cumulative(double k) const { return numerics::beta_upper(k + 1, n - k, p, 1 - p); }
+    double survival(double k) const { return numerics::beta_lower(k + 1, n - k, p, 1 - p); }
+    /// The beta density with both shapes raised by one, divided by n + 1: no difference of large log-gammas.
+    double log_density(double k) const {
+        return numerics::log_beta_density(k + 1, n - k + 1, p, 1 - p) - numerics::log1p_fn(n);
+    }
+    double mass_ratio(double k) const { return (n - k) / (k + 1) * (p / (1 - p)); }
+
+    /// With a variance above 100,000 the value is taken as normal.
+    bool nearly_normal() const { return n * p * (1 - p) > 100000; }
+    double start(double u) const {
+        return std::floor(n * numerics::beta_lower_inverse(n * p, (n + 2) * (1 - p), u).x);
+    }
+    double quantile(double u) const {
+        if (!nearly_normal()) return OnIntegers::quantile(u);
+        const double z = n * p + std::sqrt(n * p * (1 - p)) * numerics::normal_quantile(u);
+        return std::floor(z + 0.5);
+    }
+};
+
+}  // namespace pral

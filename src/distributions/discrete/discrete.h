@@ -1,0 +1,213 @@
+// What the families on the integers share: how values next to integers count, and how a percentile becomes an integer.
+#pragma once
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "distributions/family.h"
+
+namespace pral {
+
+/// An inversion's answer to a percentile that equals F(k) exactly: the walk upwards goes on to k + 1, or stops at k.
+enum class Tie { next, stay };
+
+/// The walk from a percentile to an integer, for a family on consecutive integers that has, beyond the members of every
+/// family,
+///
+///   start(p)        where the walk begins
+///   mass_ratio(k)   f(k + 1)/f(k)
+///   kTie            what an exact hit on the way up means
+///
+/// Walking upwards from a start below, the result is the first k with F(k) > p (Tie::next) or F(k) >= p (Tie::stay);
+/// from a start at or above it is the first k with F(k) >= p. Tails are compared, not percentiles, above the median.
+template <class D>
+class InversionWalk {
+  public:
+    InversionWalk(const D& d, double p, double q, bool by_lower_tail)
+        : d_(d), bottom_(d.support().lower), top_(d.support().upper), p_(p), q_(q), lower_(by_lower_tail) {}
+    InversionWalk(const D& d, double p) : InversionWalk(d, p, 1 - p, p <= 0.5) {}
+
+    double operator()() const {
+        const double start = std::clamp(d_.start(std::min(p_, 1 - 0x1p-53)), bottom_, top_);
+        const double tail = tail_at(start);
+        return falls_short(tail) ? upwards(start, tail) : downwards(start, tail);
+    }
+
+  private:
+    /// The tail that is compared: F(k) below the median, 1 - F(k) above.
+    double tail_at(double k) const { return lower_ ? d_.cumulative(k) : d_.survival(k); }
+    bool falls_short(double tail) const { return lower_ ? tail < p_ : tail > q_; }
+    bool short_at(double k) const { return falls_short(tail_at(k)); }
+    /// So near that the rounding of the recurrence may have decided.
+    bool doubtful(double tail) const {
+        const double target = lower_ ? p_ : q_;
+        return std::fabs(tail - target) < 1e-11 * target;
+    }
+
+    /// From k, which falls short, up to the first that does not.
+    double upwards(double k, double tail) const {
+        double mass = std::exp(d_.log_density(k)), anchor = tail;
+        bool doubt = doubtful(tail);
+        for (int step = 0; step < kWalk; ++step) {
+            if (k >= top_) return top_;
+            mass *= d_.mass_ratio(k);
+            k += 1;
+            tail += lower_ ? mass : -mass;
+            if (!lower_ && tail < anchor * kFreshen) anchor = tail = tail_at(k);
+            doubt = doubt || doubtful(tail);
+            if (!falls_short(tail)) return doubt ? settled(k, true) : k;
+        }
+        return settled(first_reached(k, gallop(k, 1)), true);
+    }
+
+    /// From k, which does not fall short, down to the last that does not.
+    double downwards(double k, double tail) const {
+        double mass = std::exp(d_.log_density(k)), anchor = tail;
+        for (int step = 0; step < kWalk; ++step) {
+            if (k <= bottom_) return bottom_;
+            tail += lower_ ? -mass : mass;
+            if (lower_ && tail < anchor * kFreshen) anchor = tail = tail_at(k - 1);
+            if (doubtful(tail)) return settled(k, false);
+            if (falls_short(tail)) return k;
+            k -= 1;
+            mass /= d_.mass_ratio(k);
+        }
+        return first_reached(gallop(k, -1), k);
+    }
+
+    /// The result next to k that the tails themselves give, and the rule for an exact hit.
+    double settled(double k, bool came_from_below) const {
+        for (int step = 0; step < 3 && k > bottom_ && !short_at(k - 1); ++step) k -= 1;
+        for (int step = 0; step < 3 && k < top_ && short_at(k); ++step) k += 1;
+        const bool hit = tail_at(k) == (lower_ ? p_ : q_);
+        return hit && came_from_below && D::kTie == Tie::next && k < top_ ? k + 1 : k;
+    }
+
+    /// From k in growing strides to a place on the other side of the percentile, or to the end of the support.
+    double gallop(double k, double direction) const {
+        const double end = direction > 0 ? top_ : bottom_;
+        for (double stride = kWalk;; stride *= 2) {
+            k = direction > 0 ? std::min(k + stride, end) : std::max(k - stride, end);
+            if (k == end || short_at(k) == (direction < 0)) return k;
+        }
+    }
+
+    /// The first k of [low, high] that does not fall short; high does not.
+    double first_reached(double low, double high) const {
+        if (!short_at(low)) return low;
+        while (high - low > 1) {
+            const double middle = low + std::floor((high - low) / 2);
+            if (middle <= low || middle >= high) break;  // beyond 2^53 integers have no neighbours
+            (short_at(middle) ? low : high) = middle;
+        }
+        return high;
+    }
+
+    static constexpr int kWalk = 32;
+    /// A tail that has shrunk by subtractions to this part of what it was is computed anew.
+    static constexpr double kFreshen = 0.0625;
+
+    const D& d_;
+    double bottom_, top_;
+    double p_, q_;
+    bool lower_;
+};
+
+/// Many percentiles of one distribution: the tails of all integers between the extremes are summed once, and a guide table
+/// (Chen and Asau 1974) leads from a percentile to its integer in about one comparison. The sums agree with the family's
+/// own tails to rounding; where that could decide, the walk does, so that the integers are the same as one by one.
+template <class D>
+class InversionTable {
+  public:
+    /// Integers between the extremes beyond which a table is not worth its memory.
+    static constexpr double kMostIntegers = 1 << 17;
+
+    /// For percentiles in [least, most]; valid() tells whether the table could be made.
+    InversionTable(const D& d, double least, double most) : d_(d) {
+        first_ = InversionWalk<D>(d, least)();
+        const double last = InversionWalk<D>(d, most)();
+        if (!(last - first_ < kMostIntegers)) return;
+        tails_.resize(static_cast<std::size_t>(last - first_) + 1);
+        std::vector<double> mass(tails_.size());
+        for (std::size_t i = 0; i < mass.size(); ++i) {
+            const bool anchor = i % kAnchor == 0;
+            const double k = first_ + static_cast<double>(i);
+            mass[i] = anchor ? std::exp(d.log_density(k)) : mass[i - 1] * d.mass_ratio(k - 1);
+        }
+        // Each tail is summed inwards from its own end: sums of positive terms that lose nothing.
+        tails_.front().lower = d.cumulative(first_);
+        for (std::size_t i = 1; i < tails_.size(); ++i) tails_[i].lower = tails_[i - 1].lower + mass[i];
+        tails_.back().upper = d.survival(last);
+        for (std::size_t i = tails_.size() - 1; i > 0; --i) tails_[i - 1].upper = tails_[i].upper + mass[i];
+        guide_.resize(std::bit_ceil(tails_.size()));
+        std::size_t i = 0;
+        for (std::size_t g = 0; g < guide_.size(); ++g) {
+            const double p = static_cast<double>(g) / static_cast<double>(guide_.size());
+            while (i + 1 < tails_.size() && tails_[i].lower < p) ++i;
+            guide_[g] = static_cast<std::uint32_t>(i > 0 ? i - 1 : 0);  // one back: the guide rounds, too
+        }
+    }
+
+    bool valid() const { return !guide_.empty(); }
+
+    double operator()(double p) const {
+        const bool below = p <= 0.5;
+        const double target = below ? p : 1 - p;
+        const auto tail = [&](std::size_t i) { return below ? tails_[i].lower : tails_[i].upper; };
+        const auto short_of = [&](std::size_t i) { return below ? tail(i) < target : tail(i) > target; };
+        std::size_t i = guide_[static_cast<std::size_t>(p * static_cast<double>(guide_.size()))];
+        while (i + 1 < tails_.size() && short_of(i)) ++i;
+        const double margin = 1e-11 * target;
+        const bool doubt =
+            std::fabs(tail(i) - target) < margin || (i > 0 && std::fabs(tail(i - 1) - target) < margin);
+        return doubt ? InversionWalk<D>(d_, p)() : first_ + static_cast<double>(i);
+    }
+
+  private:
+    /// Masses by their recurrence from exact ones in these intervals.
+    static constexpr std::size_t kAnchor = 32;
+
+    const D& d_;
+    double first_;
+    std::vector<Tails> tails_;
+    std::vector<std::uint32_t> guide_;
+};
+
+/// The base of a family on consecutive integers: its quantiles, one and many.
+template <class D>
+struct OnIntegers {
+    static constexpr bool kDiscrete = true;
+    static constexpr bool kIntegers = true;
+    static constexpr Tie kTie = Tie::next;
+
+    double quantile(double p) const { return InversionWalk<D>(self(), p)(); }
+    double quantile_upper(double q) const { return InversionWalk<D>(self(), 1 - q, q, false)(); }
+
+    void quantiles(std::span<double> p) const {
+        constexpr std::size_t kWorthATable = 300;
+        if (p.size() >= kWorthATable && walks()) {
+            const auto [least, most] = std::ranges::minmax(p);
+            if (const InversionTable<D> table(self(), least, most); table.valid()) {
+                for (double& value : p) value = table(value);
+                return;
+            }
+        }
+        for (double& value : p) value = self().quantile(value);
+    }
+
+  private:
+    /// Whether the walk gives the quantiles, and not an approximation for large parameters.
+    bool walks() const {
+        if constexpr (requires { self().nearly_normal(); })
+            return !self().nearly_normal();
+        else
+            return true;
+    }
+    const D& self() const { return static_cast<const D&>(*this); }
+};
+
+}  // namespace pral

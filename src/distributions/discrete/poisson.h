@@ -1,0 +1,39 @@
+// The Poisson distribution.
+#pragma once
+
+#include "distributions/discrete/discrete.h"
+#include "numerics/gamma_ratio.h"
+#include "numerics/normal.h"
+
+namespace pral {
+
+/// Rate lambda >= 0; 0 is a point mass at 0. F(k) = Q(k + 1, lambda), DLMF 8.4.10.
+struct Poisson : OnIntegers<Poisson> {
+    double lambda;
+
+    explicit Poisson(double lambda_) : lambda(lambda_) {}
+    Message check() const { return lambda >= 0 ? nullptr : "Error: lambda must be >=0"; }
+    Message check_probability() const { return lambda >= 0 ? nullptr : "Error: lambda must be >= 0"; }
+    Support support() const { return kPositiveReals; }
+    std::optional<double> point_mass() const { return lambda == 0 ? std::optional(0.0) : std::nullopt; }
+
+    double cumulative(double k) const { return numerics::gamma_upper(k + 1, lambda); }
+    double survival(double k) const { return numerics::gamma_lower(k + 1, lambda); }
+    double log_density(double k) const { return numerics::log_gamma_density(k + 1, lambda); }
+    double mass_ratio(double k) const { return lambda / (k + 1); }
+
+    /// Above a rate of 5000 the square root of the value is taken as normal.
+    bool nearly_normal() const { return lambda > 5000; }
+    double start(double p) const { return std::floor(numerics::gamma_lower_inverse(lambda, p)); }
+    double quantile(double p) const {
+        return nearly_normal() ? std::trunc(quantile_unrounded(p)) : OnIntegers::quantile(p);
+    }
+    /// A fractional shift is added to the nearly normal value before it is rounded.
+    bool rounds_after_shift() const { return nearly_normal(); }
+    double quantile_unrounded(double p) const {
+        const double root = 2 * std::sqrt(lambda) + numerics::normal_quantile(p);
+        return 0.25 * root * root;
+    }
+};
+
+}  // namespace pral
