@@ -1,0 +1,40 @@
+// Discrete families: one inversion, and arrays of them.
+#include <benchmark/benchmark.h>
+
+#include <vector>
+
+#include "boundary/core_api.h"
+
+namespace {
+
+template <auto value, double... parameters>
+void OneCall(benchmark::State& state) {
+    double u = 0.01, out;
+    for (auto _ : state) {
+        u = u < 0.98 ? u + 0.013 : 0.011;
+        value(&out, parameters..., &u, nullptr, nullptr, nullptr, nullptr);
+        benchmark::DoNotOptimize(out);
+    }
+}
+
+template <auto array, double... parameters>
+void Array(benchmark::State& state) {
+    std::vector<double> out(state.range(0));
+    for (auto _ : state) {
+        array(out.data(), static_cast<int>(out.size()), parameters..., nullptr, nullptr, nullptr, nullptr,
+              nullptr);
+        benchmark::DoNotOptimize(out.data());
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+BENCHMARK(OneCall<PralPoisson_Core, 3.5>);
+BENCHMARK(OneCall<PralPoisson_Core, 4999.0>);
+BENCHMARK(OneCall<PralBinomial_Core, 100.0, 0.3>);
+BENCHMARK(OneCall<PralBinomial_Core, 400000.0, 0.25>);
+BENCHMARK(Array<PralPoissonArray_Core, 3.5>)->Arg(100000);
+BENCHMARK(Array<PralPoissonArray_Core, 4999.0>)->Arg(100000);
+BENCHMARK(Array<PralBinomialArray_Core, 100.0, 0.3>)->Arg(100000);
+BENCHMARK(Array<PralBinomialArray_Core, 400000.0, 0.25>)->Arg(100000);
+
+}  // namespace
