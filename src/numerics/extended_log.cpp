@@ -1,8 +1,6 @@
 #include "numerics/extended_log.h"
 
 #include <bit>
-#include <cfloat>
-#include <cmath>
 #include <cstdint>
 
 namespace pral::numerics {
@@ -61,7 +59,6 @@ constexpr Tables kTables;
 }  // namespace
 
 DoubleDouble extended_log(DoubleDouble v) {
-    if (!(v.hi > 0 && v.hi <= DBL_MAX)) return {std::log(v.hi), 0};  // nothing to refine
     if (v.hi < 0x1p-1022) {
         return add(extended_log({v.hi * 0x1p64, v.lo * 0x1p64}), multiply(kTables.ln2, {-64, 0}));
     }
