@@ -237,32 +237,24 @@ double BetaRatio::upper(double x, double y) const {
     });
 }
 
+double BetaRatio::log_tail(bool of_lower, const Arguments& at) const {
+    const Tail t = tail(at);
+    const double value = std::min(scaled_exponential(t.factor, t.exponent), 1.0);
+    if (t.is_lower != of_lower) return t.complement >= 0 ? std::log(t.complement) : log1p_fn(-value);
+    if (t.complement >= 0) return log1p_fn(-t.complement);
+    return value > 1e-300 ? std::log(value) : t.exponent.hi + (t.exponent.lo + std::log(t.factor));
+}
+
 double BetaRatio::log_lower(double x, double y) const {
-    return with_ends(a_, b_, x, y, -kInfinity, 0, [&] {
-        const Tail t = tail(Arguments(a_, b_, x, y));
-        if (t.is_lower && !(t.complement >= 0)) {
-            return std::min(t.exponent.hi + (t.exponent.lo + std::log(t.factor)), 0.0);
-        }
-        if (t.is_lower) return log1p_fn(-t.complement);
-        if (t.complement >= 0) return std::log(t.complement);
-        return log1p_fn(-std::min(scaled_exponential(t.factor, t.exponent), 1.0));
-    });
+    return with_ends(a_, b_, x, y, -kInfinity, 0, [&] { return log_tail(true, Arguments(a_, b_, x, y)); });
 }
 
 double BetaRatio::log_upper(double x, double y) const {
-    return with_ends(a_, b_, x, y, 0, -kInfinity, [&] {
-        const Tail t = tail(Arguments(a_, b_, x, y));
-        if (!t.is_lower && !(t.complement >= 0)) {
-            return std::min(t.exponent.hi + (t.exponent.lo + std::log(t.factor)), 0.0);
-        }
-        if (!t.is_lower) return log1p_fn(-t.complement);
-        if (t.complement >= 0) return std::log(t.complement);
-        return log1p_fn(-std::min(scaled_exponential(t.factor, t.exponent), 1.0));
-    });
+    return with_ends(a_, b_, x, y, 0, -kInfinity, [&] { return log_tail(false, Arguments(a_, b_, x, y)); });
 }
 
 double BetaRatio::log_density(double x, double y) const {
-    if (std::isnan(a_ + b_ + x + y)) return kNaN;
+    if (std::isnan(a_ + b_ + x + y) || a_ <= 0 || b_ <= 0) return kNaN;
     if (x <= 0 || y <= 0) {
         const double own = x <= 0 ? a_ : b_, other = x <= 0 ? b_ : a_;
         if (x < 0 || y < 0 || own > 1) return -kInfinity;
@@ -270,8 +262,8 @@ double BetaRatio::log_density(double x, double y) const {
     }
     const Arguments at(a_, b_, x, y);
     const DoubleDouble logs = add(at.log_x, at.log_y);
-    const DoubleDouble e = add(density_exponent(at), negated(logs));
-    return e.hi + (e.lo + std::log(density_factor_));
+    // The factor's own logarithm can be as large as the exponent, and of the other sign.
+    return add(add(density_exponent(at), negated(logs)), extended_log({density_factor_, 0})).hi;
 }
 
 double beta_lower(double a, double b, double x, double y) { return BetaRatio(a, b).lower(x, y); }

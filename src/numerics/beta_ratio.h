@@ -9,6 +9,7 @@ namespace pral::numerics {
 
 /// The beta distribution with parameters a, b > 0 and everything that depends on them alone. Each function takes
 /// x and y = 1 - x; the smaller of the two is taken as exact. x <= 0 and y <= 0 are the ends, NaN gives NaN.
+/// a <= 0 is a point mass at 0, b <= 0 at 1, with no density (NaN).
 class BetaRatio {
   public:
     BetaRatio(double a, double b);
@@ -59,6 +60,7 @@ class BetaRatio {
     DoubleDouble shift_a_{}, shift_b_{};
 
     Tail tail(const Arguments& at) const;
+    double log_tail(bool of_lower, const Arguments& at) const;
     Tail series(bool lower, const Arguments& at) const;
     double series_complement(double a, double b, double log_x, double sum) const;
     DoubleDouble density_exponent(const Arguments& at) const;

@@ -1,7 +1,9 @@
 #include "numerics/extended_log.h"
 
 #include <bit>
+#include <cmath>
 #include <cstdint>
+#include <limits>
 
 namespace pral::numerics {
 
@@ -59,6 +61,7 @@ constexpr Tables kTables;
 }  // namespace
 
 DoubleDouble extended_log(DoubleDouble v) {
+    if (!(v.hi > 0 && v.hi <= std::numeric_limits<double>::max())) return {std::log(v.hi), 0};
     if (v.hi < 0x1p-1022) {
         return add(extended_log({v.hi * 0x1p64, v.lo * 0x1p64}), multiply(kTables.ln2, {-64, 0}));
     }

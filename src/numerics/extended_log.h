@@ -6,8 +6,8 @@
 
 namespace pral::numerics {
 
-/// ln(v.hi + v.lo) for a finite v.hi > 0: absolute error 1e-28, and near 1 the same relative to the
-/// result. Two table reductions leave |s| < 2^-13 for the series of ln(1 + s).
+/// ln(v.hi + v.lo); for 0, negative numbers, infinity and NaN as std::log. Absolute error 1e-28, and near 1 the
+/// same relative to the result. Two table reductions leave |s| < 2^-13 for the series of ln(1 + s).
 DoubleDouble extended_log(DoubleDouble v);
 
 inline constexpr DoubleDouble negated(DoubleDouble v) { return {-v.hi, -v.lo}; }

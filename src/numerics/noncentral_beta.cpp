@@ -17,6 +17,7 @@ using Scaled = BetaRatio::Scaled;
 
 /// Beyond it the count is its mean at any precision that the exponents keep.
 constexpr double kLargestMean = 1e26;
+constexpr double kLargestParameter = 1e150;
 /// Longest range of counts that is summed term by term; longer ones are smooth enough to be sampled.
 constexpr double kLongestSweep = 2000;
 constexpr double kNegligible = 1e-19;
@@ -54,7 +55,10 @@ double density_peak(double a, double b, double m) {
 
 }  // namespace
 
-NoncentralBeta::NoncentralBeta(double a, double b, double lambda) : a_(a), b_(b), mean_(0.5 * lambda) {
+NoncentralBeta::NoncentralBeta(double a, double b, double lambda)
+    : a_(a > 0 ? std::min(a, kLargestParameter) : kNaN),
+      b_(b > 0 ? std::min(b, kLargestParameter) : kNaN),
+      mean_(lambda >= 0 ? 0.5 * std::min(lambda, kLargestParameter) : kNaN) {
     if (mean_ > kLargestMean) {
         a_ += mean_;
         mean_ = 0;
@@ -119,8 +123,8 @@ BetaRatio::Scaled NoncentralBeta::sweep(Kind kind, double from, double to, doubl
             g *= (aj + b_) * x / aj;
             if (kind == Kind::density) t = g;
         }
-        for (; t > kBalanceAbove; w /= kBalance) t *= kBalance, g *= kBalance;
-        for (; w > kBalanceAbove; w *= kBalance) t /= kBalance, g /= kBalance;
+        for (; t > kBalanceAbove && t < kInfinity; w /= kBalance) t *= kBalance, g *= kBalance;
+        for (; w > kBalanceAbove && w < kInfinity; w *= kBalance) t /= kBalance, g /= kBalance;
         if (w * t < term && w * t < kNegligible * sum) break;
     }
     return {sum, add(weight.exponent, tail.exponent)};
@@ -129,7 +133,8 @@ BetaRatio::Scaled NoncentralBeta::sweep(Kind kind, double from, double to, doubl
 /// The sum over all counts as the integral over the count by the trapezoidal rule: the terms are close to a
 /// normal density of width sqrt(centre) or somewhat less, for which a step of 0.4 widths leaves 1e-20.
 BetaRatio::Scaled NoncentralBeta::sampled(Kind kind, double centre, double reach, double x, double y) const {
-    const double step = 0.4 * std::sqrt(centre);
+    // Whole, so that the points are where the rule has them although the count has few bits left below 1.
+    const double step = std::floor(0.4 * std::sqrt(centre));
     const Scaled middle = term(kind, centre, x, y);
     double sum = middle.factor;
     for (const double direction : {-1.0, 1.0}) {

@@ -6,7 +6,7 @@
 
 namespace pral::numerics {
 
-/// a, b > 0, lambda >= 0. The functions take x and y = 1 - x, the smaller one as exact. Relative accuracy of
+/// a, b > 0, lambda >= 0; otherwise every result is NaN. The functions take x and y = 1 - x, the smaller one as exact. Relative accuracy of
 /// about 1e-13 in both tails down to 1e-300 for lambda up to 1e12; the work is bounded for any lambda.
 class NoncentralBeta {
   public:

@@ -44,6 +44,9 @@ double exp_half_squares(double h, DoubleDouble v) {
     return std::exp(-0.5 * sum.hi) * (1 - 0.5 * (sum.lo + h2.lo + v2.lo + 2 * v.hi * v.lo));
 }
 
+/// P(|X| <= h); erf reports where erfc underflows.
+double central_mass(double h) { return h < 1 ? erf(h * kSqrtHalf) : 1 - 2 * normal_survival(h); }
+
 /// T(h, a) for 0 <= a <= 1: the integrand has no pole nearer than i, and falls as a normal density in h x.
 double integral_to(double h, double a) {
     const double reach = h * a < 9 ? a : 9 / h;
@@ -67,9 +70,9 @@ double integral_from(double h, double a) {
 }  // namespace
 
 double owens_t(double h, double a) {
-    if (std::isnan(h + a)) return kNaN;
+    if (std::isnan(h) || std::isnan(a)) return kNaN;
     h = std::fabs(h);
-    const double size = std::fabs(a);
+    const double size = std::min(std::fabs(a), kInfinity);
     if (h > kLargestH || a == 0) return 0;
     double value;
     if (size <= 1) {
@@ -83,21 +86,22 @@ double owens_t(double h, double a) {
 }
 
 double owens_t_complement(double h, double a) {
-    if (std::isnan(h + a)) return kNaN;
+    if (std::isnan(h) || std::isnan(a)) return kNaN;
     h = std::fabs(h);
+    a = std::min(a, kInfinity);
     if (h > kLargestH || a * h > kLargestH) return 0;
     if (a * h >= 1) return integral_from(h, a);
     if (a <= 1) return 0.5 * normal_survival(h) - integral_to(h, a);
-    return integral_to(a * h, 1 / a) - 0.5 * normal_survival(a * h) * erf(h * kSqrtHalf);
+    return integral_to(a * h, 1 / a) - 0.5 * normal_survival(a * h) * central_mass(h);
 }
 
 double skew_normal_cumulative(double z, double alpha) {
-    if (std::isnan(z + alpha)) return kNaN;
+    if (std::isnan(z) || std::isnan(alpha)) return kNaN;
     const double h = std::fabs(z), a = std::fabs(alpha);
     if (z <= 0 && alpha < 0) return normal_survival(h) + 2 * owens_t(h, a);
     const double tail = 2 * owens_t_complement(h, a);
     if (z <= 0) return tail;
-    return alpha < 0 ? 1 - tail : erf(h * kSqrtHalf) + tail;
+    return alpha < 0 ? 1 - tail : central_mass(h) + tail;
 }
 
 double skew_normal_survival(double z, double alpha) { return skew_normal_cumulative(-z, -alpha); }
