@@ -63,7 +63,7 @@ double ascending_sum(double a, double x) {
 
 /// Q over x^a e^-x / Gamma(a): the continued fraction DLMF 8.9.2 from its end, which is replaced by the beginning of its
 /// asymptotic series, t_n = n + sqrt(n x) + (x - a)/2 - 3/4 + O(n^-1/2). The number of steps was found by trial for
-/// x > 1.25: the truncation error stays below 1e-17.
+/// x > 1: the truncation error stays below 1e-17.
 double descending_fraction(double a, double x) {
     const int steps = 13 + static_cast<int>(66 / x);
     double t = steps + std::sqrt(steps * x) + 0.5 * (x - a) - 0.75;
@@ -81,7 +81,7 @@ Tail upper_by_fraction(double a, double x, Power prefix) {
     return {true, {prefix.factor * a * fraction, prefix.exponent}, 1 / fraction};
 }
 
-/// Q for a <= 1 and x <= 1.25, where P may be next to 1: 1 - x^a/Gamma(1+a) and the rest of the alternating series for
+/// Q for a <= 1 and x <= 1, where P may be next to 1: 1 - x^a/Gamma(1+a) and the rest of the alternating series for
 /// P, both of which vanish with a.
 Tail upper_for_tiny_shape(double a, double x) {
     const double e = expm1_fn(a * std::log(x) - lgamma_1p(a));
@@ -151,7 +151,7 @@ Tail by_uniform_expansion(double a, double x, DoubleDouble deviance) {
 
 Tail tail_of_small_shape(double a, double x) {
     if (a < 1) {
-        if (x > 1.25) return upper_by_fraction(a, x, gamma_prefix(a, x));
+        if (x > 1) return upper_by_fraction(a, x, gamma_prefix(a, x));
         if (a * std::log(x) > -0.7) return upper_for_tiny_shape(a, x);
         return lower_by_series(a, x, gamma_prefix(a, x));
     }

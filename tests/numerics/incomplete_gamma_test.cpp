@@ -34,9 +34,9 @@ struct Function {
 // an exponent of the size of a ln x, rounded.
 const Function kFunctions[] = {
     {"gamma_lower", gamma_lower, kLower, 4e-15},
-    {"gamma_upper", gamma_upper, kUpper, 8e-15},
-    {"log_gamma_lower", log_gamma_lower, kLogLower, 8e-15},
-    {"log_gamma_upper", log_gamma_upper, kLogUpper, 8e-15},
+    {"gamma_upper", gamma_upper, kUpper, 4e-15},
+    {"log_gamma_lower", log_gamma_lower, kLogLower, 4e-15},
+    {"log_gamma_upper", log_gamma_upper, kLogUpper, 4e-15},
     {"log_gamma_density", log_gamma_density, kLogDensity, 2e-15},
     {"gamma_cdf lower", [](double a, double x) { return gamma_cdf(x, a, true, false); }, kLower, 6e-13},
     {"gamma_cdf upper", [](double a, double x) { return gamma_cdf(x, a, false, false); }, kUpper, 5e-12},
