@@ -206,7 +206,7 @@ PRAL_API bool PralNBootKurt_Core(double* out, const double* data, int n);
 /* The coefficient of variation: sample standard deviation over mean. */
 PRAL_API bool PralNBootCofV_Core(double* out, const double* data, int n);
 
-/* The percentile at p in [0,1], interpolated between the order statistics at position (n - 1) p + 1; 0 for another p. */
+/* The percentile at p in [0,1], interpolated between order statistics at position (n - 1) p + 1; 0 for another p. */
 PRAL_API bool PralNBootPercentile_Core(double* out, const double* data, int n, double p);
 
 /* Four statistics of the same replicate; those that need more values are 0. "Error: the {data} array is empty" */

@@ -34,8 +34,8 @@ bool MatrixSqrt(const double* a, int n, double* out);
 /// elements of the matrix.
 bool cholesky_upper(double* a, int n);
 
-/// Spearman's rank correlation of two arrays of finite values, and of all pairs of variables; `data` has a row per observation. Ties share their
-/// average rank. A variable without variation has correlation 0 with all others.
+/// Spearman's rank correlation of two arrays of finite values, and of all pairs of variables; `data` has a row per
+/// observation. Ties share their average rank. Without variation the correlation is 0, on the diagonal as well.
 std::optional<double> rank_correlation(const double* x, const double* y, int count);
 std::optional<std::vector<double>> rank_correlations(const double* data, int observations, int variables);
 

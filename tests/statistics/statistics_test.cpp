@@ -60,8 +60,8 @@ Values evaluate(const std::string& function, const Values& x, const Values& y) {
     return out;
 }
 
-/// Allowed error relative to the result: the measured worst times four. The certified data lie up to 1e8 spreads from 0, so
-/// that the deviation of the doubles themselves is off by 6e-9; the skewness suffers from data 1000 spreads away.
+/// Allowed error relative to the result: the measured worst times four. The certified data lie up to 1e8 spreads from
+/// 0, so that the deviation of the doubles themselves is off by 6e-9; the skewness meets data 1000 spreads away.
 double tolerance(const std::string& function) {
     const std::map<std::string, double> allowed = {
         {"rank", 0}, {"rank_descending", 0}, {"kendall_s", 0}, {"certified", 3e-8}, {"skewness", 7e-12}};
