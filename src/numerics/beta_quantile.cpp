@@ -18,7 +18,7 @@ namespace {
 /// I_x(p, q) by the recurrence of AS 63 after Soper, beta = ln B(p, q).
 double beta_ratio_as63(double x, double p, double q, double beta) {
     constexpr double kAccuracy = 1e-15;
-    constexpr int kMaxTerms = 100000;
+    constexpr int kMaxTerms = 20000;  // 6 sqrt(p + q) are needed at the mean
     double sum_pq = p + q, w = 1 - x;
     const bool swapped = p < sum_pq * x;
     if (swapped) {
@@ -242,22 +242,35 @@ UnitPoint beta_lower_inverse(double a, double b, double p) { return inverse(Beta
 UnitPoint beta_upper_inverse(double a, double b, double q) { return inverse(BetaRatio(a, b), false, q); }
 
 double student_lower(double nu, double t) {
-    if (std::isnan(nu + t)) return kNaN;
-    if (!(std::fabs(t) <= kInfinity) || std::fabs(t) == kInfinity) return t > 0 ? 1 : 0;
+    if (std::isnan(nu) || std::isnan(t)) return kNaN;
+    if (!(std::fabs(t) < kInfinity)) return t > 0 ? 1 : 0;
     // x = nu/(nu + t^2) by the ratio t/sqrt(nu), which neither overflows nor underflows early.
-    const double r = t / std::sqrt(nu), r2 = r * r;
-    const double x = std::fabs(r) < 1e150 ? 1 / (1 + r2) : 1 / r / r, y = r2 / (1 + r2);
-    const double tail = 0.5 * beta_lower(0.5 * nu, 0.5, x, std::fabs(r) < 1e150 ? y : 1);
-    return t <= 0 ? tail : 1 - tail;
+    const double r = std::fabs(t / std::sqrt(nu)), r2 = r * r;
+    const BetaRatio ratio(0.5 * nu, 0.5);
+    double tail;
+    if (r > 1e100) {  // x may underflow: the leading term alone
+        const DoubleDouble log_r = extended_log({r, 0}), at_one = ratio.log_leading(true, {1, 0});
+        tail = std::exp(0.5 * nu * add({-2 * log_r.hi, -2 * log_r.lo}, negated(at_one)).hi);
+    } else {
+        tail = ratio.lower(1 / (1 + r2), r2 / (1 + r2));
+    }
+    return t <= 0 ? 0.5 * tail : 1 - 0.5 * tail;
 }
 
 double student_quantile(double nu, double p) {
-    if (std::isnan(nu + p)) return kNaN;
+    if (std::isnan(nu) || std::isnan(p) || !(nu > 0)) return kNaN;
     if (p <= 0) return -kInfinity;
     if (p >= 1) return kInfinity;
-    const double tail = std::min(p, 1 - p);
-    const UnitPoint at = beta_lower_inverse(0.5 * nu, 0.5, 2 * tail);
-    const double t = std::sqrt(nu) * std::sqrt(at.y) / std::sqrt(at.x);
+    const double tail = 2 * std::min(p, 1 - p);
+    const BetaRatio ratio(0.5 * nu, 0.5);
+    const DoubleDouble log_x = ratio.log_leading(true, {tail, 0});
+    double t;
+    if (log_x.hi < -80) {  // x may underflow where t does not overflow
+        t = std::sqrt(nu) * std::exp(-0.5 * log_x.hi) * (1 - 0.5 * log_x.lo);
+    } else {
+        const UnitPoint at = beta_lower_inverse(ratio, tail);
+        t = std::sqrt(nu) * std::sqrt(at.y) / std::sqrt(at.x);
+    }
     return finite_or_limit(p < 0.5 ? -t : t);
 }
 
