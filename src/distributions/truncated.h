@@ -109,7 +109,12 @@ class Truncated {
 
     /// Its natural logarithm.
     double log_cumulative(double x) const {
-        return bounded_ ? std::log(cumulative(x)) : pral::log_cumulative(base_, x);
+        if (!bounded_) return pral::log_cumulative(base_, x);
+        const double below = cumulative(x);
+        if (below < 0.5) return std::log(below);
+        const Tails at = pral::tails(base_, x);
+        const double above = at.lower > 0.5 ? at.upper - max_.tails.upper : max_.tails.lower - at.lower;
+        return numerics::log1p_fn(-std::clamp(above / mass_, 0.0, 1.0));
     }
 
   private:

@@ -99,21 +99,27 @@ class Segments {
         return in_range ? std::log(density) : std::log(probability) - std::log(width(i)) + std::log(scale_);
     }
 
+    /// From the smaller tail: 1 - p is exact for p > 1/2.
     double quantile(double p) const {
+        if (p > 0.5) return quantile_upper(1 - p);
         const auto reached = std::lower_bound(knots_.lower.begin() + 1, knots_.lower.end() - 1, p);
-        return value(static_cast<std::size_t>(reached - knots_.lower.begin()) - 1, p);
+        return from_below(static_cast<std::size_t>(reached - knots_.lower.begin()) - 1, p);
     }
     double quantile_upper(double q) const {
         const auto& upper = knots_.upper;
         const auto passed = std::lower_bound(upper.begin() + 1, upper.end() - 1, q, std::greater_equal<>());
-        const auto i = static_cast<std::size_t>(passed - upper.begin()) - 1;
-        const double part = std::clamp((q - upper[i + 1]) / knots_.rise[i], 0.0, 1.0);
-        const double position = shape_.position_above(i, part);
-        return std::max((knots_.x[i + 1] * scale_ - width(i) * position) / scale_, knots_.x[i]);
+        return from_above(static_cast<std::size_t>(passed - upper.begin()) - 1, q);
     }
     void quantiles(std::span<double> p) const {
-        invert_all(p, std::span(knots_.lower).subspan(1),
-                   [this](std::size_t i, double u) { return value(i, u); });
+        const auto& upper = knots_.upper;
+        invert_all(p, std::span(knots_.lower).subspan(1), [&](std::size_t i, double u) {
+            if (u <= 0.5) return from_below(i, u);
+            // Where rounding made the two tails disagree, the upper one decides, as for a single value.
+            const double q = 1 - u;
+            while (upper[i] < q) --i;
+            while (upper[i + 1] >= q) ++i;
+            return from_above(i, q);
+        });
     }
 
   private:
@@ -130,11 +136,15 @@ class Segments {
         return static_cast<std::size_t>(std::max<std::ptrdiff_t>(above - knots.begin(), 1)) - 1;
     }
 
-    /// The quantile at p in segment i.
-    double value(std::size_t i, double p) const {
+    double from_below(std::size_t i, double p) const {
         const double part = std::min((p - knots_.lower[i]) / knots_.rise[i], 1.0);
-        const double position = shape_.position(i, part);
-        return std::min((knots_.x[i] * scale_ + width(i) * position) / scale_, knots_.x[i + 1]);
+        const double x = (knots_.x[i] * scale_ + width(i) * shape_.position(i, part)) / scale_;
+        return std::min(x, knots_.x[i + 1]);
+    }
+    double from_above(std::size_t i, double q) const {
+        const double part = std::clamp((q - knots_.upper[i + 1]) / knots_.rise[i], 0.0, 1.0);
+        const double x = (knots_.x[i + 1] * scale_ - width(i) * shape_.position_above(i, part)) / scale_;
+        return std::max(x, knots_.x[i]);
     }
 
     Knots knots_;
