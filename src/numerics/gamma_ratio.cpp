@@ -224,38 +224,50 @@ double lambda_of_eta(double eta) {
         return 1 + eta * sum;
     }
     const double s = 1 + 0.5 * eta * eta;
+    double lambda = s + std::log(s + std::log(s + std::log(s)));
     if (eta < 0) {
         const double w = std::exp(-s);
-        return w * (1 + w * (1 + w * (1.5 + w * (8.0 / 3))));
+        lambda = w * (1 + w * (1 + w * (1.5 + w * (8.0 / 3))));
     }
-    double lambda = s + std::log(s + std::log(s + std::log(s)));
     lambda -= (lambda - std::log(lambda) - s) * lambda / (lambda - 1);
     return lambda;
 }
 
-/// A start value for the x whose smaller tail is t.
+/// Start values for the x whose smaller tail is t. Near the centre: the normal deviate over sqrt(a), and the first terms in
+/// 1/a that turn it into eta (Temme 1992; Gil, Segura, Temme 2012, section 4).
+double start_by_uniform_expansion(double a, double deviate) {
+    const double eta = deviate / std::sqrt(a), w = 1 / a;
+    const double first =
+        std::fabs(eta) < 1e-3 ? -1.0 / 3 + eta / 36 : std::log(eta / (lambda_of_eta(eta) - 1)) / eta;
+    if (std::fabs(eta) > 1.3) return a * lambda_of_eta(eta + first * w);
+    const double second = -7.0 / 405 + eta * (-7.0 / 2592 + eta * (533.0 / 204120));
+    const double third = 449.0 / 102060 - eta * (63149.0 / 20995200);
+    return a * lambda_of_eta(eta + w * (first + w * (second + w * third)));
+}
+
+/// Small x: P = x^a / Gamma(1+a) (1 - a x/(1+a) + ...), solved for x; r = (P Gamma(1+a))^(1/a).
+double start_by_power(double a, double r) {
+    const double c = r / (a + 1);
+    return r * (1 + c * (1 + c * (3 * a + 5) / (2 * (a + 2))));
+}
+
+/// a < 1, large x: Q = x^(a-1) e^-x / Gamma(a) (1 + (a-1)/x + ...).
+double start_by_exponential(double a, double log_q) {
+    const double y = -(log_q + log_gamma(a));
+    if (y > 2) return y - (1 - a) * std::log(y + (1 - a) * (1 - std::log(y)));
+    return std::max(0.3, y);
+}
+
 double inverse_start(double a, double t, double log_t, bool upper) {
-    const double lower = upper ? 1 - t : t;
-    if (a < 12) {
-        // P = x^a / Gamma(1+a) (1 - a x/(1+a) + ...), solved for x.
-        const double log_r =
-            ((upper ? log1p_fn(-t) : log_t) + (a < 0.5 ? lgamma_1p(a) : log_gamma(1 + a))) / a;
-        if (log_r < std::log(0.3 * (1 + a)) || (a < 0.3 && lower < 0.9 && log_r < 0)) {
-            const double r = std::exp(log_r), c = r / (a + 1);
-            return r * (1 + c * (1 + c * (3 * a + 5) / (2 * (a + 2))));
-        }
-        if (upper && a < 1) {
-            // Q = x^(a-1) e^-x / Gamma(a) (1 + (a-1)/x + ...).
-            const double y = -(log_t + log_gamma(a));
-            if (y > 2) return y - (1 - a) * std::log(y + (1 - a) * (1 - std::log(y)));
-            return std::max(0.3, y);
-        }
-    }
-    const double z = upper ? -normal_quantile(t) : normal_quantile(t);
-    const double eta = z / std::sqrt(a);
-    const double lambda = lambda_of_eta(eta);
-    if (std::fabs(eta) < 1e-3) return a * lambda_of_eta(eta - 1 / (3 * a) + eta / (36 * a));
-    return a * lambda_of_eta(eta + std::log(eta / (lambda - 1)) / (eta * a));
+    const double deviate = a < 1 ? 0 : upper ? -normal_quantile(t) : normal_quantile(t);
+    if (a >= kLargeShape || (a >= 1 && deviate * deviate < 1.5 * a))
+        return start_by_uniform_expansion(a, deviate);
+    const double log_lower = upper ? log1p_fn(-t) : log_t;
+    const double log_r = (log_lower + (a < 0.5 ? lgamma_1p(a) : log_gamma(1 + a))) / a;
+    if (log_r < std::log(0.3 * (1 + a)) || (a < 0.3 && log_lower < -0.1 && log_r < 0))
+        return start_by_power(a, std::exp(log_r));
+    return upper && a < 1 ? start_by_exponential(a, log_t)
+                          : start_by_uniform_expansion(a, a < 1 ? normal_quantile(t) : deviate);
 }
 
 /// The x whose smaller tail is t, 0 < t <= 1/2. ln of either tail is concave in ln x: Newton's method converges
