@@ -382,6 +382,10 @@ PRAL_FAMILY(ExtValueMax, continuous, (double a, double b),
 PRAL_FAMILY(ExtValueMin, continuous, (double a, double b),
     "location a, scale b >= 0, 0 being a point mass at a; support all reals; F = 1 - exp(-exp((x - a)/b))")
 
+PRAL_FAMILY(GEV, continuous, (double a, double b, double c),
+    "location a, scale b > 0, shape -18 <= c <= 18; support from a - b/c on for c > 0, up to a - b/c for c < 0, all reals "
+    "for c = 0; F = exp(-(1 + c z)^(-1/c)), z = (x - a)/b, c = 0 being ExtValueMax")
+
 PRAL_FAMILY(Weibull, continuous, (double alpha, double beta),
     "shape alpha > 0, scale beta >= 0, 0 being a point mass at 0; support [0, inf); F = 1 - exp(-(x/beta)^alpha)")
 
@@ -395,6 +399,32 @@ PRAL_FAMILY(WeibullAlt, continuous,
 
 PRAL_FAMILY(Rayleigh, continuous, (double b),
     "scale b >= 0, 0 being a point mass at 0; support [0, inf); F = 1 - exp(-x^2/(2 b^2))")
+
+PRAL_FAMILY(Pareto, continuous, (double theta, double a),
+    "shape theta > 0, smallest value a >= 0, 0 being a point mass at 0; support [a, inf); F = 1 - (a/x)^theta")
+
+PRAL_FAMILY(Pareto2, continuous, (double b, double q),
+    "scale b >= 0, 0 being a point mass at 0, shape q > 0; support [0, inf); F = 1 - (b/(x + b))^q")
+
+PRAL_FAMILY(Bradford, continuous, (double theta, double min, double max),
+    "shape theta > 0, min < max; support [min, max]; F = ln(1 + theta y)/ln(1 + theta), y = (x - min)/(max - min)")
+
+PRAL_FAMILY(Kumaraswamy, continuous, (double alpha, double beta),
+    "shapes alpha > 0, beta > 0; support [0, 1]; F = 1 - (1 - x^alpha)^beta")
+
+PRAL_FAMILY(Kumaraswamy4, continuous, (double alpha, double beta, double min, double max),
+    "shapes alpha > 0, beta > 0, min <= max, equal being a point mass; support [min, max]; "
+    "min + (max - min) Kumaraswamy(alpha, beta)")
+
+PRAL_FAMILY(Lifetime2, continuous, (double A, double B),
+    "A >= 0, B >= 0, not both 0; support [0, inf); hazard rate A + B t: F = 1 - exp(-(A t + B t^2/2))")
+
+PRAL_FAMILY(Lifetime3, continuous, (double A, double B, double C),
+    "A > 0, C > 0, A - B^2/(4 C) > 0; support [0, inf); hazard rate A + B t + C t^2: "
+    "F = 1 - exp(-(A t + B t^2/2 + C t^3/3))")
+
+PRAL_FAMILY(LifetimeExp, continuous, (double A, double B),
+    "B > 0; support [0, inf); hazard rate exp(A + B t): F = 1 - exp(-(exp(A + B t) - exp(A))/B)")
 
 /* Families given by tables, each a pointer and its count; "Error: <table> must not be null", "... must not be empty".
  * Tables are never changed, and need not be sorted where the order is not asked for. */

@@ -58,14 +58,10 @@ struct LogLocationScale {
           spread(spread_),
           standard(standard_),
           center_(center),
-          usable_(center > 1e-290 && center < 1e290),
+          usable_(center >= DBL_MIN && center <= DBL_MAX),
           log_spread_(std::log(spread_)) {}
 
-    Support support() const {
-        const auto [lower, upper] = standard.support();
-        return {lower == -numerics::kInfinity ? 0 : value(lower),
-                upper == numerics::kInfinity ? upper : value(upper)};
-    }
+    Support support() const { return kPositiveReals; }
     std::optional<double> point_mass() const { return spread == 0 ? std::optional(center_) : std::nullopt; }
 
     double cumulative(double x) const { return standard.cumulative(standardised(x)); }
@@ -128,7 +124,10 @@ struct Transformed {
         const auto [lower, upper] = base.support();
         return decreasing() ? Support{end(upper), end(lower)} : Support{end(lower), end(upper)};
     }
-    std::optional<double> point_mass() const {
+    std::optional<double> point_mass() const requires(!requires(const Base& b) { b.point_mass(); }) {
+        return std::nullopt;
+    }
+    std::optional<double> point_mass() const requires requires(const Base& b) { b.point_mass(); } {
         const auto y = base.point_mass();
         return y ? std::optional(map.forward(*y)) : std::nullopt;
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "distributions/adapters.h"
+#include "numerics/extended_log.h"
 
 namespace pral {
 
@@ -38,6 +39,58 @@ struct ExtValueMin : LocationScale<StandardGumbelMin> {
         if (!(scale >= 0)) return "Error: b must be >=0";
         return nullptr;
     }
+};
+
+/// Map: x = a + b (e^(c y) - 1)/c, a + b y for c = 0. 1 + c (x - a)/b is carried with more digits than a double's, since
+/// it is all that the variable knows of its distance from the end of the support.
+struct BoxCox {
+    double a, b, c;
+
+    /// c so small that c y is lost in 1 + c y for every y of a double's range counts as 0.
+    bool straight() const { return std::fabs(c) < 1e-290; }
+    double end() const { return a - b / c; }
+
+    double forward(double y) const { return a + b * (straight() ? y : numerics::expm1_fn(c * y) / c); }
+    double inverse(double x) const {
+        const double z = (x - a) / b;
+        if (straight()) return z;
+        const numerics::DoubleDouble exact = numerics::divide(numerics::two_sum(x, -a), {b, 0});
+        const numerics::DoubleDouble cz = numerics::multiply(exact, {c, 0});
+        return log_one_plus(std::isfinite(cz.lo) ? cz : numerics::DoubleDouble{c * z, 0}) / c;
+    }
+
+  private:
+    static double log_one_plus(numerics::DoubleDouble v) {
+        if (std::fabs(v.hi) < 0.5) return numerics::log1p_fn(v.hi) + v.lo / (1 + v.hi);
+        const numerics::DoubleDouble sum = numerics::add({1, 0}, v);
+        return sum.hi > 0 ? std::log(sum.hi) + sum.lo / sum.hi : -HUGE_VAL;
+    }
+};
+
+/// The generalised extreme value distribution: location a, scale b > 0, shape -18 <= c <= 18. F = exp(-(1 + c z)^(-1/c)),
+/// z = (x - a)/b; c = 0 is ExtValueMax. Support all reals for c = 0, from a - b/c on for c > 0, up to a - b/c for c < 0.
+struct GEV : Transformed<StandardGumbel, BoxCox> {
+    GEV(double a, double b, double c) : Transformed{{}, {a, b, c}}, log_b_(std::log(b)) {}
+    Message check() const {
+        if (!(map.b > 0)) return "Error: B must be > 0";
+        if (!(map.c >= -18 && map.c <= 18))
+            return "Error: C must be between [-18,18] for numericaly stability";
+        return nullptr;
+    }
+    Support support() const {
+        if (map.straight()) return kReals;
+        const double end = numerics::finite_or_limit(map.end());
+        return map.c > 0 ? Support{end, numerics::kInfinity} : Support{-numerics::kInfinity, end};
+    }
+    double log_density(double x) const {
+        const double y = map.inverse(x);
+        if (y == HUGE_VAL && map.c <= -1) return map.c < -1 ? HUGE_VAL : -log_b_;
+        if (std::isinf(y)) return -HUGE_VAL;
+        return base.log_density(y) - map.c * y - log_b_;
+    }
+
+  private:
+    double log_b_;
 };
 
 }  // namespace pral

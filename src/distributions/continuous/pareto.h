@@ -1,0 +1,59 @@
+// The Pareto distributions of the first and second kind.
+#pragma once
+
+#include "distributions/adapters.h"
+#include "distributions/continuous/exponential.h"
+
+namespace pral {
+
+/// Shape theta > 0, smallest value a >= 0, 0 being a point mass at 0; support [a, inf). F = 1 - (a/x)^theta:
+/// theta ln(x/a) is exponential.
+struct Pareto : LogLocationScale<Expon> {
+    double theta, a;
+
+    Pareto(double theta_, double a_)
+        : LogLocationScale(a_, std::log(a_), 1 / theta_, {1}), theta(theta_), a(a_) {}
+    Message check() const {
+        if (!(theta > 0)) return "Error: theta must be > 0";
+        if (!(a >= 0)) return "Error: a must be >= 0";
+        return nullptr;
+    }
+    Support support() const { return {a, numerics::kInfinity}; }
+    std::optional<double> point_mass() const {
+        return a == 0 ? std::optional(0.0) : LogLocationScale::point_mass();
+    }
+};
+
+/// Map: x = b (e^(y/q) - 1).
+struct ScaledExpm1 {
+    double b, q;
+    double forward(double y) const {
+        const double exponent = y / q;
+        return exponent < 700 ? b * numerics::expm1_fn(exponent) : std::exp(std::log(b) + exponent);
+    }
+    double inverse(double x) const { return q * log_one_plus(x); }
+    /// ln(1 + x/b).
+    double log_one_plus(double x) const {
+        const double ratio = x / b;
+        return ratio <= DBL_MAX ? numerics::log1p_fn(ratio) : numerics::log_ratio(x, b);
+    }
+};
+
+/// Scale b >= 0, 0 being a point mass at 0, shape q > 0; support [0, inf). F = 1 - (b/(x + b))^q (Lomax):
+/// q ln(1 + x/b) is exponential.
+struct Pareto2 : Transformed<Expon, ScaledExpm1> {
+    Pareto2(double b, double q) : Transformed{{1}, {b, q}}, log_peak_(std::log(q) - std::log(b)) {}
+    Message check() const {
+        if (!(map.b >= 0)) return "Error: b must be >= 0";
+        if (!(map.q > 0)) return "Error: q must be > 0";
+        return nullptr;
+    }
+    Support support() const { return kPositiveReals; }
+    std::optional<double> point_mass() const { return map.b == 0 ? std::optional(0.0) : std::nullopt; }
+    double log_density(double x) const { return log_peak_ - (map.q + 1) * map.log_one_plus(x); }
+
+  private:
+    double log_peak_;
+};
+
+}  // namespace pral
