@@ -268,12 +268,13 @@ PRAL_API bool PralMarkovSampleVB_Core(SAFEARRAY** out, const double* population,
  * "Error: the portfolio is too large", "Error: the recursion leaves the range of numbers", and that of Relative. */
 
 /* One value: the quantile at percentile *U, or at a draw of the stream when U is null or *U is -1. */
-PRAL_API bool PralAggregateDePril_Core(double* out, const double* q, const double* policies, int m, int c, double base,
-                                       const int* K, const double* U);
+PRAL_API bool PralAggregateDePril_Core(double* out, const double* q, const double* policies, int m, int c,
+                                       double base, const int* K, const double* U);
 
 /* The joint density of x[0 .. count-1]; their joint cumulative probability when *cumulative is neither 0 nor -1. */
-PRAL_API bool PralAggregateDePrilProb_Core(double* out, double* x, int count, const double* q, const double* policies,
-                                           int m, int c, double base, const int* K, const int* cumulative);
+PRAL_API bool PralAggregateDePrilProb_Core(double* out, double* x, int count, const double* q,
+                                           const double* policies, int m, int c, double base, const int* K,
+                                           const int* cumulative);
 
 /* The base-10 logarithm of that. */
 PRAL_API bool PralAggregateDePrilProb10_Core(double* out, double* x, int count, const double* q,

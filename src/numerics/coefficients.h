@@ -4,6 +4,7 @@
 // first, implied ones written out) for `horner`; tables and Chebyshev coefficients stand in index order.
 #pragma once
 
+// clang-format off
 namespace pral::numerics::coefficients {
 
 namespace cephes {
