@@ -15,7 +15,8 @@
 #include "numerics/error_report.h"
 #include "numerics/golden_section.h"
 #include "numerics/poisson.h"
-#include "numerics/reference_table.h"
+#include "support/accuracy.h"
+#include "support/table.h"
 
 namespace pral::numerics {  // not by a using directive: the C library has a gamma of its own
 namespace {
@@ -69,7 +70,7 @@ const Function kFunctions[] = {
 };
 
 TEST(Gamma, FunctionsAgainstTheirTables) {
-    WorstCases worst;
+    Accuracy worst;
     for (const auto& row : table("reference/gamma_functions.tsv")) {
         const double arguments[] = {number(row, 1), number(row, 2), number(row, 3)};
         for (const Function& function : kFunctions) {

@@ -11,7 +11,8 @@
 #include "numerics/gamma.h"
 #include "numerics/gamma_quantile.h"
 #include "numerics/gamma_ratio.h"
-#include "numerics/reference_table.h"
+#include "support/accuracy.h"
+#include "support/table.h"
 
 namespace {
 
@@ -59,7 +60,7 @@ double error_of(const Function& function, double actual, double expected) {
 }
 
 TEST(IncompleteGamma, RatiosAgainstTheTable) {
-    WorstCases worst;
+    Accuracy worst;
     for (const auto& row : table("reference/incomplete_gamma.tsv")) {
         const double a = number(row, 0), x = number(row, 1);
         for (const Function& function : kFunctions) {
@@ -72,7 +73,7 @@ TEST(IncompleteGamma, RatiosAgainstTheTable) {
 }
 
 TEST(IncompleteGamma, InversesAgainstTheTable) {
-    WorstCases worst;
+    Accuracy worst;
     for (const auto& row : table("reference/gamma_inverse.tsv")) {
         const double a = number(row, 1), p = number(row, 2), expected = number(row, 3);
         const bool lower = row[0] == "lower";

@@ -11,7 +11,8 @@
 #include "numerics/constants.h"
 #include "numerics/gamma_ratio.h"
 #include "numerics/normal.h"
-#include "numerics/reference_table.h"
+#include "support/accuracy.h"
+#include "support/table.h"
 
 namespace {
 
@@ -21,7 +22,7 @@ using namespace pral::test;
 constexpr double kInf = std::numeric_limits<double>::infinity();
 
 TEST(NoncentralChiSquare, BothTailsAndDensityAgainstTheTable) {
-    WorstCases worst;
+    Accuracy worst;
     for (const auto& row : table("reference/noncentral_chi_square.tsv")) {
         const double nu = number(row, 0), lambda = number(row, 1), x = number(row, 2);
         const double lower = noncentral_chi_square_lower(nu, lambda, x);
@@ -38,7 +39,7 @@ TEST(NoncentralChiSquare, BothTailsAndDensityAgainstTheTable) {
 }
 
 TEST(NoncentralChiSquare, BesselFunctionAgainstTheTable) {
-    WorstCases worst;
+    Accuracy worst;
     for (const auto& row : table("reference/bessel.tsv")) {
         const double nu = number(row, 0), x = number(row, 1);
         const std::string where = place(row, 0, 2);

@@ -4,28 +4,18 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdio>
-#include <functional>
 #include <limits>
 #include <map>
 #include <string>
 
 #include "numerics/constants.h"
 #include "numerics/error_report.h"
+#include "support/accuracy.h"
 #include "support/table.h"
 
 namespace {
 
 using namespace pral;
-
-/// The error of `actual` in units in the last place of `expected`.
-double ulps(double actual, double expected) {
-    if (actual == expected) return 0;
-    const double magnitude = std::fabs(expected);
-    return std::fabs(actual - expected) / (std::nextafter(magnitude, HUGE_VAL) - magnitude);
-}
-
-double relative(double actual, double expected) { return std::fabs(actual - expected) / std::fabs(expected); }
 
 struct Function {
     double (*evaluate)(double);
@@ -43,31 +33,19 @@ const std::map<std::string, Function> kFunctions = {
 };
 
 TEST(Normal, FunctionsKeepTwoUlpsInTheBodyAnd1e15InTheTails) {
-    struct Worst {
-        double error = 0, place = 0;
-    };
-    std::map<std::string, Worst> body, tail;
+    test::Accuracy accuracy;
     for (const auto& row : test::table("reference/normal.tsv")) {
-        const double x = std::strtod(row.at(1).c_str(), nullptr);
-        const double expected = std::strtod(row.at(2).c_str(), nullptr);
-        const Function& function = kFunctions.at(row.at(0));
+        const double x = test::number(row, 1), expected = test::number(row, 2);
+        const Function& function = kFunctions.at(row[0]);
         const double actual = function.evaluate(x);
-        if (std::fabs(expected) < 1e-300) {
+        if (std::fabs(expected) < 1e-300)
             EXPECT_NEAR(actual, expected, 1e-300 * 1e-12) << row[0] << ' ' << x;
-            continue;
-        }
-        Worst& worst = (function.body(x) ? body : tail)[row[0]];
-        const double error = function.body(x) ? ulps(actual, expected) : relative(actual, expected);
-        if (!(error <= worst.error)) worst = {error, x};
+        else if (function.body(x))
+            accuracy.record(row[0] + " body, ulps", test::ulps(actual, expected), 2, row[1]);
+        else
+            accuracy.record(row[0] + " tail", test::relative_error(actual, expected), 1e-15, row[1]);
     }
-    for (const auto& [name, worst] : body) {
-        std::printf("%-16s body %.2f ulp at %.17g\n", name.c_str(), worst.error, worst.place);
-        EXPECT_LE(worst.error, 2) << name << " at " << worst.place;
-    }
-    for (const auto& [name, worst] : tail) {
-        std::printf("%-16s tail %.1e at %.17g\n", name.c_str(), worst.error, worst.place);
-        EXPECT_LE(worst.error, 1e-15) << name << " at " << worst.place;
-    }
+    accuracy.report();
 }
 
 TEST(Normal, EndsAndNaN) {

@@ -45,4 +45,16 @@ inline Parameters numbers(const std::string& text) {
     return values;
 }
 
+/// A row's cell as a number; decimal or hexadecimal.
+inline double number(const std::vector<std::string>& row, std::size_t column) {
+    return std::strtod(row.at(column).c_str(), nullptr);
+}
+
+/// The cells of a row before `end`, for messages.
+inline std::string place(const std::vector<std::string>& row, std::size_t begin, std::size_t end) {
+    std::string text;
+    for (std::size_t i = begin; i < end; ++i) text += (i == begin ? "" : " ") + row.at(i);
+    return text;
+}
+
 }  // namespace pral::test
