@@ -4,7 +4,7 @@ PREFIX ?= /usr/local
 JOBS := $(shell nproc)
 
 .DEFAULT_GOAL := build
-.PHONY: build demo test test-linux test-windows windows bench sanitize lint lint-all format install clean help
+.PHONY: accuracy build demo test test-linux test-windows windows bench sanitize lint lint-all format install clean help
 
 build:  ## the library, the companion and the example, for Linux (build/release)
 	@scripts/install-deps.sh linux
@@ -37,6 +37,12 @@ bench:  ## benchmarks; BENCH='--benchmark_filter=Normal' picks some
 	cmake --preset release
 	cmake --build --preset release --parallel $(JOBS) --target benchmarks
 	@for program in build/release/*_benchmarks; do echo "== $$program"; $$program $(BENCH) || exit 1; done
+
+accuracy:  ## measures the accuracy and writes the tables of docs/numerics.md
+	@scripts/install-deps.sh linux
+	cmake --preset release
+	cmake --build --preset release --parallel $(JOBS) --target numerics_tests distributions_tests
+	tools/write_accuracy.py build/release
 
 sanitize:  ## the Linux tests under the address and undefined-behaviour sanitizers
 	@scripts/install-deps.sh linux
