@@ -417,6 +417,34 @@ PRAL_FAMILY(Kumaraswamy4, continuous, (double alpha, double beta, double min, do
     "shapes alpha > 0, beta > 0, min <= max, equal being a point mass; support [min, max]; "
     "min + (max - min) Kumaraswamy(alpha, beta)")
 
+PRAL_FAMILY(Triangle, continuous, (double min, double mode, double max),
+    "min <= mode <= max, all equal being a point mass; support [min, max]; the density rises linearly to the mode and "
+    "falls linearly")
+
+PRAL_FAMILY(TriangleAlt, continuous, (double Low, double Mode, double High, double LowP, double HighP),
+    "Low < Mode < High, 0 < LowP < 0.5 < HighP < 1; support [min, max]; the Triangle with that mode whose cumulative is "
+    "LowP at Low and HighP at High")
+
+PRAL_FAMILY(LogTriangle, continuous, (double Min, double Mode, double Max),
+    "0 < Min <= Mode <= Max, all equal being a point mass; support [Min, Max]; exp(Triangle(ln Min, ln Mode, ln Max))")
+
+PRAL_FAMILY(SplitTriangle, continuous,
+    (double Low, double Medium, double High, double LowP, double MediumP, double HighP),
+    "Low < Medium < High, 0 <= LowP < MediumP < HighP < 1; support [min, max]; two triangles that meet at Medium: F = "
+    "MediumP ((x - min)/(Medium - min))^2 below, 1 - F = (1 - MediumP) ((max - x)/(max - Medium))^2 above, min and max "
+    "from F(Low) = LowP and F(High) = HighP")
+
+PRAL_FAMILY(GTU, continuous, (double min, double leftmode, double rightmode, double max, double m, double n),
+    "min <= leftmode <= rightmode <= max, min = max being a point mass; powers m >= 1, n >= 1; support [min, max]; the "
+    "density rises as ((x - min)/(leftmode - min))^(m - 1), is level between the modes and falls as "
+    "((max - x)/(max - rightmode))^(n - 1)")
+
+PRAL_FAMILY(LogUniform, continuous, (double Min, double Max),
+    "0 < Min < Max; support [Min, Max]; F = ln(x/Min)/ln(Max/Min)")
+
+PRAL_FAMILY(Reciprocal, continuous, (double a, double b),
+    "0 < a <= b, equal being a point mass; support [a, b]; F = ln(x/a)/ln(b/a)")
+
 PRAL_FAMILY(Lifetime2, continuous, (double A, double B),
     "A >= 0, B >= 0, not both 0; support [0, inf); hazard rate A + B t: F = 1 - exp(-(A t + B t^2/2))")
 

@@ -10,6 +10,7 @@
 #include "distributions/continuous/lognormal.h"
 #include "distributions/continuous/normal.h"
 #include "distributions/continuous/pareto.h"
+#include "distributions/continuous/triangle.h"
 #include "distributions/continuous/uniform.h"
 #include "distributions/continuous/weibull.h"
 #include "distributions/data/cumulative.h"

@@ -43,7 +43,7 @@ def points(family):
         return family.points()
     found = [search(lambda x: family.cdf(x) < p, family.support) for p in TAILS]
     found += [search(lambda x: family.sf(x) > q, family.support) for q in TAILS]
-    lower, upper = family.support
+    lower, upper = family.support[0] + family.margin, family.support[1] - family.margin
     return sorted({x for x in found if lower < x < upper and family.cdf(m.mpf(x)) > 0 and family.sf(m.mpf(x)) > 0})
 
 

@@ -6,10 +6,11 @@ INF = m.inf
 
 
 class Family:
-    """cdf, sf and logpdf take an mpf inside the support; `support` its ends."""
+    """cdf, sf and logpdf take an mpf inside the support; `support` its ends. Points nearer to an end than `margin` are no
+    reference points: for families whose ends are computed, and carry a rounding error."""
 
-    def __init__(self, support, cdf, sf, logpdf):
-        self.support, self.cdf, self.sf, self.logpdf = support, cdf, sf, logpdf
+    def __init__(self, support, cdf, sf, logpdf, margin=0):
+        self.support, self.cdf, self.sf, self.logpdf, self.margin = support, cdf, sf, logpdf, margin
 
 
 def phi(z):

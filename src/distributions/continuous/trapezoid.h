@@ -1,0 +1,142 @@
+// The generalised trapezoidal distribution (van Dorp and Kotz 2003): a power of the distance from the lower end, a level
+// stage, a power of the distance from the upper end; on the variable itself or on its logarithm.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+
+#include "distributions/family.h"
+
+namespace pral {
+
+/// Distances on the variable itself.
+struct LinearAxis {
+    static double distance(double from, double to) { return to - from; }
+    static double move(double from, double by) { return from + by; }
+    /// ln of what one unit of x is on the axis.
+    static double log_slope(double) { return 0; }
+};
+
+/// Distances on its logarithm, with the digits that the difference of two logarithms loses.
+struct LogAxis {
+    static double distance(double from, double to) { return numerics::log_ratio(to, from); }
+    static double move(double from, double by) {
+        const double half = std::exp(by / 2);  // e^by alone may be beyond the range
+        return std::fabs(by) < 700 ? from * std::exp(by) : from * half * half;
+    }
+    static double log_slope(double x) { return -std::log(x); }
+};
+
+/// A stage between an end of the support, where the density is 0 (or level: power 1), and a mode: the probability beyond
+/// x is mass (distance from the end / width)^power. Where x is nearer to the mode, its distance from there is used.
+template <class Axis>
+struct PowerStage {
+    double end, mode, power, mass;
+    double direction;  // of the mode from the end: 1 or -1
+    double width, log_peak;
+
+    PowerStage(double end_, double mode_, double direction_, double power_, double mass_)
+        : end(end_),
+          mode(mode_),
+          power(power_),
+          mass(mass_),
+          direction(direction_),
+          width(direction_ * Axis::distance(end_, mode_)),
+          log_peak(std::log(mass_ / width * power_)),
+          square_(power_ == 2),
+          square_width_(width / std::sqrt(mass_)) {}
+
+    bool contains(double x) const { return direction > 0 ? x < mode : x > mode; }
+    /// The probability between the end and x.
+    double outside(double x) const {
+        const double part = direction * Axis::distance(end, x) / width;
+        return mass * (square_ ? part * part : std::exp(power * log_position(x)));
+    }
+    double log_outside(double x) const { return std::log(mass) + power * log_position(x); }
+    /// The probability between x and the mode.
+    double inside(double x) const {
+        const double rest = direction * Axis::distance(x, mode) / width;
+        return mass * (square_ ? rest * (2 - rest) : -numerics::expm1_fn(power * log_position(x)));
+    }
+    double log_density(double x) const {
+        return power == 1 ? log_peak : log_peak + (power - 1) * log_position(x);
+    }
+    /// The inverses of outside and inside.
+    double at_outside(double tail) const {
+        return square_ ? Axis::move(end, direction * square_width_ * std::sqrt(tail))
+                       : at_log_position(std::log(tail / mass) / power);
+    }
+    double at_inside(double tail) const {
+        const double part = std::min(tail / mass, 1.0);
+        return square_ ? Axis::move(mode, -direction * width * part / (1 + std::sqrt(1 - part)))
+                       : at_log_position(numerics::log1p_fn(-part) / power);
+    }
+
+  private:
+    double log_position(double x) const {
+        const double from_end = direction * Axis::distance(end, x);
+        const double from_mode = direction * Axis::distance(x, mode);
+        return from_end < from_mode ? std::log(from_end / width) : numerics::log1p_fn(-from_mode / width);
+    }
+    double at_log_position(double log) const {
+        return log < -numerics::kLn2 ? Axis::move(end, direction * width * std::exp(log))
+                                     : Axis::move(mode, direction * width * numerics::expm1_fn(log));
+    }
+
+    bool square_;
+    double square_width_;
+};
+
+/// A stage of either kind may be missing: width and mass 0. min <= left mode <= right mode <= max; all equal are a point
+/// mass.
+template <class Axis>
+struct Trapezoid {
+    using Stage = PowerStage<Axis>;
+    Stage left, right;
+
+    Trapezoid(const Stage& left_, double level_mass, const Stage& right_)
+        : left(left_),
+          right(right_),
+          level_mass_(level_mass),
+          level_height_(level_mass / Axis::distance(left_.mode, right_.mode)) {}
+
+    Support support() const { return {left.end, right.end}; }
+    std::optional<double> point_mass() const {
+        return left.end == right.end ? std::optional(left.end) : std::nullopt;
+    }
+    double cumulative(double x) const { return tail(left, right, x); }
+    double survival(double x) const { return tail(right, left, x); }
+    double log_cumulative(double x) const {
+        if (left.contains(x)) return left.log_outside(x);
+        const double upper = survival(x);
+        return upper < 0.5 ? numerics::log1p_fn(-upper) : std::log(cumulative(x));
+    }
+    double log_density(double x) const { return log_height(x) + Axis::log_slope(x); }
+    double quantile(double p) const { return at_tail(left, right, p); }
+    double quantile_upper(double q) const { return at_tail(right, left, q); }
+
+  private:
+    /// The probability between the end of `near` and x, without a difference.
+    double tail(const Stage& near, const Stage& far, double x) const {
+        if (near.contains(x)) return near.outside(x);
+        if (far.contains(x)) return near.mass + level_mass_ + far.inside(x);
+        if (level_mass_ == 0) return near.mass;
+        return near.mass + level_height_ * (near.direction * Axis::distance(near.mode, x));
+    }
+    double at_tail(const Stage& near, const Stage& far, double tail) const {
+        if (tail < near.mass) return near.at_outside(tail);
+        const double past = tail - near.mass;
+        if (past < level_mass_) return Axis::move(near.mode, near.direction * past / level_height_);
+        return tail > 0.5 ? at_tail(far, near, 1 - tail) : far.at_inside(past - level_mass_);
+    }
+    double log_height(double x) const {
+        if (left.contains(x)) return left.log_density(x);
+        if (right.contains(x)) return right.log_density(x);
+        if (level_mass_ > 0) return std::log(level_height_);
+        return right.width > 0 ? right.log_peak : left.log_peak;
+    }
+
+    double level_mass_, level_height_;
+};
+
+}  // namespace pral

@@ -1,0 +1,67 @@
+#include "distributions/continuous/triangle.h"
+
+#include "distributions/exports.h"
+
+namespace pral {
+
+namespace {
+
+/// A flank in which `tail` lies beyond a point and `gap` between that point and the mode.
+struct Flank {
+    double distance, tail;  // of the point from the mode, and the probability beyond it
+
+    /// k - sqrt(tail k) for k = tail + gap, the probability of the flank: proportional to k times (1 - z) if the point
+    /// lies z of the way from the mode to the end.
+    double reach(double gap) const {
+        const double k = std::sqrt(tail + gap);
+        return k * gap / (k + std::sqrt(tail));
+    }
+    double reach_slope(double gap) const { return 1 - 0.5 * std::sqrt(tail / (tail + gap)); }
+    double width(double gap) const { return distance * ((tail + gap) / reach(gap)); }
+};
+
+/// The gap of `near`, at most half of `total`, where both flanks have widths proportional to their probabilities:
+/// far.distance near.reach(gap) = near.distance far.reach(total - gap). The left side rises from 0, the right side falls.
+double solve_gap(const Flank& near, const Flank& far, double total) {
+    constexpr int kMaxSteps = 100;  // halvings reach 1e-30 of the total; Newton's steps need 5
+    double lower = 0, upper = 0.5 * total, gap = upper;
+    for (int step = 0; step < kMaxSteps; ++step) {
+        const double excess = far.distance * near.reach(gap) - near.distance * far.reach(total - gap);
+        (excess > 0 ? upper : lower) = gap;
+        const double slope =
+            far.distance * near.reach_slope(gap) + near.distance * far.reach_slope(total - gap);
+        double next = gap - excess / slope;
+        if (!(next > lower && next < upper)) next = 0.5 * (lower + upper);
+        if (std::fabs(next - gap) <= 2e-16 * gap) return next;
+        gap = next;
+    }
+    return gap;
+}
+
+}  // namespace
+
+TriangleAlt::Widths TriangleAlt::widths(const ModeAndPercentiles& points) {
+    const Flank left = {points.Mode - points.Low, points.LowP};
+    const Flank right = {points.High - points.Mode, 1 - points.HighP};
+    const double total = points.HighP - points.LowP, half = 0.5 * total;
+    if (right.distance * left.reach(half) > left.distance * right.reach(half)) {
+        const double gap = solve_gap(left, right, total);
+        return {left.width(gap), right.width(total - gap)};
+    }
+    const double gap = solve_gap(right, left, total);
+    return {left.width(total - gap), right.width(gap)};
+}
+
+}  // namespace pral
+
+PRAL_EXPORT_FAMILY(Triangle, (double min, double mode, double max), (min, mode, max));
+PRAL_EXPORT_FAMILY(TriangleAlt, (double Low, double Mode, double High, double LowP, double HighP),
+                   (Low, Mode, High, LowP, HighP));
+PRAL_EXPORT_FAMILY(LogTriangle, (double Min, double Mode, double Max), (Min, Mode, Max));
+PRAL_EXPORT_FAMILY(SplitTriangle,
+                   (double Low, double Medium, double High, double LowP, double MediumP, double HighP),
+                   (Low, Medium, High, LowP, MediumP, HighP));
+PRAL_EXPORT_FAMILY(GTU, (double min, double leftmode, double rightmode, double max, double m, double n),
+                   (min, leftmode, rightmode, max, m, n));
+PRAL_EXPORT_FAMILY(LogUniform, (double Min, double Max), (Min, Max));
+PRAL_EXPORT_FAMILY(Reciprocal, (double a, double b), (a, b));
