@@ -13,9 +13,9 @@ namespace {
 constexpr Message kTooLarge = "Error: the portfolio is too large";
 constexpr Message kOverflow = "Error: the recursion leaves the range of numbers";
 
-/// Ends of tables and of work, so that no portfolio takes more than some seconds or some hundred megabytes.
+/// Ends of tables and of work, so that no portfolio takes more than a few seconds or some hundred megabytes.
 constexpr std::size_t kMostAmounts = std::size_t{1} << 24;
-constexpr double kMostWork = 2e10;
+constexpr double kMostWork = 4e9;
 
 /// Numbers on their way to underflow count as 0: they have lost digits and are slow. A power of a ratio that small could
 /// only matter to probabilities that are as small.
@@ -223,6 +223,7 @@ void recursion(const Risk& risk, std::size_t order, AggregateClaims& claims) {
         if (largest > kTooHigh) {
             for (double& probability : g) probability = flushed(probability * kLowered);
             largest *= kLowered;
+            work += static_cast<double>(g.size());
         }
         work += static_cast<double>(coefficients.terms(s));
         if (s >= kMostAmounts || work > kMostWork) {

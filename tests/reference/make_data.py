@@ -278,8 +278,9 @@ def aggregate():
             if x < len(g) - 1 and d.lower(x) + d.upper(x) == 1 and d.upper(x) > Q(1, 10**20):
                 lines.append([" ".join(map(repr, map(float, q))), " ".join(map(repr, map(float, policies))),
                               str(order or 0), repr(float(certain + x)), text(d.density(x)), text(d.lower(x)),
+                              text(m.log10(real(d.lower(x)))) if d.lower(x) else "-1.7976931348623157e308",
                               text(real(Q(certain)) + d.quantile(Q(0.8125)))])
-    write("aggregate.tsv", "q\tpolicies\tK\tx\tdensity\tcumulative\tquantile at 0.8125", lines)
+    write("aggregate.tsv", "q\tpolicies\tK\tx\tdensity\tcumulative\tlog10 cumulative\tquantile at 0.8125", lines)
 
 
 if __name__ == "__main__":
