@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "distributions/family.h"
+#include "numerics/sums.h"
 
 namespace pral {
 
@@ -73,6 +74,18 @@ struct LogLocationScale {
         const double log_x = usable_ ? y + log_center : std::log(x);
         return standard.log_density(y / spread) - log_spread_ - log_x;
     }
+    /// Where the spread is not small the difference of two logarithms will do, one a value and no branch.
+    double log_likelihood(std::span<const double> values) const {
+        if (usable_ && spread > 0.05) {
+            const double sum = numerics::interleaved_sum(values, [this](double x) {
+                const double y = std::log(x) - log_center;
+                return standard.log_density(y / spread) - y;
+            });
+            if (std::isfinite(sum))
+                return sum - static_cast<double>(values.size()) * (log_spread_ + log_center);
+        }
+        return sum_of_log_densities(*this, values);
+    }
     double quantile(double p) const { return value(standard.quantile(p)); }
     double quantile_upper(double q) const { return value(pral::quantile_upper(standard, q)); }
 
@@ -127,7 +140,8 @@ struct Transformed {
     std::optional<double> point_mass() const requires(!requires(const Base& b) { b.point_mass(); }) {
         return std::nullopt;
     }
-    std::optional<double> point_mass() const requires requires(const Base& b) { b.point_mass(); } {
+    std::optional<double> point_mass() const requires requires(const Base& b) { b.point_mass(); }
+    {
         const auto y = base.point_mass();
         return y ? std::optional(map.forward(*y)) : std::nullopt;
     }

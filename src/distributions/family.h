@@ -129,20 +129,25 @@ double log_survival(const D& d, double x) {
     }
 }
 
-/// The sum of the log densities of values inside the support; -inf as soon as one of them has density 0.
+/// The sum of the log densities, one by one; -inf as soon as one of the values has density 0.
+template <Distribution D>
+double sum_of_log_densities(const D& d, std::span<const double> values) {
+    double sum = 0;
+    for (const double value : values) {
+        const double term = d.log_density(value);
+        if (term == -HUGE_VAL) return term;
+        sum += term;
+    }
+    return sum;
+}
+
+/// The sum of the log densities of values inside the support.
 template <Family D>
 double log_likelihood(const D& d, std::span<const double> values) {
-    if constexpr (requires { d.log_likelihood(values); }) {
+    if constexpr (requires { d.log_likelihood(values); })
         return d.log_likelihood(values);
-    } else {
-        double sum = 0;
-        for (const double value : values) {
-            const double term = d.log_density(value);
-            if (term == -HUGE_VAL) return term;
-            sum += term;
-        }
-        return sum;
-    }
+    else
+        return sum_of_log_densities(d, values);
 }
 
 }  // namespace pral

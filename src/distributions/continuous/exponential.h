@@ -7,6 +7,17 @@
 
 namespace pral {
 
+/// Mean 1, for families that are made of it: F = 1 - e^-z.
+struct StandardExponential {
+    Support support() const { return kPositiveReals; }
+    double cumulative(double z) const { return -numerics::expm1_fn(-z); }
+    double survival(double z) const { return std::exp(-z); }
+    double log_survival(double z) const { return -z; }
+    double log_density(double z) const { return -z; }
+    double quantile(double p) const { return -numerics::log1p_fn(-p); }
+    double quantile_upper(double q) const { return -std::log(q); }
+};
+
 /// Mean beta >= 0; beta = 0 is a point mass at 0. F = 1 - exp(-x/beta).
 struct Expon {
     double beta;

@@ -39,8 +39,8 @@ struct RisingHazard {
 };
 
 /// Hazard rate A + B t, A >= 0, B >= 0, not both 0; support [0, inf). F = 1 - exp(-(A t + B t^2/2)).
-struct Lifetime2 : Transformed<Expon, RisingHazard> {
-    Lifetime2(double A, double B) : Transformed{{1}, {A, B, 0}} {}
+struct Lifetime2 : Transformed<StandardExponential, RisingHazard> {
+    Lifetime2(double A, double B) : Transformed{{}, {A, B, 0}} {}
     Message check() const {
         if (!(map.a >= 0)) return "Error: A must be >= 0";
         if (!(map.b >= 0)) return "Error: B must be >= 0";
@@ -104,8 +104,8 @@ struct QuadraticHazard {
 };
 
 /// Hazard rate A + B t + C t^2, A > 0, C > 0, A - B^2/(4 C) > 0, so that it is positive; support [0, inf).
-struct Lifetime3 : Transformed<Expon, QuadraticHazard> {
-    Lifetime3(double A, double B, double C) : Transformed{{1}, {A, B, C}} {}
+struct Lifetime3 : Transformed<StandardExponential, QuadraticHazard> {
+    Lifetime3(double A, double B, double C) : Transformed{{}, {A, B, C}} {}
     Message check() const {
         if (!(map.A > 0)) return "Error: A must be > 0";
         if (!(map.C > 0)) return "Error: C must be > 0";
@@ -155,8 +155,8 @@ struct ExponentialHazard {
 };
 
 /// Hazard rate exp(A + B t), B > 0; support [0, inf). F = 1 - exp(-(exp(A + B t) - exp(A))/B) (Gompertz).
-struct LifetimeExp : Transformed<Expon, ExponentialHazard> {
-    LifetimeExp(double A, double B) : Transformed{{1}, {A, B}} {}
+struct LifetimeExp : Transformed<StandardExponential, ExponentialHazard> {
+    LifetimeExp(double A, double B) : Transformed{{}, {A, B}} {}
     Message check() const {
         if (!(map.B > 0)) return "Error: B must be > 0";
         return nullptr;

@@ -8,11 +8,11 @@ namespace pral {
 
 /// Shape theta > 0, smallest value a >= 0, 0 being a point mass at 0; support [a, inf). F = 1 - (a/x)^theta:
 /// theta ln(x/a) is exponential.
-struct Pareto : LogLocationScale<Expon> {
+struct Pareto : LogLocationScale<StandardExponential> {
     double theta, a;
 
     Pareto(double theta_, double a_)
-        : LogLocationScale(a_, std::log(a_), 1 / theta_, {1}), theta(theta_), a(a_) {}
+        : LogLocationScale(a_, std::log(a_), 1 / theta_, {}), theta(theta_), a(a_) {}
     Message check() const {
         if (!(theta > 0)) return "Error: theta must be > 0";
         if (!(a >= 0)) return "Error: a must be >= 0";
@@ -41,8 +41,8 @@ struct ScaledExpm1 {
 
 /// Scale b >= 0, 0 being a point mass at 0, shape q > 0; support [0, inf). F = 1 - (b/(x + b))^q (Lomax):
 /// q ln(1 + x/b) is exponential.
-struct Pareto2 : Transformed<Expon, ScaledExpm1> {
-    Pareto2(double b, double q) : Transformed{{1}, {b, q}}, log_peak_(std::log(q) - std::log(b)) {}
+struct Pareto2 : Transformed<StandardExponential, ScaledExpm1> {
+    Pareto2(double b, double q) : Transformed{{}, {b, q}}, log_peak_(std::log(q) - std::log(b)) {}
     Message check() const {
         if (!(map.b >= 0)) return "Error: b must be >= 0";
         if (!(map.q > 0)) return "Error: q must be > 0";
