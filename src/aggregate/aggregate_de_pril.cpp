@@ -28,8 +28,10 @@ std::unique_ptr<const Relative> relative_of(const std::vector<double>& probabili
 
 std::shared_ptr<const ComputedPortfolio> compute(const Portfolio& portfolio, std::size_t order) {
     const AggregateClaims claims = aggregate_claims(portfolio, order);
-    auto uncertain = claims.objection == nullptr ? relative_of(claims.probabilities) : nullptr;
-    const Message objection = uncertain != nullptr ? uncertain->check() : claims.objection;
+    Message objection = claims.objection;
+    auto uncertain = objection == nullptr ? relative_of(claims.probabilities) : nullptr;
+    if (uncertain != nullptr) objection = uncertain->check();
+    if (objection != nullptr) uncertain = nullptr;
     return std::make_shared<const ComputedPortfolio>(ComputedPortfolio{
         {portfolio.q.begin(), portfolio.q.end()},
         {portfolio.policies.begin(), portfolio.policies.end()},
@@ -77,8 +79,7 @@ class Store {
     /// A Relative keeps six numbers for each amount.
     static std::size_t size(const ComputedPortfolio& computed) {
         const double amounts = computed.uncertain != nullptr ? computed.uncertain->support().upper : 0;
-        return computed.q.size() + computed.policies.size() +
-               6 * static_cast<std::size_t>(std::max(amounts, 0.0));
+        return computed.q.size() + computed.policies.size() + 6 * static_cast<std::size_t>(amounts);
     }
 
     std::unordered_multimap<std::uint16_t, std::shared_ptr<const ComputedPortfolio>> by_key_;
