@@ -42,15 +42,15 @@ struct Sloped {
     };
     std::vector<Ends> ends;
 
-    static double solve(double near, double far, double part) {
-        return part * (near + far) / (near + std::sqrt(near * near * (1 - part) + far * far * part));
+    static double solve(double from, double to, double part) {
+        return part * (from + to) / (from + std::sqrt(from * from * (1 - part) + to * to * part));
     }
     double position(std::size_t i, double part) const { return solve(ends[i].left, ends[i].right, part); }
     double position_above(std::size_t i, double part) const {
         return solve(ends[i].right, ends[i].left, part);
     }
-    static double share(double near, double far, double position) {
-        return position * (near * (2 - position) + far * position) / (near + far);
+    static double share(double from, double to, double position) {
+        return position * (from * (2 - position) + to * position) / (from + to);
     }
     double part(std::size_t i, double position) const { return share(ends[i].left, ends[i].right, position); }
     double part_above(std::size_t i, double position) const {
