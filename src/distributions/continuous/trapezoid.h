@@ -116,18 +116,18 @@ struct Trapezoid {
     double quantile_upper(double q) const { return at_tail(right, left, q); }
 
   private:
-    /// The probability between the end of `near` and x, without a difference.
-    double tail(const Stage& near, const Stage& far, double x) const {
-        if (near.contains(x)) return near.outside(x);
-        if (far.contains(x)) return near.mass + level_mass_ + far.inside(x);
-        if (level_mass_ == 0) return near.mass;
-        return near.mass + level_height_ * (near.direction * Axis::distance(near.mode, x));
+    /// The probability between the end of `here` and x, without a difference.
+    double tail(const Stage& here, const Stage& beyond, double x) const {
+        if (here.contains(x)) return here.outside(x);
+        if (beyond.contains(x)) return here.mass + level_mass_ + beyond.inside(x);
+        if (level_mass_ == 0) return here.mass;
+        return here.mass + level_height_ * (here.direction * Axis::distance(here.mode, x));
     }
-    double at_tail(const Stage& near, const Stage& far, double tail) const {
-        if (tail < near.mass) return near.at_outside(tail);
-        const double past = tail - near.mass;
-        if (past < level_mass_) return Axis::move(near.mode, near.direction * past / level_height_);
-        return tail > 0.5 ? at_tail(far, near, 1 - tail) : far.at_inside(past - level_mass_);
+    double at_tail(const Stage& here, const Stage& beyond, double tail) const {
+        if (tail < here.mass) return here.at_outside(tail);
+        const double past = tail - here.mass;
+        if (past < level_mass_) return Axis::move(here.mode, here.direction * past / level_height_);
+        return tail > 0.5 ? at_tail(beyond, here, 1 - tail) : beyond.at_inside(past - level_mass_);
     }
     double log_height(double x) const {
         if (left.contains(x)) return left.log_density(x);

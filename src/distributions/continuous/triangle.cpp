@@ -20,16 +20,16 @@ struct Flank {
     double width(double gap) const { return distance * ((tail + gap) / reach(gap)); }
 };
 
-/// The gap of `near`, at most half of `total`, where both flanks have widths proportional to their probabilities:
-/// far.distance near.reach(gap) = near.distance far.reach(total - gap). The left side rises from 0, the right side falls.
-double solve_gap(const Flank& near, const Flank& far, double total) {
+/// The gap of `here`, at most half of `total`, where both flanks have widths proportional to their probabilities:
+/// beyond.distance here.reach(gap) = here.distance beyond.reach(total - gap). The left side rises from 0, the right side falls.
+double solve_gap(const Flank& here, const Flank& beyond, double total) {
     constexpr int kMaxSteps = 100;  // halvings reach 1e-30 of the total; Newton's steps need 5
     double lower = 0, upper = 0.5 * total, gap = upper;
     for (int step = 0; step < kMaxSteps; ++step) {
-        const double excess = far.distance * near.reach(gap) - near.distance * far.reach(total - gap);
+        const double excess = beyond.distance * here.reach(gap) - here.distance * beyond.reach(total - gap);
         (excess > 0 ? upper : lower) = gap;
         const double slope =
-            far.distance * near.reach_slope(gap) + near.distance * far.reach_slope(total - gap);
+            beyond.distance * here.reach_slope(gap) + here.distance * beyond.reach_slope(total - gap);
         double next = gap - excess / slope;
         if (!(next > lower && next < upper)) next = 0.5 * (lower + upper);
         if (std::fabs(next - gap) <= 2e-16 * gap) return next;
