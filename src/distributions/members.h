@@ -34,10 +34,10 @@ bool rounds_after_shift(const D& d) {
 /// The shifted and then rounded value at percentile 0 < u < 1 of such a family.
 template <Family D>
 double rounded_value(double u, const Truncated<D>& kept, double shift) {
+    double value = kept.quantile(u) + shift;
     if constexpr (requires { kept.base().quantile_unrounded(u); })
-        return std::trunc(kept.limited(kept.base().quantile_unrounded(kept.percentile(u))) + shift);
-    else
-        return kept.quantile(u) + shift;
+        value = std::trunc(kept.limited(kept.base().quantile_unrounded(kept.percentile(u))) + shift);
+    return numerics::finite_or_limit(value);
 }
 
 /// The shifted value at percentile u, ends included; `bare` calls may use a generator of the family's own.

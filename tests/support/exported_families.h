@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "boundary/core_api.h"
-#include "support/table.h"
 
 namespace pral::test {
 
@@ -21,6 +20,8 @@ struct Given {
     const double* max = nullptr;
     const double* shift = nullptr;
 };
+
+using Parameters = std::vector<double>;
 
 struct ExportedFamily {
     std::string name, kind;

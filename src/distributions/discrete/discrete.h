@@ -32,7 +32,8 @@ class InversionWalk {
     InversionWalk(const D& d, double p) : InversionWalk(d, p, 1 - p, p <= 0.5) {}
 
     double operator()() const {
-        const double start = std::clamp(d_.start(std::min(p_, 1 - 0x1p-53)), bottom_, top_);
+        const double told = d_.start(std::min(p_, 1 - 0x1p-53));
+        const double start = std::clamp(std::isnan(told) ? 0 : told, bottom_, top_);
         const double tail = tail_at(start);
         return falls_short(tail) ? upwards(start, tail) : downwards(start, tail);
     }
@@ -90,10 +91,11 @@ class InversionWalk {
     /// From k in growing strides to a place on the other side of the percentile, or to the end of the support.
     double gallop(double k, double direction) const {
         const double end = direction > 0 ? top_ : bottom_;
-        for (double stride = kWalk;; stride *= 2) {
+        for (double stride = kWalk; stride <= numerics::kInfinity; stride *= 2) {
             k = direction > 0 ? std::min(k + stride, end) : std::max(k - stride, end);
             if (k == end || short_at(k) == (direction < 0)) return k;
         }
+        return end;
     }
 
     /// The first k of [low, high] that does not fall short; high does not.
