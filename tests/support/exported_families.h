@@ -67,7 +67,7 @@ ExportedFamily exported(const char* name, const char* kind,
             {probability(prob), probability(prob10)}};
 }
 
-/// Adds a family whose parameters are all doubles; those with tables have suites of their own.
+/// Adds a family whose parameters are all doubles; the data-defined ones have a suite of their own.
 template <class... T>
 void add(std::vector<ExportedFamily>& list, const char* name, const char* kind, bool (*value)(double*, T...),
          auto array, auto prob, auto prob10) {
