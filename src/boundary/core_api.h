@@ -281,6 +281,236 @@ PRAL_API bool PralAggregateDePrilProb10_Core(double* out, double* x, int count, 
                                              const double* policies, int m, int c, double base, const int* K,
                                              const int* cumulative);
 
+/* --------------------------------------------------------------------------------------------- Time series
+ *
+ * Each function simulates one path of a process, out[0 .. n-1], one element a step, by fresh draws of the random
+ * stream. Normal(m, s) and the like stand for a bare call of that family's PralX_Core: a Normal takes two draws of the
+ * stream, and one when its s is 0; the other families take one. The VB forms fill an automation array, n being its
+ * element count.
+ *
+ * Models of prices live on log returns y_t, t = 0 .. n - 1. With LogReturn 0 the path is the price
+ * S_t = S_(t-1) exp(y_t), S_(-1) being LastValue; otherwise it is y_t itself, and LastValue is not used. eps_t stands
+ * for Normal(0, sigma) and z_t for Normal(0, 1). lastReturn is y_(-1), lastShock e_(-1), lastSigma sigma_(-1), the state
+ * that was observed last. Shocks before the first step that are not arguments are drawn first, the earliest one before
+ * the others.
+ *
+ * Arguments without a range may have any value; a NaN among them, and a variance that a recurrence makes negative, give
+ * NaN. The messages stand in the order of checking, after "Error: out must not be null"; the path is 0 then. A draw
+ * that its family refuses ends the call with that family's message, and the steps before it stay.
+ */
+
+/* Geometric Brownian motion: y_t ~ Normal(mu dt_t, sigma sqrt(dt_t)). mu and sigma > 0 are mean and standard deviation
+ * of the log return per unit time: there is no correction by sigma^2/2. TimeStamps, when not null, are n ascending
+ * times, after LastTime: dt_0 = TimeStamps[0] - LastTime, dt_t = TimeStamps[t] - TimeStamps[t-1]; otherwise dt = 1. A
+ * first time before LastTime is refused by the Normal, "Error: sigma must be >= 0". LastValue may have any value.
+ * "Error: sigma must be >0", "Error: {TimeStamps} array must be sorted by ascending order" */
+PRAL_API bool PralTimeGBM_Core(double* out, int n, double mu, double sigma, double LastValue,
+                               const double* TimeStamps, int LogReturn, double LastTime);
+PRAL_API bool PralTimeGBMVB_Core(SAFEARRAY** out, double mu, double sigma, double LastValue,
+                                 const double* TimeStamps, int LogReturn, double LastTime);
+
+/* Log returns that revert to their mean (Ornstein-Uhlenbeck): y_t ~ Normal(mu + (y_(t-1) - mu) exp(-alpha dt_t),
+ * sigma sqrt((1 - exp(-2 alpha dt_t))/(2 alpha))). sigma > 0 per unit time; alpha, the speed of reversion per unit
+ * time, may have any value (0: a random walk; the root is sqrt(dt) then). TimeStamps, when not null, are n ascending
+ * times: dt_0 = TimeStamps[0], or 1 when that is not positive, dt_t = TimeStamps[t] - TimeStamps[t-1]; otherwise
+ * dt = 1. LastValue > 0.
+ * "Error: {TimeStamps} array must be sorted by ascending order", "Error: sigma must be >0",
+ * "Error: If LogReturn=FALSE LastValue must be >0" */
+PRAL_API bool PralTimeGBMMR_Core(double* out, int n, double mu, double sigma, double alpha, double lastReturn,
+                                 double LastValue, const double* TimeStamps, int LogReturn);
+PRAL_API bool PralTimeGBMMRVB_Core(SAFEARRAY** out, double mu, double sigma, double alpha, double lastReturn,
+                                   double LastValue, const double* TimeStamps, int LogReturn);
+
+/* Geometric Brownian motion with two seasonal cycles: y_t ~ Normal(mu + s1[t mod p1] + s2[t mod p2], sigma). The
+ * seasonal terms add to the log return of their step (a month and a weekday, say), so that exp(s) is a factor of its
+ * growth. The periods p1, p2 >= 1 count steps; of the count_s1 and count_s2 terms given the first p1 and p2 are used.
+ * sigma > 0; LastValue may have any value.
+ * "Error: sigma must be >0", "Error: p1 must be >0", "Error: p2 must be >0", "Error: p1 must be <= count_s1",
+ * "Error: p2 must be <= count_s2", "Error: s1 must not be null", "Error: s2 must not be null" */
+PRAL_API bool PralTimeSeasonalGBM_Core(double* out, int n, double mu, double sigma, const double* s1,
+                                       int count_s1, int p1, const double* s2, int count_s2, int p2,
+                                       int LogReturn, double LastValue);
+PRAL_API bool PralTimeSeasonalGBMVB_Core(SAFEARRAY** out, double mu, double sigma, const double* s1,
+                                         int count_s1, int p1, const double* s2, int count_s2, int p2,
+                                         int LogReturn, double LastValue);
+
+/* Autoregressions about the mean mu, sigma >= 0 being the standard deviation of a shock (0: a deterministic path).
+ * lastReturn is y_(-1), returnBefore y_(-2); LastValue may have any value.
+ *   AR1   y_t = a y_(t-1) + (1 - a) mu + eps_t
+ *   AR2   y_t = a1 y_(t-1) + a2 y_(t-2) + (1 - a1 - a2) mu + eps_t, n > 2
+ * "Error: output array lemgth must be >2" (AR2), "sigma must be >=0" */
+PRAL_API bool PralTimeAR1_Core(double* out, int n, double mu, double sigma, double a, double lastReturn,
+                               int LogReturn, double LastValue);
+PRAL_API bool PralTimeAR1VB_Core(SAFEARRAY** out, double mu, double sigma, double a, double lastReturn,
+                                 int LogReturn, double LastValue);
+PRAL_API bool PralTimeAR2_Core(double* out, int n, double mu, double sigma, double a1, double a2,
+                               double lastReturn, double returnBefore, int LogReturn, double LastValue);
+PRAL_API bool PralTimeAR2VB_Core(SAFEARRAY** out, double mu, double sigma, double a1, double a2,
+                                 double lastReturn, double returnBefore, int LogReturn, double LastValue);
+
+/* Moving averages of shocks, sigma >= 0; LastValue may have any value.
+ *   MA1   y_t = mu + eps_t + b eps_(t-1)
+ *   MA2   y_t = mu + eps_t + b1 eps_(t-1) + b2 eps_(t-2)
+ * "sigma must be >=0" */
+PRAL_API bool PralTimeMA1_Core(double* out, int n, double mu, double sigma, double b, int LogReturn,
+                               double LastValue);
+PRAL_API bool PralTimeMA1VB_Core(SAFEARRAY** out, double mu, double sigma, double b, int LogReturn,
+                                 double LastValue);
+PRAL_API bool PralTimeMA2_Core(double* out, int n, double mu, double sigma, double b1, double b2,
+                               int LogReturn, double LastValue);
+PRAL_API bool PralTimeMA2VB_Core(SAFEARRAY** out, double mu, double sigma, double b1, double b2,
+                                 int LogReturn, double LastValue);
+
+/* Both: y_t = a y_(t-1) + (1 - a) mu + eps_t + b eps_(t-1). n >= 2, sigma >= 0, LastValue > 0.
+ * "Error: output array size must be >=1", "sigma must be >=0",
+ * "if LogReturn is False then LastValue must be >0" (LogReturn 0) */
+PRAL_API bool PralTimeARMA_Core(double* out, int n, double mu, double sigma, double a, double b,
+                                double lastReturn, int LogReturn, double LastValue);
+PRAL_API bool PralTimeARMAVB_Core(SAFEARRAY** out, double mu, double sigma, double a, double b,
+                                  double lastReturn, int LogReturn, double LastValue);
+
+/* Log returns whose variance follows the shocks. mu is their mean (EGARCH, GARCH: their level), n >= 2, LastValue > 0.
+ * The first message of all four is "Error: output array size must be >=1" (n < 2), the last one
+ * "if LogReturn is False then LastValue must be >0" (LogReturn 0).
+ *
+ * ARCH: y_t = mu + e_t, e_t = sigma_t z_t, sigma_t^2 = omega + a e_(t-1)^2, e_(-1) = lastReturn - mu; omega > 0,
+ * a >= 0.
+ * "Error: omega must be >0", "Error: \"a\" must be >=0" */
+PRAL_API bool PralTimeARCH_Core(double* out, int n, double mu, double omega, double a, double lastReturn,
+                                int LogReturn, double LastValue);
+PRAL_API bool PralTimeARCHVB_Core(SAFEARRAY** out, double mu, double omega, double a, double lastReturn,
+                                  int LogReturn, double LastValue);
+
+/* GARCH: y_t = mu + sqrt(h_t) z_t, h_t = omega + a e_(t-1)^2 + b h_(t-1), where e_t = y_t, mu included, and
+ * h_(-1) = a e_(-1) + omega, with the last shock unsquared; omega > 0, a >= 0, b >= 0.
+ * "Error: omega must be >0", "Error: a must be >=0", "Error: b must be >=0" */
+PRAL_API bool PralTimeGARCH_Core(double* out, int n, double mu, double omega, double a, double b,
+                                 double lastShock, int LogReturn, double LastValue);
+PRAL_API bool PralTimeGARCHVB_Core(SAFEARRAY** out, double mu, double omega, double a, double b,
+                                   double lastShock, int LogReturn, double LastValue);
+
+/* EGARCH: y_t = mu + sigma_t z_t, ln sigma_t^2 = omega + alpha (|r| + gamma r - 2/pi) + beta ln sigma_(t-1)^2 with
+ * r = e_(t-1)/sigma_(t-1), where e_t = y_t, mu included, and e_(-1) = sigma_(-1) z_(-1). lastSigma should be > 0. */
+PRAL_API bool PralTimeEGARCH_Core(double* out, int n, double mu, double omega, double gamma, double alpha,
+                                  double beta, double lastSigma, int LogReturn, double LastValue);
+PRAL_API bool PralTimeEGARCHVB_Core(SAFEARRAY** out, double mu, double omega, double gamma, double alpha,
+                                    double beta, double lastSigma, int LogReturn, double LastValue);
+
+/* APARCH: y_t = mu + e_t, e_t = sigma_t z_t, sigma_t^delta = omega + alpha (|e_(t-1)| - gamma e_(t-1))^delta +
+ * beta sigma_(t-1)^delta, e_(-1) = sigma_(-1) z_(-1); omega > 0, delta >= 0, -1 < gamma < 1, alpha >= 0, beta >= 0.
+ * "Error: omega must be >0", "Error: delta must be >=0", "Error: omega must be between (-1,1)" (about gamma),
+ * "Error: \"a\" must be >=0" (alpha), "Error: \"b\" must be >=0" (beta) */
+PRAL_API bool PralTimeAPARCH_Core(double* out, int n, double mu, double omega, double delta, double gamma,
+                                  double alpha, double beta, double lastSigma, int LogReturn,
+                                  double LastValue);
+PRAL_API bool PralTimeAPARCHVB_Core(SAFEARRAY** out, double mu, double omega, double delta, double gamma,
+                                    double alpha, double beta, double lastSigma, int LogReturn,
+                                    double LastValue);
+
+/* Counts X_0, X_1, ... of a population of N0 >= 1 individuals, an integer, after times t, 2 t, ...; beta > 0 is the
+ * rate of each individual per unit of time, t > 0 the length of a step; p = exp(-beta t). When `logarithm` is not 0 the
+ * path is log10 X_i, and -DBL_MAX for 0.
+ *   Death   deaths:  X_i ~ Binomial(X_(i-1), p)
+ *           "n should be an integer", "n should be >=1", "beta should be >0", "t should be >0" */
+PRAL_API bool PralTimeDeath_Core(double* out, int n, double N0, double beta, double t, int logarithm);
+PRAL_API bool PralTimeDeathVB_Core(SAFEARRAY** out, double N0, double beta, double t, int logarithm);
+
+/* ----------------------------------------------------------------------------- Economic projections
+ *
+ * Linked annual series, out[0 .. n-1], of which out[0] is where they start. All stand on the logarithmic price
+ * inflation
+ *   I_0 = 0, I_t ~ Normal(QMU + QA (I_(t-1) - QMU), QSD)
+ * which is simulated within the call, its draw standing where the recurrence names I_t; steps draw in the order of
+ * their lines. In the A forms the caller gives I_0, I_1, ... as `inflation`, of which there must be n at least. Draws,
+ * the VB forms, and what a refused draw or NaN leads to are as in Time series.
+ *
+ * A ...MU is a mean, a ...SD a standard deviation >= 0, a ...W a weight; QA, WA, YA, CA, CAA, CAAA and BA are
+ * autoregressions, DD and CD weights of smoothing, DB a share of a residual, all in [-1,1]; the others may have any
+ * value.
+ * "Error: X must be greater or equal to 0!" for a standard deviation X, "Error: X must be in [-1,1] interval!" for the
+ * others, in the order of the arguments. The A forms begin with "Error: {inflation} array length must be >= output
+ * array length" and "Error: inflation must not be null". */
+
+/* The price index: out[0] = 1, out[t] = out[t-1] exp(I_t). */
+PRAL_API bool PralTimePriceInflation_Core(double* out, int n, double QMU, double QSD, double QA);
+PRAL_API bool PralTimePriceInflationVB_Core(SAFEARRAY** out, double QMU, double QSD, double QA);
+
+/* The wage index: out[0] = 100, out[t] = out[t-1] exp(WW1 I_t + WW2 I_(t-1) + N_t);
+ *   N_t ~ Normal(WMU + WA (N_(t-1) - WMU), WSD), N_0 = 0
+ *   I_t */
+PRAL_API bool PralTimeWageInflation_Core(double* out, int n, double QMU, double QSD, double QA, double WMU,
+                                         double WSD, double WA, double WW1, double WW2);
+PRAL_API bool PralTimeWageInflationVB_Core(SAFEARRAY** out, double QMU, double QSD, double QA, double WMU,
+                                           double WSD, double WA, double WW1, double WW2);
+PRAL_API bool PralTimeWageInflationA_Core(double* out, int n, const double* inflation, int inflationN,
+                                          double WMU, double WSD, double WA, double WW1, double WW2);
+PRAL_API bool PralTimeWageInflationAVB_Core(SAFEARRAY** out, const double* inflation, int inflationN,
+                                            double WMU, double WSD, double WA, double WW1, double WW2);
+
+/* The logarithmic growth of dividends: out[0] = 0;
+ *   E_t ~ Normal(0, 1), the residual of the share yield
+ *   I_t, smoothed: DM_t = (1 - DD) DM_(t-1) + DD I_t, DM_0 = 1
+ *   out[t] ~ Normal(DW DM_t + DX I_t + DMU + YSD DY E_t + DSD DB E_t, DSD) */
+PRAL_API bool PralTimeDividends_Core(double* out, int n, double QMU, double QSD, double QA, double YSD,
+                                     double DMU, double DSD, double DB, double DW, double DX, double DD,
+                                     double DY);
+PRAL_API bool PralTimeDividendsVB_Core(SAFEARRAY** out, double QMU, double QSD, double QA, double YSD,
+                                       double DMU, double DSD, double DB, double DW, double DX, double DD,
+                                       double DY);
+PRAL_API bool PralTimeDividendsA_Core(double* out, int n, const double* inflation, int inflationN, double YSD,
+                                      double DMU, double DSD, double DB, double DW, double DX, double DD,
+                                      double DY);
+PRAL_API bool PralTimeDividendsAVB_Core(SAFEARRAY** out, const double* inflation, int inflationN, double YSD,
+                                        double DMU, double DSD, double DB, double DW, double DX, double DD,
+                                        double DY);
+
+/* The logarithm of the share yield: out[0] = 0, out[t] = YW I_t + YN_t;
+ *   YN_t ~ Normal(ln YMU + YA (YN_(t-1) - ln YMU), YSD), YN_0 = ln YMU; ln 0 is -DBL_MAX
+ *   I_t */
+PRAL_API bool PralTimeShareYields_Core(double* out, int n, double QMU, double QSD, double QA, double YMU,
+                                       double YSD, double YA, double YW);
+PRAL_API bool PralTimeShareYieldsVB_Core(SAFEARRAY** out, double QMU, double QSD, double QA, double YMU,
+                                         double YSD, double YA, double YW);
+PRAL_API bool PralTimeShareYieldsA_Core(double* out, int n, const double* inflation, int inflationN,
+                                        double YMU, double YSD, double YA, double YW);
+PRAL_API bool PralTimeShareYieldsAVB_Core(SAFEARRAY** out, const double* inflation, int inflationN,
+                                          double YMU, double YSD, double YA, double YW);
+
+/* The long-term interest rate: out[t] = CW CM_t + CMU exp(CN_t);
+ *   e_t ~ Normal(0, YSD), the shock of the share yield
+ *   I_t, smoothed: CM_t = CD I_t + (1 - CD) CM_(t-1), CM_0 = QMU (A form: I_0)
+ *   CN_t ~ Normal(CA CN_(t-1) + CAA CN_(t-2) + CAAA CN_(t-3) + CY e_t, CSD), CN_t = 0 for t <= 0 */
+PRAL_API bool PralTimeLongTermInterestRate_Core(double* out, int n, double QMU, double QSD, double QA,
+                                                double YSD, double CMU, double CSD, double CA, double CD,
+                                                double CAA, double CAAA, double CW, double CY);
+PRAL_API bool PralTimeLongTermInterestRateVB_Core(SAFEARRAY** out, double QMU, double QSD, double QA,
+                                                  double YSD, double CMU, double CSD, double CA, double CD,
+                                                  double CAA, double CAAA, double CW, double CY);
+PRAL_API bool PralTimeLongTermInterestRateA_Core(double* out, int n, const double* inflation, int inflationN,
+                                                 double YSD, double CMU, double CSD, double CA, double CD,
+                                                 double CAA, double CAAA, double CW, double CY);
+PRAL_API bool PralTimeLongTermInterestRateAVB_Core(SAFEARRAY** out, const double* inflation, int inflationN,
+                                                   double YSD, double CMU, double CSD, double CA, double CD,
+                                                   double CAA, double CAAA, double CW, double CY);
+
+/* The short-term interest rate: out[t] = C_t exp(-B_t), where the whole path C of the long-term rate is drawn first,
+ * and then
+ *   B_t ~ Normal(BMU + BA (B_(t-1) - BMU), BSD), B_0 = BMU
+ * In the A form the caller gives C_0, C_1, ... as `longTermRate`, n of them at least.
+ * "Error: {longTermRate} array length must be >= output array length", "Error: longTermRate must not be null" */
+PRAL_API bool PralTimeShortTermInterestRate_Core(double* out, int n, double QMU, double QSD, double QA,
+                                                 double YSD, double CMU, double CSD, double CA, double CD,
+                                                 double CAA, double CAAA, double CW, double CY, double BMU,
+                                                 double BSD, double BA);
+PRAL_API bool PralTimeShortTermInterestRateVB_Core(SAFEARRAY** out, double QMU, double QSD, double QA,
+                                                   double YSD, double CMU, double CSD, double CA, double CD,
+                                                   double CAA, double CAAA, double CW, double CY, double BMU,
+                                                   double BSD, double BA);
+PRAL_API bool PralTimeShortTermInterestRateA_Core(double* out, int n, const double* longTermRate, int rateN,
+                                                  double BMU, double BSD, double BA);
+PRAL_API bool PralTimeShortTermInterestRateAVB_Core(SAFEARRAY** out, const double* longTermRate, int rateN,
+                                                    double BMU, double BSD, double BA);
+
 /* -------------------------------------------------------------------------------- Univariate distributions
  *
  * Every distribution X has five members. Its parameters, told in the list below, stand in the place of PARAMETERS;

@@ -68,6 +68,13 @@ bool value_member(double* out, const D& d, const Modifiers& given) {
     return true;
 }
 
+/// A bare call of PralX_Core for the models that draw from families: the same value of the same draws of the stream,
+/// the percentile completed before the parameters are looked at. False, with the family's message, when it refuses them.
+template <Family D>
+bool draw(double* out, const D& d) {
+    return value_member(out, d, Modifiers{});
+}
+
 /// PralXArray_Core: one inverted draw an element, never a special generator; a given percentile fills the
 /// array.
 template <Family D>
