@@ -1,5 +1,6 @@
 #include "numerics/bessel.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "numerics/constants.h"
@@ -41,7 +42,7 @@ double log_bessel_i(double nu, double x) {
     if (x >= kInfinity) return nu >= kInfinity ? kNaN : kInfinity;
     if (nu >= kInfinity) return -kInfinity;
     if (!series_is_short(nu, x)) return finite_or_limit(log_bessel_i_scaled(nu, x) + x);
-    Power prefix = gamma_prefix(nu, 0.5 * x);
+    Power prefix = gamma_prefix(nu, std::max(0.5 * x, 5e-324));
     const DoubleDouble exponent = two_sum(prefix.exponent.hi, 0.5 * x);
     prefix.exponent = {exponent.hi, exponent.lo + prefix.exponent.lo};
     return prefix.log() + log_series(nu, x);

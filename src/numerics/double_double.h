@@ -42,6 +42,21 @@ inline constexpr DoubleDouble two_product(double a, double b, DoubleDouble b_hal
 
 inline constexpr DoubleDouble two_product(double a, double b) { return two_product(a, b, split(b)); }
 
+inline constexpr DoubleDouble negated(DoubleDouble v) { return {-v.hi, -v.lo}; }
+
+/// a + b to about 100 bits.
+inline constexpr DoubleDouble add(DoubleDouble a, DoubleDouble b) {
+    const DoubleDouble s = two_sum(a.hi, b.hi), t = two_sum(a.lo, b.lo);
+    const DoubleDouble u = fast_two_sum(s.hi, s.lo + t.hi);
+    return fast_two_sum(u.hi, u.lo + t.lo);
+}
+
+/// a b to about 100 bits, |a|, |b| < 2^996.
+inline constexpr DoubleDouble multiply(DoubleDouble a, DoubleDouble b) {
+    const DoubleDouble p = two_product(a.hi, b.hi);
+    return fast_two_sum(p.hi, p.lo + (a.hi * b.lo + a.lo * b.hi));
+}
+
 /// a / b to about 100 bits.
 inline constexpr DoubleDouble divide(DoubleDouble a, DoubleDouble b) {
     const double quotient = a.hi / b.hi;

@@ -1,12 +1,10 @@
 #include "numerics/elementary.h"
 
-#include <array>
-#include <bit>
 #include <cmath>
-#include <cstdint>
 
 #include "numerics/coefficients.h"
 #include "numerics/constants.h"
+#include "numerics/extended_log.h"
 #include "numerics/polynomial.h"
 
 namespace pral::numerics {
@@ -16,64 +14,6 @@ namespace {
 using namespace coefficients::nmath;
 
 constexpr double kEpsilon = 0x1p-52;
-
-DoubleDouble multiply(DoubleDouble a, DoubleDouble b) {
-    const DoubleDouble product = two_product(a.hi, b.hi);
-    return fast_two_sum(product.hi, product.lo + (a.hi * b.lo + a.lo * b.hi));
-}
-
-constexpr DoubleDouble add(DoubleDouble a, DoubleDouble b) {
-    const DoubleDouble sum = two_sum(a.hi, b.hi);
-    return fast_two_sum(sum.hi, sum.lo + a.lo + b.lo);
-}
-
-// The argument is written 2^k m, sqrt(1/2) < m < sqrt(2) or thereabouts, and m lies within 1/128 of one of
-// the nodes j/64.
-constexpr int kFirstNode = 45;
-constexpr int kNodes = 47;
-
-/// ln(j/64) = 2 artanh((j - 64)/(j + 64)), summed from the smallest term.
-constexpr DoubleDouble log_of_node(int j) {
-    const DoubleDouble s = divide({j - 64.0, 0}, {j + 64.0, 0});
-    const DoubleDouble square = two_product(s.hi, s.hi);
-    const DoubleDouble y = {square.hi, square.lo + 2 * s.hi * s.lo};
-    DoubleDouble sum = {0, 0};
-    for (int k = 31; k >= 0; --k) {
-        const DoubleDouble product = two_product(sum.hi, y.hi);
-        sum = add({product.hi, product.lo + sum.hi * y.lo + sum.lo * y.hi}, divide({2, 0}, {2.0 * k + 1, 0}));
-    }
-    const DoubleDouble product = two_product(sum.hi, s.hi);
-    return fast_two_sum(product.hi, product.lo + sum.hi * s.lo + sum.lo * s.hi);
-}
-
-constexpr std::array<DoubleDouble, kNodes> node_logarithms() {
-    std::array<DoubleDouble, kNodes> table{};
-    for (int i = 0; i < kNodes; ++i) table[i] = log_of_node(kFirstNode + i);
-    return table;
-}
-
-constexpr std::array<DoubleDouble, kNodes> kNodeLogarithms = node_logarithms();
-constexpr DoubleDouble kLn2DoubleDouble = {0.693147180559945286226764, 2.319046813846299558417771e-17};
-
-struct Scaled {
-    double mantissa;
-    int exponent;
-};
-
-/// x = mantissa 2^exponent, mantissa between 0.704 and 1.408.
-Scaled split_exponent(double x) {
-    int exponent = 0;
-    if (x < 0x1p-1022) {
-        x *= 0x1p54;
-        exponent = -54;
-    }
-    const auto bits = std::bit_cast<std::uint64_t>(x);
-    // 0x3fe6872b... is 0.704: the subtraction carries into the exponent field where the mantissa lies above
-    // it.
-    const std::uint64_t above = bits - 0x3fe6872b00000000u;
-    const auto shift = static_cast<int>(static_cast<std::int64_t>(above) >> 52);
-    return {std::bit_cast<double>(bits - (static_cast<std::uint64_t>(shift) << 52)), exponent + shift};
-}
 
 /// The deviance for |x - a| < a/10, by the series in s = (x - a)/(x + a): d - ln(1+d) = s (d - 2 s^2 (1/3 +
 /// s^2/5 + ...)).
@@ -154,23 +94,9 @@ double log1p_minus_x(double x) {
     return r * (2 * y * log_continued_fraction(y, 3, 2, 1e-14) - x);
 }
 
-DoubleDouble log_double_double(double x) {
-    const Scaled scaled = split_exponent(x);
-    const int j = static_cast<int>(scaled.mantissa * 64 + 0.5);
-    const double node = j / 64.0;
-    const DoubleDouble s = divide({scaled.mantissa - node, 0}, two_sum(scaled.mantissa, node));
-    const double y = s.hi * s.hi;
-    const double rest = 2 * s.hi * y * (1.0 / 3 + y * (0.2 + y * (1.0 / 7 + y * (1.0 / 9))));
-    const DoubleDouble fraction =
-        add(kNodeLogarithms[j - kFirstNode], fast_two_sum(2 * s.hi, 2 * s.lo + rest));
-    const double k = scaled.exponent;
-    const DoubleDouble whole = two_product(k, kLn2DoubleDouble.hi);
-    return add({whole.hi, whole.lo + k * kLn2DoubleDouble.lo}, fraction);
-}
-
 DoubleDouble deviance_double_double(double x, double a) {
     if (x < 1e-100 * a || a < 1e-100 * x) {  // the ratio may be out of range for exact arithmetic
-        const DoubleDouble lx = log_double_double(x), la = log_double_double(a);
+        const DoubleDouble lx = extended_log({x, 0}), la = extended_log({a, 0});
         return add({x / a, 0}, add({-1, 0}, add(la, {-lx.hi, -lx.lo})));
     }
     if (x > 0x1p900 || a > 0x1p900) {  // the exact products need room above
@@ -179,8 +105,7 @@ DoubleDouble deviance_double_double(double x, double a) {
     }
     if (std::fabs(x - a) < 0.1 * a) return deviance_near(x, a);
     const DoubleDouble ratio = divide({x, 0}, {a, 0});
-    const DoubleDouble logarithm = log_double_double(ratio.hi);
-    return add(add(ratio, {-1, 0}), {-logarithm.hi, -logarithm.lo - ratio.lo / ratio.hi});
+    return add(add(ratio, {-1, 0}), negated(extended_log(ratio)));
 }
 
 double scaled_exp(double factor, DoubleDouble exponent) {

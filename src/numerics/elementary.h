@@ -1,4 +1,4 @@
-// Logarithm and exponential near their zeros, and the logarithm with more digits than a double holds.
+// Logarithm and exponential near their zeros, and exponents with more digits than a double holds.
 #pragma once
 
 #include "numerics/double_double.h"
@@ -24,10 +24,6 @@ double log1m_exp(double t);
 /// The sum over k >= 0 of x^k / (i + k d), by its continued fraction, to the relative tolerance `eps`; x < 1,
 /// i >= 0, d >= 0.
 double log_continued_fraction(double x, double i, double d, double eps);
-
-/// ln x for finite x > 0, with an absolute error below 1e-22 + 1e-30 |ln x|: exponents of several hundred
-/// need more digits than a double's if e to their power is to keep its own.
-DoubleDouble log_double_double(double x);
 
 /// d - ln(1 + d) for d = (x - a)/a, a > 0, x > 0, to about 20 digits relative: the exponent of the gamma and
 /// Poisson densities, a (d - ln(1 + d)) = x - a - a ln(x/a).

@@ -1,11 +1,13 @@
 #include "numerics/gamma_ratio.h"
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 
 #include "numerics/coefficients.h"
 #include "numerics/constants.h"
 #include "numerics/elementary.h"
+#include "numerics/extended_log.h"
 #include "numerics/gamma.h"
 #include "numerics/normal.h"
 #include "numerics/polynomial.h"
@@ -44,7 +46,7 @@ Power large_shape_prefix(double a, DoubleDouble exponent) {
 }
 
 Power small_shape_prefix(double a, double x) {
-    const DoubleDouble logarithm = times(a, log_double_double(x));
+    const DoubleDouble logarithm = times(a, extended_log({x, 0}));
     const DoubleDouble exponent = two_sum(logarithm.hi, -x);
     const double gamma_1a = a < 1 ? gamma_fn(1 + a) : a * gamma_fn(a);
     return {1 / gamma_1a, {exponent.hi, exponent.lo + logarithm.lo}};
@@ -274,7 +276,7 @@ double inverse_start(double a, double t, double log_t, bool upper) {
 /// from wherever it starts, and one or two steps of fourth order do from where it starts here.
 double inverse_of_tail(double a, double t, bool upper) {
     constexpr int kMaxSteps = 60;
-    const DoubleDouble log_t = log_double_double(t);
+    const DoubleDouble log_t = extended_log({t, 0});
     double x = inverse_start(a, t, log_t.hi, upper);
     for (int i = 0; i < kMaxSteps; ++i) {
         if (!(x > 0)) return 0;
@@ -322,7 +324,7 @@ double Power::log() const {
     if (!(factor > 0)) return factor == 0 ? -kInfinity : kNaN;
     if (exponent.hi < -kInfinity) return -kInfinity;
     if (factor < 2 && factor > 0.5) return exponent.hi + (exponent.lo + std::log(factor));
-    const DoubleDouble logarithm = log_double_double(factor);  // may all but cancel the exponent
+    const DoubleDouble logarithm = extended_log({factor, 0});  // may all but cancel the exponent
     const DoubleDouble sum = two_sum(exponent.hi, logarithm.hi);
     return finite_or_limit(sum.hi + (sum.lo + exponent.lo + logarithm.lo));
 }
@@ -356,7 +358,11 @@ double log_gamma_density(double a, double x) {
         return density == 0 ? -kInfinity : density == 1 ? 0 : density;
     }
     const Power prefix = gamma_prefix(a, x);
-    return Power{prefix.factor * (a / x), prefix.exponent}.log();
+    const double factor = prefix.factor * (a / x);
+    if (factor > DBL_MIN && factor <= DBL_MAX) return Power{factor, prefix.exponent}.log();
+    if (prefix.exponent.hi < -kInfinity) return -kInfinity;
+    const DoubleDouble log_rate = add(extended_log({a, 0}), negated(extended_log({x, 0})));
+    return Power{prefix.factor, add(prefix.exponent, log_rate)}.log();
 }
 
 double gamma_lower_inverse(double a, double p) { return inverse(a, p, false); }

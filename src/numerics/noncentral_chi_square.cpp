@@ -5,6 +5,7 @@
 
 #include "numerics/constants.h"
 #include "numerics/elementary.h"
+#include "numerics/extended_log.h"
 #include "numerics/gamma_ratio.h"
 #include "numerics/normal.h"
 
@@ -30,16 +31,6 @@ constexpr double kNegligible = 0x1p-62;
 constexpr double kSmallestNoncentrality = 1e-290;
 constexpr double kSmallestPoint = 1e-280;
 constexpr double kLargestArgument = 1e280;
-
-DoubleDouble add(DoubleDouble a, DoubleDouble b) {
-    const DoubleDouble sum = two_sum(a.hi, b.hi);
-    return fast_two_sum(sum.hi, sum.lo + a.lo + b.lo);
-}
-
-DoubleDouble multiply(DoubleDouble a, DoubleDouble b) {
-    const DoubleDouble product = two_product(a.hi, b.hi);
-    return fast_two_sum(product.hi, product.lo + (a.hi * b.lo + a.lo * b.hi));
-}
 
 /// The ratio of two powers, both near each other.
 double ratio(const Power& a, const Power& b) {
@@ -139,7 +130,7 @@ Power mixture(const Halves& h, double centre, Wanted wanted) {
     const Term term = {j, 1};
     if (wanted == Wanted::lower) return {unit.factor * lower_sum(h, term), unit.exponent};
     if (wanted == Wanted::upper) return {unit.factor * upper_sum(h, term), unit.exponent};
-    const DoubleDouble log_point = log_double_double(h.point);  // the reciprocal may overflow
+    const DoubleDouble log_point = extended_log({h.point, 0});  // the reciprocal may overflow
     return {0.5 * unit.factor * density_sum(h, term), add(unit.exponent, {-log_point.hi, -log_point.lo})};
 }
 
@@ -193,7 +184,7 @@ ExponentAndSlope exponent_and_slope(const Halves& h, const Contour& c) {
     const DoubleDouble mean_over_w = divide({h.mean, 0}, {c.w, 0});
     if (c.distance > 0.5) {
         const DoubleDouble rest = add(two_sum(-h.mean, -h.point), mean_over_w);
-        const DoubleDouble point_w = two_product(h.point, c.w), log_w = log_double_double(c.w);
+        const DoubleDouble point_w = two_product(h.point, c.w), log_w = extended_log({c.w, 0});
         return {add(add(rest, point_w), multiply({-h.shape, 0}, log_w)),
                 add(add(point_w, {-mean_over_w.hi, -mean_over_w.lo}), {-h.shape, 0})};
     }
@@ -263,7 +254,7 @@ Power near_zero(double shape, double mean, double point, Wanted wanted) {
         return {tail.factor, add(weight.exponent, tail.exponent)};
     }
     const Power prefix = gamma_prefix(shape, point);
-    const DoubleDouble log_point = log_double_double(point);
+    const DoubleDouble log_point = extended_log({point, 0});
     const DoubleDouble exponent = add(prefix.exponent, {-log_point.hi, -log_point.lo});
     return {0.5 * shape * prefix.factor, add(weight.exponent, exponent)};
 }

@@ -121,7 +121,7 @@ struct ExponentialHazard {
     double A, B;
 
     ExponentialHazard(double A_, double B_) : A(A_), B(B_), start_(std::exp(A_)) {
-        if (B_ > 0 && B_ <= DBL_MAX) log_B_ = numerics::log_double_double(B_);
+        if (B_ > 0 && B_ <= DBL_MAX) log_B_ = numerics::extended_log({B_, 0});
     }
 
     double inverse(double t) const {
