@@ -149,26 +149,6 @@ def arma(d, n, mu, sigma, a, b, past, log_return, last):
     return priced(path, log_return, last)
 
 
-def ar1(d, n, mu, sigma, a, y, log_return, last):
-    return arma(d, n, mu, sigma, [a], [], [y], log_return, last)
-
-
-def ar2(d, n, mu, sigma, a1, a2, y1, y2, log_return, last):
-    return arma(d, n, mu, sigma, [a1, a2], [], [y1, y2], log_return, last)
-
-
-def ma1(d, n, mu, sigma, b, log_return, last):
-    return arma(d, n, mu, sigma, [], [b], [], log_return, last)
-
-
-def ma2(d, n, mu, sigma, b1, b2, log_return, last):
-    return arma(d, n, mu, sigma, [], [b1, b2], [], log_return, last)
-
-
-def arma11(d, n, mu, sigma, a, b, y, log_return, last):
-    return arma(d, n, mu, sigma, [a], [b], [y], log_return, last)
-
-
 def arch(d, n, mu, omega, a, y, log_return, last):
     path = []
     for _ in range(n):
@@ -205,24 +185,14 @@ def aparch(d, n, mu, omega, delta, gamma, alpha, beta, sigma, log_return, last):
     return priced(path, log_return, last)
 
 
-def logarithms(counts, wanted):
-    return counts if not wanted else [m.log10(x) if x > 0 else -LIMIT for x in counts]
-
-
-def yule(d, n, x, beta, t, log):
-    path = []
-    for _ in range(n):
-        x = x + d.neg_bin(x, m.exp(-beta * t))
-        path.append(m.mpf(x))
-    return logarithms(path, log)
-
-
-def death(d, n, x, beta, t, log):
-    path = []
-    for _ in range(n):
-        x = m.mpf(d.binomial(x, m.exp(-beta * t)))
-        path.append(x)
-    return logarithms(path, log)
+def population(step):
+    def path(d, n, x, beta, t, log):
+        counts = []
+        for _ in range(n):
+            x = m.mpf(step(d, x, m.exp(-beta * t)))
+            counts.append(x if not log else m.log10(x) if x > 0 else -LIMIT)
+        return counts
+    return path
 
 
 # ---------------------------------------------------------------------------------------- economic projections
@@ -323,21 +293,30 @@ PATHS = [
                          f"1 2 -0.5 3 1 {UNEVEN} 1", f"0.5 0.1 800 3 1 {UNEVEN} 0"]),
     (seasonal, "SeasonalGBM", 14, ["0.01 0.05 [0.1,-0.2,0.3] 3 3 [0.5,0.25,0.125,1] 4 4 0 10",
                                    "0.01 0.05 [0.1,-0.2,0.3] 3 2 [0.5,0.25] 2 1 1 0"]),
-    (ar1, "AR1", 8, ["0.02 0.1 0.75 0.5 0 3", "0.02 0.1 -0.75 0.5 1 0", "0.02 0 0.5 0.25 1 0", "0.5 1 1.5 0 1 0"]),
-    (ar2, "AR2", 8, ["0.02 0.1 0.75 -0.25 0.5 0.25 0 3", "0.02 0.1 -0.75 0.125 0.5 -1 1 0", "1 0 0.5 0.25 3 5 1 0"]),
-    (ma1, "MA1", 8, ["0.02 0.1 0.75 0 3", "0.02 0.1 -2 1 0", "0.02 0 3 1 0"]),
-    (ma2, "MA2", 8, ["0.02 0.1 0.75 -0.5 0 3", "0.02 0.1 -2 0.25 1 0"]),
-    (arma11, "ARMA", 8, ["0.02 0.1 0.75 -0.5 0.25 0 3", "0.02 0.1 -0.5 2 -1 1 0"]),
+    (lambda d, n, mu, s, a, y, *out: arma(d, n, mu, s, [a], [], [y], *out), "AR1", 8,
+     ["0.02 0.1 0.75 0.5 0 3", "0.02 0.1 -0.75 0.5 1 0", "0.02 0 0.5 0.25 1 0", "0.5 1 1.5 0 1 0"]),
+    (lambda d, n, mu, s, a1, a2, y1, y2, *out: arma(d, n, mu, s, [a1, a2], [], [y1, y2], *out), "AR2", 8,
+     ["0.02 0.1 0.75 -0.25 0.5 0.25 0 3", "0.02 0.1 -0.75 0.125 0.5 -1 1 0", "1 0 0.5 0.25 3 5 1 0"]),
+    (lambda d, n, mu, s, b, *out: arma(d, n, mu, s, [], [b], [], *out), "MA1", 8,
+     ["0.02 0.1 0.75 0 3", "0.02 0.1 -2 1 0", "0.02 0 3 1 0"]),
+    (lambda d, n, mu, s, b1, b2, *out: arma(d, n, mu, s, [], [b1, b2], [], *out), "MA2", 8,
+     ["0.02 0.1 0.75 -0.5 0 3", "0.02 0.1 -2 0.25 1 0"]),
+    (lambda d, n, mu, s, a, b, y, *out: arma(d, n, mu, s, [a], [b], [y], *out), "ARMA", 8,
+     ["0.02 0.1 0.75 -0.5 0.25 0 3", "0.02 0.1 -0.5 2 -1 1 0"]),
     (arch, "ARCH", 8, ["0.02 0.01 0.75 0.5 0 3", "0.02 0.01 2 -0.5 1 0", "0.02 0.01 0 -0.5 1 0"]),
     (garch, "GARCH", 8, ["0.02 0.01 0.25 0.5 0.5 0 3", "0.5 0.01 0.5 0.25 -0.0625 1 0", "0.5 0.01 0 0 9 1 0"]),
     (egarch, "EGARCH", 8, ["0.02 -0.25 -0.5 0.25 0.875 0.125 0 3", "0.5 0.01 0.5 0.25 -0.5 1 1 0"]),
     (aparch, "APARCH", 8, ["0.02 0.01 2 0.5 0.25 0.5 0.125 0 3", "0.5 0.01 0.75 -0.5 0.5 0.25 2 1 0"]),
-    (death, "Death", 8, ["10 0.25 1 0", "3 1 1.5 1", "300 0.125 1 1", "1048576 0.0625 4 0", "5 400 2 0"]),
+    (population(Stream.binomial), "Death", 8,
+     ["10 0.25 1 0", "3 1 1.5 1", "300 0.125 1 1", "1048576 0.0625 4 0", "5 400 2 0"]),
     (simulated(prices), "PriceInflation", 8, ["0.03 0.02 0.5", "0.03 0 -1", "0.01 0.5 1"]),
+    (simulated(prices), "PriceInflation", 1, ["0.03 0.02 0.5"]),
+    (simulated(wages), "WageInflation", 1, ["0.03 0.02 0.5 0.01 0.03 -0.25 0.75 0.25"]),
     (simulated(wages), "WageInflation", 8, ["0.03 0.02 0.5 0.01 0.03 -0.25 0.75 0.25", "0.03 0 0.5 0.01 0 1 1 2"]),
     (given(wages), "WageInflationA", 8, [f"{RATES} 8 0.01 0.03 -0.25 0.75 0.25"]),
     (simulated(dividends), "Dividends", 8, ["0.03 0.02 0.5 0.25 0.01 0.1 0.5 0.75 0.25 0.125 -0.5"]),
-    (given(dividends), "DividendsA", 8, [f"{RATES} 8 0.25 0.01 0.1 0.5 0.75 0.25 0.125 -0.5", f"{RATES} 8 0 1 0 -1 1 2 1 3"]),
+    (given(dividends), "DividendsA", 8,
+     [f"{RATES} 8 0.25 0.01 0.1 0.5 0.75 0.25 0.125 -0.5", f"{RATES} 8 0 1 0 -1 1 2 1 3"]),
     (simulated(yields), "ShareYields", 8, ["0.03 0.02 0.5 0.04 0.125 0.75 1.5"]),
     (given(yields), "ShareYieldsA", 8, [f"{RATES} 8 0.04 0.125 0.75 1.5"]),
     (simulated(long_term), "LongTermInterestRate", 8, ["0.03 0.02 0.5 0.25 0.03 0.125 0.75 0.25 -0.125 0.0625 1 0.5"]),
@@ -431,6 +410,7 @@ def yield_moments(qmu, qsd, qa, ymu, ysd, ya, w):
 f = m.mpf
 MOMENTS = [
     ("GBM", "0.25 0.5 1 null 1 0", white(f(1) / 4, f(1) / 4)),
+    # sigma^2 (1 - e^(-2 alpha))/(2 alpha) a step over 1 - e^(-2 alpha) is sigma^2/(2 alpha) in the long run
     ("GBMMR", "0.25 0.5 0.25 0 1 null 1", geometric(f("0.25"), f("0.25") * 2, m.exp(-f("0.25")))),
     ("AR1", "0.25 0.5 -0.75 0 1 1", geometric(f("0.25"), f("0.25") / (1 - f("0.5625")), -f("0.75"))),
     ("AR2", "0.25 0.5 0.5 0.25 0 0 1 1", ar2_moments(f("0.25"), f("0.5"), f("0.5"), f("0.25"))),
@@ -445,6 +425,5 @@ MOMENTS = [
     ("ShareYields", "0.5 0.25 0.75 0.25 0.5 -0.5 2",
      yield_moments(f("0.5"), f("0.25"), f("0.75"), f("0.25"), f("0.5"), f("-0.5"), 2)),
 ]
-# GBMMR above: sigma^2 (1 - e^(-2 alpha))/(2 alpha) a step over 1 - e^(-2 alpha) is sigma^2/(2 alpha) in the long run.
 write("timeseries_moments.tsv", "series, arguments; mean, variance, autocovariances of lags 1 and 2",
       [(name, arguments, " ".join(text(m.mpf(v)) for v in values)) for name, arguments, values in MOMENTS])

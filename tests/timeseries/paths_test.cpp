@@ -132,8 +132,9 @@ bool simulate(const std::string& name, unsigned seed, const Arguments& arguments
 }
 
 TEST(Paths, FollowTheirRecurrences) {
-    // Relative to the elements, and for elements near 0 to a hundredth of the largest.
-    const double allowed = 4e-14;
+    // Relative to the elements, and for elements near 0 to a hundredth of the largest: four times the worst, which is a draw
+    // near a zero of its cosine.
+    const double allowed = 1.3e-13;
     std::map<std::string, double> worst;
     for (const auto& row : pral::test::table("reference/timeseries_paths.tsv")) {
         ASSERT_EQ(row.size(), 6u);
@@ -144,125 +145,30 @@ TEST(Paths, FollowTheirRecurrences) {
         ASSERT_TRUE(simulate(name, std::stoi(row[1]), written.arguments, path)) << name << PralCoreError();
         EXPECT_EQ(pral::random_stream().uniform(), std::stod(row[5])) << name << ": number of draws";
         ASSERT_EQ(expected.size(), path.size());
-        double largest = 0;
+        double largest = 0, &worst_error = worst[name];
         for (const double value : expected) largest = std::fmax(largest, std::fabs(value));
         for (std::size_t t = 0; t < path.size(); ++t) {
             if (path[t] == expected[t]) continue;
             const double scale = std::fmax(std::fabs(expected[t]), largest / 100);
             const double error = std::fabs(path[t] - expected[t]) / scale;
             EXPECT_LE(error, allowed) << name << " " << row[3] << " step " << t << ": " << path[t];
-            worst[name] = std::fmax(worst[name], error);
+            worst_error = std::fmax(worst_error, error);
         }
     }
     for (const auto& [name, error] : worst) std::printf("%-24s worst %.1e\n", name.c_str(), error);
-    EXPECT_EQ(worst.size() + (worst.count("Death") == 0), kSeries.size());  // counts have no error
+    EXPECT_EQ(worst.size(), kSeries.size());
 }
 
 TEST(Paths, RefuseInOrder) {
-    const char* const kReturns = "if LogReturn is False then LastValue must be >0";
-    const char* const kSteps = "Error: output array size must be >=1";
-    const char* const kSorted = "Error: {TimeStamps} array must be sorted by ascending order";
-    const char* const kShort = "Error: {inflation} array length must be >= output array length";
-    const struct {
-        const char* name;
-        int n;
-        const char* arguments;
-        const char* message;  // null: accepted
-    } rows[] = {
-        {"GBM", 3, "0 0 1 [1,2,2] 0 0", "Error: sigma must be >0"},
-        {"GBM", 3, "0 nan 1 null 0 0", "Error: sigma must be >0"},
-        {"GBM", 3, "0 1 1 [1,2,2] 0 0", kSorted},
-        {"GBM", 3, "0 1 1 [1,nan,2] 0 0", kSorted},
-        {"GBM", 2, "0 1 1 [1,2,2] 0 0", nullptr},
-        {"GBM", 3, "0 1 1 [1,2,3] 0 1.5", "Error: sigma must be >= 0"},
-        {"GBM", 3, "0 1 1 [1,2,3] 0 2", "Error: sigma must be >= 0"},
-        {"GBMMR", 3, "0 0 1 0 0 [1,2,2] 0", kSorted},
-        {"GBMMR", 3, "0 0 1 0 0 null 0", "Error: sigma must be >0"},
-        {"GBMMR", 3, "0 1 1 0 0 null 0", "Error: If LogReturn=FALSE LastValue must be >0"},
-        {"GBMMR", 3, "0 1 1 0 0 null 1", nullptr},
-        {"GBMMR", 3, "0 1 nan 0 1 null 1", "Error: sigma must be >= 0"},
-        {"SeasonalGBM", 3, "0 0 null 0 0 null 0 0 0 1", "Error: sigma must be >0"},
-        {"SeasonalGBM", 3, "0 1 null 0 0 null 0 0 0 1", "Error: p1 must be >0"},
-        {"SeasonalGBM", 3, "0 1 null 0 1 null 0 -1 0 1", "Error: p2 must be >0"},
-        {"SeasonalGBM", 3, "0 1 [1,2] 2 3 [1] 1 2 0 1", "Error: p1 must be <= count_s1"},
-        {"SeasonalGBM", 3, "0 1 [1,2] 2 2 [1] 1 2 0 1", "Error: p2 must be <= count_s2"},
-        {"SeasonalGBM", 3, "0 1 null 2 2 null 2 2 0 1", "Error: s1 must not be null"},
-        {"SeasonalGBM", 3, "0 1 [1,2] 2 2 null 2 2 0 1", "Error: s2 must not be null"},
-        {"AR1", 3, "0 -1 0 0 0 1", "sigma must be >=0"},
-        {"AR1", 0, "0 1 0 0 0 1", nullptr},
-        {"AR2", 2, "0 -1 0 0 0 0 0 1", "Error: output array lemgth must be >2"},
-        {"AR2", 3, "0 nan 0 0 0 0 0 1", "sigma must be >=0"},
-        {"MA1", 3, "0 -1 0 0 1", "sigma must be >=0"},
-        {"MA2", 3, "0 -1 0 0 0 1", "sigma must be >=0"},
-        {"ARMA", 1, "0 -1 0 0 0 0 0", kSteps},
-        {"ARMA", 2, "0 -1 0 0 0 0 0", "sigma must be >=0"},
-        {"ARMA", 2, "0 0 0 0 0 0 0", kReturns},
-        {"ARMA", 2, "0 0 0 0 0 0 nan", kReturns},
-        {"ARMA", 2, "0 0 0 0 0 1 0", nullptr},
-        {"ARCH", 1, "0 0 -1 0 0 0", kSteps},
-        {"ARCH", 2, "0 0 -1 0 0 0", "Error: omega must be >0"},
-        {"ARCH", 2, "0 1 -1 0 0 0", "Error: \"a\" must be >=0"},
-        {"ARCH", 2, "0 1 0 0 0 0", kReturns},
-        {"GARCH", 1, "0 0 -1 -1 0 0 0", kSteps},
-        {"GARCH", 2, "0 0 -1 -1 0 0 0", "Error: omega must be >0"},
-        {"GARCH", 2, "0 1 -1 -1 0 0 0", "Error: a must be >=0"},
-        {"GARCH", 2, "0 1 0 -1 0 0 0", "Error: b must be >=0"},
-        {"GARCH", 2, "0 1 0 0 0 0 0", kReturns},
-        {"EGARCH", 1, "0 0 0 0 0 1 0 0", kSteps},
-        {"EGARCH", 2, "0 0 0 0 0 1 0 0", kReturns},
-        {"APARCH", 1, "0 0 -1 1 -1 -1 1 0 0", kSteps},
-        {"APARCH", 2, "0 0 -1 1 -1 -1 1 0 0", "Error: omega must be >0"},
-        {"APARCH", 2, "0 1 -1 1 -1 -1 1 0 0", "Error: delta must be >=0"},
-        {"APARCH", 2, "0 1 0 1 -1 -1 1 0 0", "Error: omega must be between (-1,1)"},
-        {"APARCH", 2, "0 1 0 -1 -1 -1 1 0 0", "Error: omega must be between (-1,1)"},
-        {"APARCH", 2, "0 1 0 0 -1 -1 1 0 0", "Error: \"a\" must be >=0"},
-        {"APARCH", 2, "0 1 0 0 0 -1 1 0 0", "Error: \"b\" must be >=0"},
-        {"APARCH", 2, "0 1 0 0 0 0 1 0 0", kReturns},
-        {"Death", 2, "2.5 0 0 0", "n should be an integer"},
-        {"Death", 2, "inf 0 0 0", "n should be an integer"},
-        {"Death", 2, "0 0 0 0", "n should be >=1"},
-        {"Death", 2, "1 0 0 0", "beta should be >0"},
-        {"Death", 2, "1 1 0 0", "t should be >0"},
-        {"Death", 2, "1 1 nan 0", "t should be >0"},
-        {"PriceInflation", 2, "0 -1 2", "Error: QSD must be greater or equal to 0!"},
-        {"PriceInflation", 2, "0 0 1.0000001", "Error: QA must be in [-1,1] interval!"},
-        {"PriceInflation", 0, "0 0 1", nullptr},
-        {"WageInflation", 2, "0 0 -2 0 -1 2 0 0", "Error: QA must be in [-1,1] interval!"},
-        {"WageInflation", 2, "0 0 -1 0 -1 2 0 0", "Error: WSD must be greater or equal to 0!"},
-        {"WageInflation", 2, "0 0 -1 0 0 2 0 0", "Error: WA must be in [-1,1] interval!"},
-        {"WageInflationA", 2, "[1] 1 0 -1 2 0 0", kShort},
-        {"WageInflationA", 2, "null 2 0 -1 2 0 0", "Error: inflation must not be null"},
-        {"WageInflationA", 0, "null 0 0 0 1 0 0", nullptr},
-        {"WageInflationA", 2, "[1,1] 2 0 -1 2 0 0", "Error: WSD must be greater or equal to 0!"},
-        {"Dividends", 2, "0 -1 0 -1 0 -1 2 0 0 2 0", "Error: QSD must be greater or equal to 0!"},
-        {"Dividends", 2, "0 0 0 -1 0 -1 2 0 0 2 0", "Error: YSD must be greater or equal to 0!"},
-        {"Dividends", 2, "0 0 0 0 0 -1 2 0 0 2 0", "Error: DSD must be greater or equal to 0!"},
-        {"Dividends", 2, "0 0 0 0 0 0 2 0 0 2 0", "Error: DB must be in [-1,1] interval!"},
-        {"DividendsA", 1, "[1] 1 0 0 0 1 0 0 -2 0", "Error: DD must be in [-1,1] interval!"},
-        {"ShareYields", 2, "0 0 0 1 -1 2 0", "Error: YSD must be greater or equal to 0!"},
-        {"ShareYieldsA", 1, "[1] 1 1 0 nan 0", "Error: YA must be in [-1,1] interval!"},
-        {"LongTermInterestRate", 2, "0 0 0 -1 0 -1 2 2 2 2 0 0", "Error: YSD must be greater or equal to 0!"},
-        {"LongTermInterestRate", 2, "0 0 0 0 0 -1 2 2 2 2 0 0", "Error: CSD must be greater or equal to 0!"},
-        {"LongTermInterestRate", 2, "0 0 0 0 0 0 2 2 2 2 0 0", "Error: CA must be in [-1,1] interval!"},
-        {"LongTermInterestRate", 2, "0 0 0 0 0 0 1 2 2 2 0 0", "Error: CD must be in [-1,1] interval!"},
-        {"LongTermInterestRateA", 1, "[1] 1 0 0 0 1 0 2 2 0 0", "Error: CAA must be in [-1,1] interval!"},
-        {"ShortTermInterestRate", 2, "0 0 0 0 0 0 1 0 0 2 0 0 0 -1 2",
-         "Error: CAAA must be in [-1,1] interval!"},
-        {"ShortTermInterestRate", 2, "0 0 0 0 0 0 1 0 0 1 0 0 0 -1 2",
-         "Error: BSD must be greater or equal to 0!"},
-        {"ShortTermInterestRateA", 2, "[1] 1 0 -1 2",
-         "Error: {longTermRate} array length must be >= output array length"},
-        {"ShortTermInterestRateA", 1, "null 1 0 -1 2", "Error: longTermRate must not be null"},
-        {"ShortTermInterestRateA", 1, "[1] 1 0 0 2", "Error: BA must be in [-1,1] interval!"},
-    };
-    for (const auto& row : rows) {
-        const Written written(row.arguments);
-        Values path(row.n);
-        EXPECT_EQ(simulate(row.name, 1, written.arguments, path), row.message == nullptr)
-            << row.name << " " << row.arguments;
-        if (row.message == nullptr) continue;
-        EXPECT_STREQ(PralCoreError(), row.message) << row.name << " " << row.arguments;
-        EXPECT_EQ(path, Values(row.n)) << row.name << " " << row.arguments;
+    for (const auto& row : pral::test::table("reference/timeseries_refusals.tsv")) {
+        ASSERT_EQ(row.size(), 4u);
+        const std::string call = row[0] + " " + row[2];
+        const bool accepted = row[3] == "accepted";
+        Values path(std::stoi(row[1]));
+        EXPECT_EQ(simulate(row[0], 1, Written(row[2]).arguments, path), accepted) << call;
+        if (accepted) continue;
+        EXPECT_EQ(PralCoreError(), row[3]) << call;
+        EXPECT_EQ(path, Values(path.size())) << call;
     }
 }
 
@@ -325,6 +231,7 @@ TEST(Paths, StayFinite) {
     EXPECT_EQ(path, Values(4, DBL_MAX));
     ASSERT_TRUE(simulate("AR1", 1, Written("-1 0 0 0 0 inf").arguments, path));  // a fall leads back
     EXPECT_EQ(path[0], DBL_MAX);
+    EXPECT_DOUBLE_EQ(path[1], DBL_MAX * std::exp(-1));
     ASSERT_TRUE(simulate("ShareYields", 1, Written("0 0 0 0 0 0 1").arguments, path));  // ln 0
     EXPECT_EQ(path, (Values{0, -DBL_MAX, -DBL_MAX, -DBL_MAX}));
     ASSERT_TRUE(simulate("GARCH", 1, Written("0 0.1 1 10 -0.5 1 0").arguments, path));  // variance -2.65
