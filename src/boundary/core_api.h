@@ -731,6 +731,35 @@ PRAL_FAMILY(Binomial, discrete, (double n, double p),
     "trials n >= 0, an integer; probability p in [0,1]; support 0, ..., n; f(x) = C(n, x) p^x (1-p)^(n-x); "
     "with n p (1-p) > 100,000 samples are those of a rounded normal")
 
+PRAL_FAMILY(Logistic, continuous, (double alpha, double beta),
+    "location alpha, scale beta >= 0, 0 being a point mass at alpha; support all reals; "
+    "F = 1/(1 + exp(-(x - alpha)/beta))")
+
+PRAL_FAMILY(GLogistic, continuous, (double alpha, double beta, double gamma),
+    "location alpha, scale beta >= 0, 0 being a point mass at alpha, shape gamma > 0; support all reals; "
+    "F = (1 + exp(-(x - alpha)/beta))^-gamma")
+
+PRAL_FAMILY(LogLogistic, continuous, (double alpha, double beta),
+    "shape alpha > 0, scale beta >= 0, 0 being a point mass at 0; support [0, inf); F = 1/(1 + (x/beta)^-alpha)")
+
+PRAL_FAMILY(HS, continuous, (double mu, double sigma),
+    "hyperbolic secant: mean mu, standard deviation sigma >= 0, 0 being a point mass at mu; support all reals; "
+    "F = (2/pi) atan(exp(pi (x - mu)/(2 sigma)))")
+
+PRAL_FAMILY(Laplace, continuous, (double mu, double sigma),
+    "mean mu, standard deviation sigma >= 0, 0 being a point mass at mu; support all reals; "
+    "f = exp(-sqrt(2) |x - mu|/sigma)/(sqrt(2) sigma)")
+
+PRAL_FAMILY(LogLaplace, continuous, (double alpha, double beta, double Delta),
+    "tail exponents alpha > 0 above and beta > 0 below the scale Delta >= 0, 0 being a point mass at 0; support "
+    "[0, inf); f = C (x/Delta)^(beta - 1) below Delta, C (Delta/x)^(alpha + 1) above, "
+    "C = alpha beta/(Delta (alpha + beta))")
+
+PRAL_FAMILY(Error, continuous, (double mu, double sigma, double nu),
+    "exponential power: mean mu, standard deviation sigma >= 0, 0 being a point mass at mu, shape nu > 0 (1 Laplace, "
+    "2 Normal); support all reals; f proportional to exp(-(|x - mu|/(c sigma))^nu), "
+    "c = sqrt(Gamma(1/nu)/Gamma(3/nu))")
+
 /* clang-format on */
 
 #undef PRAL_FAMILY

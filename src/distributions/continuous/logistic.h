@@ -1,0 +1,123 @@
+// The logistic distribution, its generalisation and its logarithmic forms, and the hyperbolic secant distribution.
+#pragma once
+
+#include "distributions/adapters.h"
+
+namespace pral {
+
+/// ln(1 + e^z).
+inline double softplus(double z) { return std::max(z, 0.0) + numerics::log1p_fn(std::exp(-std::fabs(z))); }
+
+/// F = 1/(1 + e^-z).
+struct StandardLogistic {
+    Support support() const { return kReals; }
+    double cumulative(double z) const { return 1 / (1 + std::exp(-z)); }
+    double survival(double z) const { return cumulative(-z); }
+    double log_cumulative(double z) const { return -softplus(-z); }
+    double log_density(double z) const {
+        const double size = std::fabs(z);
+        return -size - 2 * numerics::log1p_fn(std::exp(-size));
+    }
+    double quantile(double p) const {
+        return std::fabs(p - 0.5) < 0.1 ? numerics::log1p_fn((2 * p - 1) / (1 - p)) : std::log(p / (1 - p));
+    }
+    double quantile_upper(double q) const { return -quantile(q); }
+    double lower_rate() const { return 1; }
+};
+
+/// Location alpha, scale beta >= 0, 0 being a point mass at alpha; support all reals. F = 1/(1 + exp(-z)),
+/// z = (x - alpha)/beta.
+struct Logistic : LocationScale<StandardLogistic> {
+    Logistic(double alpha, double beta) : LocationScale(alpha, beta) {}
+    Message check() const {
+        if (!(scale >= 0)) return "Error: beta must be >= 0";
+        return nullptr;
+    }
+};
+
+/// F = (1 + e^-z)^-gamma.
+struct StandardGeneralisedLogistic {
+    double gamma, log_gamma;
+
+    explicit StandardGeneralisedLogistic(double gamma_) : gamma(gamma_), log_gamma(std::log(gamma_)) {}
+    Support support() const { return kReals; }
+    double cumulative(double z) const { return std::exp(log_cumulative(z)); }
+    double survival(double z) const { return -numerics::expm1_fn(log_cumulative(z)); }
+    double log_cumulative(double z) const { return -gamma * softplus(-z); }
+    double log_density(double z) const { return log_gamma - gamma * softplus(-z) - softplus(z); }
+    double quantile(double p) const { return from_power(-std::log(p) / gamma); }
+    double quantile_upper(double q) const { return from_power(-numerics::log1p_fn(-q) / gamma); }
+
+  private:
+    /// The z with 1 + e^-z = e^w.
+    static double from_power(double w) {
+        return w < 30 ? -std::log(numerics::expm1_fn(w)) : -w - numerics::log1p_fn(-std::exp(-w));
+    }
+};
+
+/// Location alpha, scale beta >= 0, 0 being a point mass at alpha, shape gamma > 0; support all reals.
+/// F = (1 + exp(-z))^-gamma, z = (x - alpha)/beta (the type I generalised logistic distribution).
+struct GLogistic : LocationScale<StandardGeneralisedLogistic> {
+    GLogistic(double alpha, double beta, double gamma)
+        : LocationScale(alpha, beta, StandardGeneralisedLogistic(gamma)) {}
+    Message check() const {
+        if (!(scale >= 0)) return "Error: beta must be >= 0";
+        if (!(standard.gamma > 0)) return "Error: gamma must be > 0";
+        return nullptr;
+    }
+};
+
+/// Shape alpha > 0, scale beta >= 0, 0 being a point mass at 0; support [0, inf). F = 1/(1 + (x/beta)^-alpha):
+/// alpha ln(x/beta) is logistic.
+struct LogLogistic : LogLocationScale<StandardLogistic> {
+    double alpha, beta;
+
+    LogLogistic(double alpha_, double beta_)
+        : LogLocationScale(beta_, std::log(beta_), 1 / alpha_, {}), alpha(alpha_), beta(beta_) {}
+    Message check() const {
+        if (!(alpha > 0)) return "Error: alpha must be > 0";
+        if (!(beta >= 0)) return "Error: beta must be >= 0";
+        return nullptr;
+    }
+    std::optional<double> point_mass() const {
+        return beta == 0 ? std::optional(0.0) : LogLocationScale::point_mass();
+    }
+};
+
+/// F = (2/pi) atan(e^(pi z/2)).
+struct StandardHyperbolicSecant {
+    Support support() const { return kReals; }
+    double cumulative(double z) const { return std::atan(std::exp(kHalfPi * z)) / kHalfPi; }
+    double survival(double z) const { return cumulative(-z); }
+    double log_density(double z) const {
+        const double size = kHalfPi * std::fabs(z);
+        return -size - numerics::log1p_fn(std::exp(-2 * size));
+    }
+    double quantile(double p) const {
+        if (p > 0.5) return -quantile(1 - p);
+        if (p < 0.25) return std::log(std::tan(kHalfPi * p)) / kHalfPi;
+        const double t = std::tan(kHalfPi * (p - 0.5));  // ln tan(a + pi/4) = ln((1 + tan a)/(1 - tan a))
+        return numerics::log1p_fn(2 * t / (1 - t)) / kHalfPi;
+    }
+    double quantile_upper(double q) const { return -quantile(q); }
+    double log_cumulative(double z) const {
+        // Far out the arc tangent is its argument.
+        if (z < -30) return kHalfPi * z - std::log(kHalfPi);
+        return z < 0 ? std::log(cumulative(z)) : numerics::log1p_fn(-survival(z));
+    }
+
+  private:
+    static constexpr double kHalfPi = numerics::kPi / 2;
+};
+
+/// Mean mu, standard deviation sigma >= 0, 0 being a point mass at mu; support all reals.
+/// F = (2/pi) atan(exp(pi (x - mu)/(2 sigma))).
+struct HS : LocationScale<StandardHyperbolicSecant> {
+    HS(double mu, double sigma) : LocationScale(mu, sigma) {}
+    Message check() const {
+        if (!(scale >= 0)) return "Error: sigma must be >= 0";
+        return nullptr;
+    }
+};
+
+}  // namespace pral
