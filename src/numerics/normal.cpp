@@ -135,12 +135,21 @@ double normal_density(double z) {
     return times_exp_minus({kInvSqrt2Pi, 0}, half_square(z));
 }
 
+double normal_mills_ratio(double z) {
+    if (z < 2) return normal_survival(z) / normal_density(z);
+    return z < 1e8 ? 0.5 * kSqrt2Pi * scaled_erfc_tail(times_sqrt_half(z)).hi : 1 / z;
+}
+
 double normal_quantile(double p) {
     const double q = p - 0.5;
     if (is_central(q)) return quantile_center(q);
     if (!(p > 0)) return p <= 0 ? -kInfinity : p;
     if (p >= 1) return kInfinity;
     return q < 0 ? -quantile_tail(p) : quantile_tail(1 - p);
+}
+
+double normal_quantile_from_median(double d) {
+    return is_central(d) ? quantile_center(d) : normal_quantile(0.5 + d);
 }
 
 double normal_quantile_upper(double q) { return -normal_quantile(q); }

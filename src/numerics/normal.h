@@ -24,12 +24,18 @@ double normal_log_cumulative(double z);
 /// exp(-z^2/2) / sqrt(2 pi); the square is carried exactly.
 double normal_density(double z);
 
+/// (1 - Phi(z))/phi(z), the ratio of Mills; about 1/z far out, +infinity where phi underflows below.
+double normal_mills_ratio(double z);
+
 /// The z with Phi(z) = p (Wichura 1988, algorithm AS 241, PPND16). p <= 0 gives -kInfinity, p >= 1
 /// +kInfinity.
 double normal_quantile(double p);
 
 /// The z with 1 - Phi(z) = q: normal_quantile(1 - q) without forming 1 - q.
 double normal_quantile_upper(double q);
+
+/// The z with Phi(z) = 1/2 + d, |d| < 1/2, with its digits for tiny d.
+double normal_quantile_from_median(double d);
 
 /// normal_quantile of each element, in place.
 void normal_quantiles(std::span<double> p);
