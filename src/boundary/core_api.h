@@ -607,6 +607,58 @@ PRAL_FAMILY(LognormalE, continuous, (double mu, double sigma),
 PRAL_FAMILY(Cauchy, continuous, (double a, double b),
     "location a, scale b >= 0, 0 being a point mass at a; support all reals; F = 1/2 + atan((x - a)/b)/pi")
 
+PRAL_FAMILY(Logistic, continuous, (double alpha, double beta),
+    "location alpha, scale beta >= 0, 0 being a point mass at alpha; support all reals; "
+    "F = 1/(1 + exp(-(x - alpha)/beta))")
+
+PRAL_FAMILY(GLogistic, continuous, (double alpha, double beta, double gamma),
+    "location alpha, scale beta >= 0, 0 being a point mass at alpha, shape gamma > 0; support all reals; "
+    "F = (1 + exp(-(x - alpha)/beta))^-gamma")
+
+PRAL_FAMILY(LogLogistic, continuous, (double alpha, double beta),
+    "shape alpha > 0, scale beta >= 0, 0 being a point mass at 0; support [0, inf); F = 1/(1 + (x/beta)^-alpha)")
+
+PRAL_FAMILY(LogLogisticAlt, continuous,
+    (double value1, double probability1, double value2, double probability2, double minimum),
+    "the log-logistic distribution above minimum whose cumulative is probability1 at value1 and probability2 at value2; "
+    "probabilities on (0,1), values above minimum; support [minimum, inf); minimum + LogLogistic(alpha, beta)")
+
+PRAL_FAMILY(HS, continuous, (double mu, double sigma),
+    "hyperbolic secant: mean mu, standard deviation sigma >= 0, 0 being a point mass at mu; support all reals; "
+    "F = (2/pi) atan(exp(pi (x - mu)/(2 sigma)))")
+
+PRAL_FAMILY(Laplace, continuous, (double mu, double sigma),
+    "mean mu, standard deviation sigma >= 0, 0 being a point mass at mu; support all reals; "
+    "f = exp(-sqrt(2) |x - mu|/sigma)/(sqrt(2) sigma)")
+
+PRAL_FAMILY(LogLaplace, continuous, (double alpha, double beta, double Delta),
+    "tail exponents alpha > 0 above and beta > 0 below the scale Delta >= 0, 0 being a point mass at 0; support "
+    "[0, inf); f = C (x/Delta)^(beta - 1) below Delta, C (Delta/x)^(alpha + 1) above, "
+    "C = alpha beta/(Delta (alpha + beta))")
+
+PRAL_FAMILY(Error, continuous, (double mu, double sigma, double nu),
+    "exponential power: mean mu, standard deviation sigma >= 0, 0 being a point mass at mu, shape nu > 0 (1 Laplace, "
+    "2 Normal); support all reals; f proportional to exp(-(|x - mu|/(c sigma))^nu), "
+    "c = sqrt(Gamma(1/nu)/Gamma(3/nu))")
+
+PRAL_FAMILY(JohnsonB, continuous, (double alpha1, double alpha2, double min, double max),
+    "shapes alpha1 and alpha2 > 0; min < max; support [min, max]; alpha1 + alpha2 ln((x - min)/(max - x)) is standard "
+    "normal")
+
+PRAL_FAMILY(JohnsonU, continuous, (double alpha1, double alpha2, double beta, double gamma),
+    "shapes alpha1 and alpha2 > 0, scale beta >= 0, 0 being a point mass at gamma, location gamma; support all reals; "
+    "alpha1 + alpha2 asinh((x - gamma)/beta) is standard normal")
+
+PRAL_FAMILY(Fatigue, continuous, (double alpha, double beta, double gamma),
+    "location alpha, scale beta >= 0, 0 being a point mass at alpha, shape gamma > 0; support [alpha, inf); "
+    "F = Phi((sqrt(z) - 1/sqrt(z))/gamma), z = (x - alpha)/beta")
+
+PRAL_FAMILY(InvGauss, continuous, (double mu, double lambda),
+    "mean mu > 0, shape lambda > 0; support [0, inf); f = sqrt(lambda/(2 pi x^3)) exp(-lambda (x - mu)^2/(2 mu^2 x))")
+
+PRAL_FAMILY(Levy, continuous, (double c, double a),
+    "scale c >= 0, 0 being a point mass at a, location a; support [a, inf); F = erfc(sqrt(c/(2 (x - a))))")
+
 PRAL_FAMILY(ExtValueMax, continuous, (double a, double b),
     "location a, scale b >= 0, 0 being a point mass at a; support all reals; F = exp(-exp(-(x - a)/b))")
 
@@ -730,35 +782,6 @@ PRAL_FAMILY(Poisson, discrete, (double lambda),
 PRAL_FAMILY(Binomial, discrete, (double n, double p),
     "trials n >= 0, an integer; probability p in [0,1]; support 0, ..., n; f(x) = C(n, x) p^x (1-p)^(n-x); "
     "with n p (1-p) > 100,000 samples are those of a rounded normal")
-
-PRAL_FAMILY(Logistic, continuous, (double alpha, double beta),
-    "location alpha, scale beta >= 0, 0 being a point mass at alpha; support all reals; "
-    "F = 1/(1 + exp(-(x - alpha)/beta))")
-
-PRAL_FAMILY(GLogistic, continuous, (double alpha, double beta, double gamma),
-    "location alpha, scale beta >= 0, 0 being a point mass at alpha, shape gamma > 0; support all reals; "
-    "F = (1 + exp(-(x - alpha)/beta))^-gamma")
-
-PRAL_FAMILY(LogLogistic, continuous, (double alpha, double beta),
-    "shape alpha > 0, scale beta >= 0, 0 being a point mass at 0; support [0, inf); F = 1/(1 + (x/beta)^-alpha)")
-
-PRAL_FAMILY(HS, continuous, (double mu, double sigma),
-    "hyperbolic secant: mean mu, standard deviation sigma >= 0, 0 being a point mass at mu; support all reals; "
-    "F = (2/pi) atan(exp(pi (x - mu)/(2 sigma)))")
-
-PRAL_FAMILY(Laplace, continuous, (double mu, double sigma),
-    "mean mu, standard deviation sigma >= 0, 0 being a point mass at mu; support all reals; "
-    "f = exp(-sqrt(2) |x - mu|/sigma)/(sqrt(2) sigma)")
-
-PRAL_FAMILY(LogLaplace, continuous, (double alpha, double beta, double Delta),
-    "tail exponents alpha > 0 above and beta > 0 below the scale Delta >= 0, 0 being a point mass at 0; support "
-    "[0, inf); f = C (x/Delta)^(beta - 1) below Delta, C (Delta/x)^(alpha + 1) above, "
-    "C = alpha beta/(Delta (alpha + beta))")
-
-PRAL_FAMILY(Error, continuous, (double mu, double sigma, double nu),
-    "exponential power: mean mu, standard deviation sigma >= 0, 0 being a point mass at mu, shape nu > 0 (1 Laplace, "
-    "2 Normal); support all reals; f proportional to exp(-(|x - mu|/(c sigma))^nu), "
-    "c = sqrt(Gamma(1/nu)/Gamma(3/nu))")
 
 /* clang-format on */
 

@@ -114,6 +114,26 @@ struct LogLocationScale {
     double log_spread_;
 };
 
+/// Shape alpha > 0, scale beta >= 0, 0 being a point mass at 0; support [0, inf): alpha ln(X/beta) has the standard
+/// distribution.
+template <class Standard>
+struct ShapeAndScale : LogLocationScale<Standard> {
+    double alpha, beta;
+
+    ShapeAndScale(double alpha_, double beta_)
+        : LogLocationScale<Standard>(beta_, std::log(beta_), numerics::finite_or_limit(1 / alpha_), {}),
+          alpha(alpha_),
+          beta(beta_) {}
+    Message check() const {
+        if (!(alpha > 0)) return "Error: alpha must be > 0";
+        if (!(beta >= 0)) return "Error: beta must be >= 0";
+        return nullptr;
+    }
+    std::optional<double> point_mass() const {
+        return beta == 0 ? std::optional(0.0) : LogLocationScale<Standard>::point_mass();
+    }
+};
+
 /// X = g(Y) for a monotone g and a base distribution Y. `Map` holds what g depends on:
 ///
 ///   forward(y)        g(y)
@@ -153,7 +173,11 @@ struct Transformed {
         const double y = map.inverse(x);
         return decreasing() ? base.cumulative(y) : base.survival(y);
     }
-    double log_density(double x) const { return base.log_density(map.inverse(x)) + map.log_slope(x); }
+    double log_density(double x) const {
+        const double at_base = base.log_density(map.inverse(x));
+        return at_base == -HUGE_VAL ? at_base
+                                    : at_base + map.log_slope(x);  // the slope may be infinite there
+    }
     double quantile(double p) const {
         return map.forward(decreasing() ? pral::quantile_upper(base, p) : base.quantile(p));
     }

@@ -70,7 +70,9 @@ double Error::log_cumulative(double x) const {
     return log_gamma_upper(shape_, finite_or_limit(scaled_exp(1, log))) - kLn2;
 }
 
-double Error::log_density(double x) const { return log_peak_ - scaled_exp(1, log_power(x)) - std::log(sigma); }
+double Error::log_density(double x) const {
+    return log_peak_ - scaled_exp(1, log_power(x)) - std::log(sigma);
+}
 
 double Error::log_likelihood(std::span<const double> values) const {
     const double inverse = 1 / (sigma * std::exp(nu_log_c_.hi / nu));

@@ -101,9 +101,7 @@ class Error {
     double log_density(double x) const;
     double log_likelihood(std::span<const double> values) const;
     double quantile(double p) const { return p > 0.5 ? quantile_upper(1 - p) : mu - sigma * distance(2 * p); }
-    double quantile_upper(double q) const {
-        return q > 0.5 ? quantile(1 - q) : mu + sigma * distance(2 * q);
-    }
+    double quantile_upper(double q) const { return q > 0.5 ? quantile(1 - q) : mu + sigma * distance(2 * q); }
 
   private:
     numerics::DoubleDouble log_power(double x) const;  // ln w

@@ -1,7 +1,7 @@
 // The logistic distribution, its generalisation and its logarithmic forms, and the hyperbolic secant distribution.
 #pragma once
 
-#include "distributions/adapters.h"
+#include "distributions/continuous/two_percentiles.h"
 
 namespace pral {
 
@@ -69,19 +69,14 @@ struct GLogistic : LocationScale<StandardGeneralisedLogistic> {
 
 /// Shape alpha > 0, scale beta >= 0, 0 being a point mass at 0; support [0, inf). F = 1/(1 + (x/beta)^-alpha):
 /// alpha ln(x/beta) is logistic.
-struct LogLogistic : LogLocationScale<StandardLogistic> {
-    double alpha, beta;
+struct LogLogistic : ShapeAndScale<StandardLogistic> {
+    using ShapeAndScale::ShapeAndScale;
+};
 
-    LogLogistic(double alpha_, double beta_)
-        : LogLocationScale(beta_, std::log(beta_), 1 / alpha_, {}), alpha(alpha_), beta(beta_) {}
-    Message check() const {
-        if (!(alpha > 0)) return "Error: alpha must be > 0";
-        if (!(beta >= 0)) return "Error: beta must be >= 0";
-        return nullptr;
-    }
-    std::optional<double> point_mass() const {
-        return beta == 0 ? std::optional(0.0) : LogLocationScale::point_mass();
-    }
+/// The log-logistic distribution above `minimum` through two points of its cumulative.
+struct LogLogisticAlt : ThroughTwoPercentiles<StandardLogistic> {
+    LogLogisticAlt(double value1, double probability1, double value2, double probability2, double minimum)
+        : ThroughTwoPercentiles({value1, probability1, value2, probability2, minimum}) {}
 };
 
 /// F = (2/pi) atan(e^(pi z/2)).

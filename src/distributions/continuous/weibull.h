@@ -10,19 +10,8 @@ namespace pral {
 
 /// Shape alpha > 0, scale beta >= 0, 0 being a point mass at 0; support [0, inf). F = 1 - exp(-(x/beta)^alpha):
 /// alpha ln(x/beta) has Gumbel's distribution for minima.
-struct Weibull : LogLocationScale<StandardGumbelMin> {
-    double alpha, beta;
-
-    Weibull(double alpha_, double beta_)
-        : LogLocationScale(beta_, std::log(beta_), 1 / alpha_, {}), alpha(alpha_), beta(beta_) {}
-    Message check() const {
-        if (!(alpha > 0)) return "Error: alpha must be > 0";
-        if (!(beta >= 0)) return "Error: beta must be >= 0";
-        return nullptr;
-    }
-    std::optional<double> point_mass() const {
-        return beta == 0 ? std::optional(0.0) : LogLocationScale::point_mass();
-    }
+struct Weibull : ShapeAndScale<StandardGumbelMin> {
+    using ShapeAndScale::ShapeAndScale;
 };
 
 /// Theta + Weibull(Alpha, Beta), Alpha > 0, Beta >= 0, 0 being a point mass at Theta, Theta >= 0; support [Theta, inf).

@@ -3,6 +3,7 @@ import sys
 
 import mpmath as m
 
+from gamma_kin import gamma_tails
 from reference import INF, Family
 
 
@@ -22,19 +23,20 @@ def log_laplace(alpha, beta, delta):
                   lambda x: m.log(c * ((x / delta) ** (beta - 1) if x < delta else (delta / x) ** (alpha + 1))))
 
 
-def gamma_tails(a, w):
-    """P(a, w) and Q(a, w), their limits where mpmath would sum for ever."""
-    if w > 10**5:
+def tails(a, w):
+    """P(a, w) and Q(a, w), w > 0."""
+    if w < 1:
+        return gamma_tails(a, w)
+    if w > 10**5:  # beyond every double, and beyond mpmath
         return m.mpf(1), m.mpf(0)
-    lower = w**a / m.gamma(1 + a) if w < m.mpf(10) ** -60 else m.gammainc(a, 0, w, regularized=True)
-    return lower, m.gammainc(a, w, regularized=True) if lower > 0.5 else 1 - lower
+    return m.gammainc(a, 0, w, regularized=True), m.gammainc(a, w, regularized=True)
 
 
 def exponential_power(mu, sigma, nu):
     c = m.sqrt(m.gamma(1 / nu) / m.gamma(3 / nu)) * sigma
     w = lambda x: (abs(x - mu) / c) ** nu
-    inner = lambda x: gamma_tails(1 / nu, w(x))[0]
-    outer = lambda x: gamma_tails(1 / nu, w(x))[1]
+    inner = lambda x: tails(1 / nu, w(x))[0]
+    outer = lambda x: tails(1 / nu, w(x))[1]
     return Family((-INF, INF), lambda x: outer(x) / 2 if x < mu else (1 + inner(x)) / 2,
                   lambda x: outer(x) / 2 if x > mu else (1 + inner(x)) / 2,
                   lambda x: m.log(nu / (2 * c * m.gamma(1 / nu))) - w(x))

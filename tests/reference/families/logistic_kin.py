@@ -37,10 +37,19 @@ def log_logistic(alpha, beta):
                   lambda x: m.log(alpha * w(x) / x / (1 + w(x)) ** 2))
 
 
+def log_logistic_alt(value1, p1, value2, p2, minimum):
+    logit = lambda p: m.log(p / (1 - p))
+    alpha = (logit(p2) - logit(p1)) / m.log((value2 - minimum) / (value1 - minimum))
+    base = log_logistic(alpha, (value1 - minimum) * m.exp(-logit(p1) / alpha))
+    return Family((minimum, INF), *((lambda x, f=f: f(x - minimum)) for f in (base.cdf, base.sf, base.logpdf)))
+
+
 FAMILIES = {
     "Logistic": (logistic, [(0, 1), (-3, 0.5)], [(1e-100, 1e-100), (-1e6, 1e100)]),
     "GLogistic": (generalised, [(0, 1, 1), (2, 3, 0.25), (-1, 0.5, 12)], [(0, 1e-100, 0.01), (0, 1e100, 1e6)]),
     "LogLogistic": (log_logistic, [(1, 2), (4, 0.5), (0.5, 3)], [(0.01, 1), (1e6, 1e-100), (2, 1e100)]),
+    "LogLogisticAlt": (log_logistic_alt, [(1, 0.1, 5, 0.9, 0), (5, 0.75, 2, 0.25, -1)],
+                       [(1e-100, 1e-6, 1e100, 0.5, 0), (1e50, 0.01, 1.0001e50, 0.99, 0), (11, 1e-100, 12, 0.5, 10)]),
     "HS": (secant, [(0, 1), (5, 0.25)], [(1e-100, 1e-100), (0, 1e100)]),
 }
 

@@ -1,0 +1,63 @@
+#include "distributions/continuous/first_passage.h"
+
+#include "distributions/exports.h"
+#include "distributions/quantile_search.h"
+#include "numerics/gauss_legendre.h"
+
+namespace pral {
+
+namespace {
+
+using namespace numerics;
+
+/// M(a) - M(a + gap) = the integral of exp(-u^2/2 - a u) (1 - exp(-gap u)) over all u > 0, for a gap so small that the
+/// difference would cancel.
+double mills_difference(double a, double gap) {
+    const double reach = 80 / (a + std::sqrt(a * a + 80));
+    return integrate(reach, 2, [=](double u) { return std::exp(-u * (0.5 * u + a)) * -expm1_fn(-gap * u); });
+}
+
+}  // namespace
+
+/// Where b is hardly beyond a the upper tail is a difference of nearly equal Mills ratios.
+double InvGauss::upper_ratio(double a, double gap) const {
+    const double ratio = normal_mills_ratio(a), difference = ratio - normal_mills_ratio(a + gap);
+    return difference > 0.05 * ratio ? difference : mills_difference(a, gap);
+}
+
+double InvGauss::cumulative(double x) const {
+    const double a = score_.inverse(x), b = reflected_score(x);
+    const double reflected = normal_density(a) * normal_mills_ratio(b);
+    return normal_cumulative(a) + reflected;
+}
+
+double InvGauss::survival(double x) const {
+    const double a = score_.inverse(x);
+    if (a < -3) return 1 - cumulative(x);
+    const double density = normal_density(a);
+    return density > 0 ? density * upper_ratio(a, gap(x)) : density;
+}
+
+double InvGauss::log_cumulative(double x) const {
+    const double a = score_.inverse(x);
+    if (a > 0) return log1p_fn(-survival(x));
+    if (a < -1e8) return -0.5 * a * a;  // beyond all else
+    const double near = normal_mills_ratio(-a), far = normal_mills_ratio(reflected_score(x));
+    return -0.5 * a * a - kLnSqrt2Pi + std::log(near + far);
+}
+
+double InvGauss::quantile(double p) const {
+    if (p > 0.5) return quantile_upper(1 - p);
+    return search_quantile(*this, Side::lower, p, score_.forward(normal_quantile(p)));
+}
+
+double InvGauss::quantile_upper(double q) const {
+    if (q > 0.5) return quantile(1 - q);
+    return search_quantile(*this, Side::upper, q, score_.forward(normal_quantile_upper(q)));
+}
+
+}  // namespace pral
+
+PRAL_EXPORT_FAMILY(Fatigue, (double alpha, double beta, double gamma), (alpha, beta, gamma));
+PRAL_EXPORT_FAMILY(InvGauss, (double mu, double lambda), (mu, lambda));
+PRAL_EXPORT_FAMILY(Levy, (double c, double a), (c, a));

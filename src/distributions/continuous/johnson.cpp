@@ -1,0 +1,100 @@
+#include "distributions/continuous/johnson.h"
+
+#include "distributions/exports.h"
+#include "numerics/extended_log.h"
+
+namespace pral {
+
+using namespace numerics;
+
+namespace {
+
+bool usable(DoubleDouble v) { return v.hi > DBL_MIN && v.hi < DBL_MAX && std::isfinite(v.lo); }
+
+/// asinh(|t|) to double precision.
+double asinh_of(double size) {
+    if (size > 1e8) return std::log(size) + kLn2;
+    return log1p_fn(size + size * size / (1 + std::sqrt(1 + size * size)));
+}
+
+/// asinh(t) = ln(t + sqrt(1 + t^2)), t >= 0, to some 30 digits.
+DoubleDouble extended_asinh(DoubleDouble t) {
+    if (t.hi < 1e-30) return t;
+    if (t.hi > 1e30) return extended_log({2 * t.hi, 2 * t.lo});
+    const DoubleDouble square = add(multiply(t, t), {1, 0});
+    const double root = std::sqrt(square.hi);
+    const DoubleDouble back = two_product(root, root);
+    const DoubleDouble whole = fast_two_sum(root, ((square.hi - back.hi) - back.lo + square.lo) / (2 * root));
+    return extended_log(add(t, whole));
+}
+
+}  // namespace
+
+double JohnsonScore::of(DoubleDouble y) const {
+    const DoubleDouble sum = add(multiply(y, {alpha2, 0}), {alpha1, 0});
+    return std::isfinite(sum.hi) ? sum.hi : of(y.hi);
+}
+
+double JohnsonBMap::forward(double z) const {
+    const double y = score.inverse(z), width = std::min(max - min, kInfinity);
+    if (std::fabs(y) < 0.5) {  // from the middle, which may be 0
+        const double e = expm1_fn(y);
+        return 0.5 * min + 0.5 * max + 0.5 * width * (e / (e + 2));
+    }
+    return y < 0 ? min + width / (1 + std::exp(-y)) : max - width / (1 + std::exp(y));
+}
+
+double JohnsonBMap::inverse(double x) const {
+    const DoubleDouble lower = two_sum(x, -min), upper = two_sum(max, -x);
+    if (!score.moderate() && lower.hi > 0 && upper.hi > 0) {
+        const DoubleDouble ratio = divide(lower, upper);
+        if (usable(ratio)) return score.of(extended_log(ratio));
+    }
+    const double ratio = lower.hi / upper.hi;
+    const bool in_range = ratio > DBL_MIN && ratio < DBL_MAX;
+    return score.of(in_range ? std::log(ratio) : std::log(lower.hi) - std::log(upper.hi));
+}
+
+double JohnsonBMap::log_slope(double x) const {
+    const double lower = x - min, upper = max - x;
+    return std::log(score.alpha2) + std::log((max - min) / std::max(lower, upper)) -
+           std::log(std::min(lower, upper));
+}
+
+double JohnsonUMap::forward(double z) const {
+    const double y = score.inverse(z), size = std::fabs(y);
+    double value;
+    if (size < 20) {
+        const double e = expm1_fn(size);
+        value = 0.5 * beta * (e + e / (1 + e));
+    } else {
+        const double root = std::exp(0.5 * size);
+        value = 0.5 * beta * root * root;
+    }
+    return gamma + std::copysign(value, y);
+}
+
+double JohnsonUMap::inverse(double x) const {
+    const DoubleDouble difference = two_sum(x, -gamma);
+    const bool negative = difference.hi < 0;
+    if (!score.moderate()) {
+        const DoubleDouble t = divide(negative ? negated(difference) : difference, {beta, 0});
+        if (usable(t)) {
+            const DoubleDouble y = extended_asinh(t);
+            return score.of(negative ? negated(y) : y);
+        }
+    }
+    return score.of(std::copysign(asinh_of(std::fabs(difference.hi) / beta), difference.hi));
+}
+
+double JohnsonUMap::log_slope(double x) const {
+    const double size = std::fabs(x - gamma) / beta;
+    return std::log(score.alpha2 / beta) - (size < 1e8 ? 0.5 * log1p_fn(size * size) : std::log(size));
+}
+
+}  // namespace pral
+
+PRAL_EXPORT_FAMILY(JohnsonB, (double alpha1, double alpha2, double min, double max),
+                   (alpha1, alpha2, min, max));
+PRAL_EXPORT_FAMILY(JohnsonU, (double alpha1, double alpha2, double beta, double gamma),
+                   (alpha1, alpha2, beta, gamma));
