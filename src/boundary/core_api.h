@@ -607,6 +607,35 @@ PRAL_FAMILY(LognormalE, continuous, (double mu, double sigma),
 PRAL_FAMILY(Cauchy, continuous, (double a, double b),
     "location a, scale b >= 0, 0 being a point mass at a; support all reals; F = 1/2 + atan((x - a)/b)/pi")
 
+PRAL_FAMILY(NormalAlt, continuous, (double Value1, double Prob1, double Value2, double Prob2),
+    "two different points (value, probability) in the same order, 0 <= probability <= 1; support all reals; the Normal "
+    "whose cumulative passes through both")
+
+PRAL_FAMILY(Erf, continuous, (double h),
+    "precision h > 0; support all reals; Normal(0, 1/(h sqrt(2))): F = (1 + erf(h x))/2")
+
+PRAL_FAMILY(NormalMix, continuous, (double mu, double sigma, double excessKurt),
+    "mean mu, standard deviation sigma >= 0, 0 being a point mass at mu, excess kurtosis 0 <= excessKurt < 3; support "
+    "all reals; equal mixture of Normal(mu, sigma sqrt(1 + k)) and Normal(mu, sigma sqrt(1 - k)), "
+    "k = sqrt(excessKurt/3)")
+
+PRAL_FAMILY(SkewNormal, continuous, (double mu, double sigma, double alpha),
+    "location mu, scale sigma >= 0, 0 being a point mass at mu, shape -100 <= alpha <= 100; support all reals; "
+    "f = (2/sigma) phi(z) Phi(alpha z), z = (x - mu)/sigma")
+
+PRAL_FAMILY(Slash, continuous, (double mu, double scale),
+    "location mu, scale >= 0, 0 being a point mass at mu; support all reals; mu + scale N/V, N standard normal, "
+    "V uniform: F = Phi(z) - (phi(0) - phi(z))/z, z = (x - mu)/scale")
+
+PRAL_FAMILY(LognormalB, continuous, (double mu, double sigma, double base),
+    "mean mu and standard deviation sigma >= 0 of the logarithm to base > 1, sigma = 0 being a point mass at base^mu; "
+    "support [0, inf); base^Normal(mu, sigma)")
+
+PRAL_FAMILY(LognormalAlt, continuous,
+    (double value1, double probability1, double value2, double probability2, double minimum),
+    "two different points (value, probability) in the same order, minimum < value, 0 < probability < 1; support "
+    "[minimum, inf); minimum + the lognormal whose cumulative passes through both points")
+
 PRAL_FAMILY(Logistic, continuous, (double alpha, double beta),
     "location alpha, scale beta >= 0, 0 being a point mass at alpha; support all reals; "
     "F = 1/(1 + exp(-(x - alpha)/beta))")
@@ -620,8 +649,8 @@ PRAL_FAMILY(LogLogistic, continuous, (double alpha, double beta),
 
 PRAL_FAMILY(LogLogisticAlt, continuous,
     (double value1, double probability1, double value2, double probability2, double minimum),
-    "the log-logistic distribution above minimum whose cumulative is probability1 at value1 and probability2 at value2; "
-    "probabilities on (0,1), values above minimum; support [minimum, inf); minimum + LogLogistic(alpha, beta)")
+    "two different points (value, probability) in the same order, minimum < value, 0 < probability < 1; support "
+    "[minimum, inf); minimum + the log-logistic whose cumulative passes through both points")
 
 PRAL_FAMILY(HS, continuous, (double mu, double sigma),
     "hyperbolic secant: mean mu, standard deviation sigma >= 0, 0 being a point mass at mu; support all reals; "

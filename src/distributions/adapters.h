@@ -37,6 +37,11 @@ struct LocationScale {
     double log_cumulative(double x) const { return pral::log_cumulative(standard, standardised(x)); }
     double lower_rate() const requires requires(const Standard& z) { z.lower_rate(); }
     { return standard.lower_rate() / scale; }
+    void quantiles(std::span<double> p) const requires requires(const Standard& z) { z.quantiles(p); }
+    {
+        standard.quantiles(p);
+        for (double& x : p) x = location + scale * x;
+    }
 
     double standardised(double x) const { return (x - location) / scale; }
 
@@ -88,6 +93,11 @@ struct LogLocationScale {
     }
     double quantile(double p) const { return value(standard.quantile(p)); }
     double quantile_upper(double q) const { return value(pral::quantile_upper(standard, q)); }
+    void quantiles(std::span<double> p) const requires requires(const Standard& z) { z.quantiles(p); }
+    {
+        standard.quantiles(p);
+        for (double& x : p) x = value(x);
+    }
 
     double standardised(double x) const { return log_to_center(x) / spread; }
 
@@ -172,6 +182,11 @@ struct Transformed {
     double survival(double x) const {
         const double y = map.inverse(x);
         return decreasing() ? base.cumulative(y) : base.survival(y);
+    }
+    void quantiles(std::span<double> p) const
+        requires(!decreasing() && requires(const Base& y) { y.quantiles(p); }) {
+        base.quantiles(p);
+        for (double& x : p) x = map.forward(x);
     }
     double log_density(double x) const {
         const double at_base = base.log_density(map.inverse(x));

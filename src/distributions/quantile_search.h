@@ -29,7 +29,8 @@ enum class Side { lower, upper };
 /// is replaced by the bracket's middle.
 template <class D>
 double search_quantile(const D& d, Side side, double tail, double start) {
-    constexpr int kMaxSteps = 200;  // 64 halvings suffice; a Newton step between two of them does no harm
+    constexpr int kMaxSteps = 200;      // 64 halvings suffice; a Newton step between two of them does no harm
+    constexpr double kLastStep = 1e-9;  // the next one would be of the order of its square
     auto [lower, upper] = d.support();
     const double log_tail = std::log(tail);
     double x = start > lower && start < upper ? start : middle_double(lower, upper);
@@ -46,7 +47,8 @@ double search_quantile(const D& d, Side side, double tail, double start) {
         const bool accepted = newton > lower && newton < upper && std::fabs(excess) < 0.5 * previous;
         const double next = accepted ? newton : middle_double(lower, upper);
         previous = std::fabs(excess);
-        if (std::fabs(next - x) <= 2.3e-16 * std::fabs(x) || next == lower || next == upper) return next;
+        if (next == lower || next == upper) return next;
+        if (accepted && (previous < kLastStep || std::fabs(next - x) <= 2.3e-16 * std::fabs(x))) return next;
         x = next;
     }
     return x;

@@ -1,6 +1,35 @@
 #include "distributions/continuous/lognormal.h"
 
 #include "distributions/exports.h"
+#include "numerics/extended_log.h"
+
+namespace pral {
+
+namespace {
+
+using namespace numerics;
+
+/// base^mu to double precision, by a logarithm of twice that: rounding mu ln(base) would cost its size in ulps.
+DoubleDouble log_power(double base, double mu) {
+    const double plain = mu * std::log(base);
+    if (!(base > 0 && base < kInfinity && std::fabs(plain) < 1e3)) return {plain, 0};
+    return multiply(log_double_double(base), {mu, 0});
+}
+
+}  // namespace
+
+LognormalB::LognormalB(double mu_, double sigma_, double base_)
+    : LogLocationScale(scaled_exp(1, log_power(base_, mu_)), log_power(base_, mu_).hi,
+                       sigma_ * std::log(base_), {}),
+      mu(mu_),
+      sigma(sigma_),
+      base(base_) {}
+
+}  // namespace pral
 
 PRAL_EXPORT_FAMILY(Lognormal, (double mu, double sigma), (mu, sigma));
 PRAL_EXPORT_FAMILY(LognormalE, (double mu, double sigma), (mu, sigma));
+PRAL_EXPORT_FAMILY(LognormalB, (double mu, double sigma, double base), (mu, sigma, base));
+PRAL_EXPORT_FAMILY(LognormalAlt,
+                   (double value1, double probability1, double value2, double probability2, double minimum),
+                   (value1, probability1, value2, probability2, minimum));

@@ -1,8 +1,8 @@
 // The lognormal distribution under its parameterisations.
 #pragma once
 
-#include "distributions/adapters.h"
 #include "distributions/continuous/normal.h"
+#include "distributions/continuous/two_percentiles.h"
 
 namespace pral {
 
@@ -33,6 +33,30 @@ struct Lognormal : LogLocationScale<Normal> {
 
     static double log_deviation(double ratio) {
         return std::sqrt(ratio < 1e150 ? numerics::log1p_fn(ratio * ratio) : 2 * std::log(ratio));
+    }
+};
+
+/// base^Normal(mu, sigma), sigma >= 0, base > 1; sigma = 0 is a point mass at base^mu; support [0, inf).
+struct LognormalB : LogLocationScale<StandardNormal> {
+    double mu, sigma, base;
+
+    LognormalB(double mu, double sigma, double base);
+    Message check() const {
+        if (!(sigma >= 0)) return "Error: sigma must be >=0";
+        if (!(base > 1)) return "Error: base must be >1";
+        return nullptr;
+    }
+};
+
+/// The lognormal distribution above `minimum` through two points of its cumulative.
+struct LognormalAlt : ThroughTwoPercentiles<StandardNormal> {
+    LognormalAlt(double value1, double probability1, double value2, double probability2, double minimum)
+        : ThroughTwoPercentiles({value1, probability1, value2, probability2, minimum}) {}
+    Message check() const {
+        if (const Message objection = ThroughTwoPercentiles::check()) return objection;
+        // Probabilities so close that their normal quantiles coincide, or values whose ratio is 1 or out of range.
+        if (!(base.spread > 0 && base.spread < numerics::kInfinity)) return "Error: cannot be calculated";
+        return nullptr;
     }
 };
 
