@@ -58,7 +58,14 @@ struct LogLocationScale {
     Standard standard;
 
     LogLocationScale(double log_center_, double spread_, Standard standard_ = {})
-        : LogLocationScale(std::exp(log_center_), log_center_, spread_, standard_) {}
+        : LogLocationScale(numerics::DoubleDouble{log_center_, 0}, spread_, standard_) {}
+    LogLocationScale(numerics::DoubleDouble log_center_, double spread_, Standard standard_)
+        : LogLocationScale(numerics::scaled_exp(1, log_center_), log_center_.hi, spread_, standard_) {
+        if (!usable_) return;
+        const numerics::DoubleDouble rounded = numerics::log_double_double(center_);
+        center_rounding_ = (log_center_.hi - rounded.hi) + (log_center_.lo - rounded.lo);
+    }
+    /// With a center that is exact.
     LogLocationScale(double center, double log_center_, double spread_, Standard standard_)
         : log_center(log_center_),
           spread(spread_),
@@ -104,12 +111,12 @@ struct LogLocationScale {
   private:
     double value(double z) const {
         const double exponent = spread * z;
-        return usable_ && std::fabs(exponent) < 700 ? center_ * std::exp(exponent)
+        return usable_ && std::fabs(exponent) < 700 ? center_ * std::exp(exponent + center_rounding_)
                                                     : std::exp(log_center + exponent);
     }
 
     double log_to_center(double x) const {
-        return usable_ ? numerics::log_ratio(x, center_) : std::log(x) - log_center;
+        return usable_ ? numerics::log_ratio(x, center_) - center_rounding_ : std::log(x) - log_center;
     }
     double log_density_at_zero() const {
         if constexpr (requires { standard.lower_rate(); }) {
@@ -122,6 +129,7 @@ struct LogLocationScale {
     double center_;
     bool usable_;
     double log_spread_;
+    double center_rounding_ = 0;  // what the logarithm of center_ misses, which a small spread makes visible
 };
 
 /// Shape alpha > 0, scale beta >= 0, 0 being a point mass at 0; support [0, inf): alpha ln(X/beta) has the standard

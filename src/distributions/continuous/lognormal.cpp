@@ -9,7 +9,7 @@ namespace {
 
 using namespace numerics;
 
-/// base^mu to double precision, by a logarithm of twice that: rounding mu ln(base) would cost its size in ulps.
+/// ln(base^mu).
 DoubleDouble log_power(double base, double mu) {
     const double plain = mu * std::log(base);
     if (!(base > 0 && base < kInfinity && std::fabs(plain) < 1e3)) return {plain, 0};
@@ -19,8 +19,7 @@ DoubleDouble log_power(double base, double mu) {
 }  // namespace
 
 LognormalB::LognormalB(double mu_, double sigma_, double base_)
-    : LogLocationScale(scaled_exp(1, log_power(base_, mu_)), log_power(base_, mu_).hi,
-                       sigma_ * std::log(base_), {}),
+    : LogLocationScale(log_power(base_, mu_), sigma_ * std::log(base_), {}),
       mu(mu_),
       sigma(sigma_),
       base(base_) {}

@@ -72,13 +72,12 @@ def skew_normal(mu, sigma, alpha):
 
 
 def slash(mu, scale):
-    def upper(z):
-        gap = (m.npdf(0) - m.npdf(z)) / z if z else m.mpf(0)
-        return phi(-z) + gap
+    gap = lambda z: -m.npdf(0) * m.expm1(-(z**2) / 2)
+    upper = lambda z: phi(-z) + (gap(z) / z if z else 0)
 
     z = lambda x: (x - mu) / scale
     return Family((-INF, INF), lambda x: upper(-z(x)), lambda x: upper(z(x)),
-                  lambda x: m.log((m.npdf(0) - m.npdf(z(x))) / z(x) ** 2 if z(x) else m.npdf(0) / 2) - m.log(scale))
+                  lambda x: m.log(gap(z(x)) / z(x) ** 2 if z(x) else m.npdf(0) / 2) - m.log(scale))
 
 
 def cauchy(a, b):
@@ -90,7 +89,7 @@ def cauchy(a, b):
 
 FAMILIES = {
     "Lognormal": (lognormal, [(10, 3), (1, 20)], [(1e-100, 1e-101), (1e50, 1e60), (1, 1e-6)]),
-    "LognormalE": (lognormal_e, [(0, 1), (2, 0.25)], [(-200, 0.01), (0, 30)]),
+    "LognormalE": (lognormal_e, [(0, 1), (2, 0.25)], [(-200, 0.01), (0, 30), (0.3, 1e-6)]),
     "LognormalB": (lambda mu, sigma, base: lognormal_e(mu * m.log(base), sigma * m.log(base)),
                    [(0, 1, 10), (2, 0.25, 2)], [(-80, 0.01, 10), (30, 3, 1.0001), (0, 1e-6, 1e10)]),
     "LognormalAlt": (lognormal_alt, [(1, 0.1, 5, 0.9, 0), (5, 0.75, 2, 0.25, -1)],
