@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "distributions/family.h"
+#include "numerics/extended_log.h"
 #include "numerics/sums.h"
 
 namespace pral {
@@ -62,7 +63,7 @@ struct LogLocationScale {
     LogLocationScale(numerics::DoubleDouble log_center_, double spread_, Standard standard_)
         : LogLocationScale(numerics::scaled_exp(1, log_center_), log_center_.hi, spread_, standard_) {
         if (!usable_) return;
-        const numerics::DoubleDouble rounded = numerics::log_double_double(center_);
+        const numerics::DoubleDouble rounded = numerics::extended_log({center_, 0});
         center_rounding_ = (log_center_.hi - rounded.hi) + (log_center_.lo - rounded.lo);
     }
     /// With a center that is exact.

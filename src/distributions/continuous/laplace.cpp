@@ -27,7 +27,7 @@ DoubleDouble scaled_log_of_c(double nu) {
     if (nu > 0.1) return {0.5 * nu * (log_gamma(a) - log_gamma(3 * a)), 0};
     // Stirling's formula in both
     const double correction = 0.5 * nu * (lgamma_correction(a) - lgamma_correction(3 * a));
-    return add(add(log_double_double(nu), {1, 0}), add(times(kLn3, 0.25 * nu - 1.5), {correction, 0}));
+    return add(add(extended_log({nu, 0}), {1, 0}), add(times(kLn3, 0.25 * nu - 1.5), {correction, 0}));
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ using namespace numerics;
 DoubleDouble log_power(double base, double mu) {
     const double plain = mu * std::log(base);
     if (!(base > 0 && base < kInfinity && std::fabs(plain) < 1e3)) return {plain, 0};
-    return multiply(log_double_double(base), {mu, 0});
+    return multiply(extended_log({base, 0}), {mu, 0});
 }
 
 }  // namespace
