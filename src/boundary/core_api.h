@@ -718,6 +718,13 @@ PRAL_FAMILY(Pareto, continuous, (double theta, double a),
 PRAL_FAMILY(Pareto2, continuous, (double b, double q),
     "scale b >= 0, 0 being a point mass at 0, shape q > 0; support [0, inf); F = 1 - (b/(x + b))^q")
 
+PRAL_FAMILY(Dagum, continuous, (double a, double b, double p),
+    "shapes a > 0, p > 0, scale b >= 0, 0 being a point mass at 0; support [0, inf); F = (1 + (x/b)^-a)^-p")
+
+PRAL_FAMILY(Burr, continuous, (double a, double b, double c, double d),
+    "location a, scale b >= 0, 0 being a point mass at a, shapes c > 0, d > 0; support [a, inf); F = (1 + z^-c)^-d, "
+    "z = (x - a)/b")
+
 PRAL_FAMILY(Bradford, continuous, (double theta, double min, double max),
     "shape theta > 0, min < max; support [min, max]; F = ln(1 + theta y)/ln(1 + theta), y = (x - min)/(max - min)")
 

@@ -68,12 +68,17 @@ struct LogLocationScale {
     }
     /// With a center that is exact.
     LogLocationScale(double center, double log_center_, double spread_, Standard standard_)
+        : LogLocationScale(center, log_center_, spread_, standard_, numerics::divide({1, 0}, {spread_, 0})) {}
+    /// `rate` is 1/spread with the digits that spread itself may lack: far out they count several hundred times.
+    LogLocationScale(double center, double log_center_, double spread_, Standard standard_,
+                     numerics::DoubleDouble rate)
         : log_center(log_center_),
           spread(spread_),
           standard(standard_),
           center_(center),
           usable_(center >= DBL_MIN && center <= DBL_MAX),
-          log_spread_(std::log(spread_)) {}
+          log_spread_(std::log(spread_)),
+          rate_(std::isfinite(rate.lo) ? rate : numerics::DoubleDouble{1 / spread_, 0}) {}
 
     Support support() const { return kPositiveReals; }
     std::optional<double> point_mass() const { return spread == 0 ? std::optional(center_) : std::nullopt; }
@@ -85,7 +90,7 @@ struct LogLocationScale {
         if (x == 0) return log_density_at_zero();
         const double y = log_to_center(x);
         const double log_x = usable_ ? y + log_center : std::log(x);
-        return standard.log_density(y / spread) - log_spread_ - log_x;
+        return standard.log_density(from_log(y)) - log_spread_ - log_x;
     }
     /// Where the spread is not small the difference of two logarithms will do, one a value and no branch.
     double log_likelihood(std::span<const double> values) const {
@@ -107,7 +112,7 @@ struct LogLocationScale {
         for (double& x : p) x = value(x);
     }
 
-    double standardised(double x) const { return log_to_center(x) / spread; }
+    double standardised(double x) const { return from_log(log_to_center(x)); }
 
   private:
     double value(double z) const {
@@ -116,6 +121,7 @@ struct LogLocationScale {
                                                     : std::exp(log_center + exponent);
     }
 
+    double from_log(double y) const { return std::isinf(y) ? y : y * rate_.hi + y * rate_.lo; }
     double log_to_center(double x) const {
         return usable_ ? numerics::log_ratio(x, center_) - center_rounding_ : std::log(x) - log_center;
     }
@@ -131,6 +137,7 @@ struct LogLocationScale {
     bool usable_;
     double log_spread_;
     double center_rounding_ = 0;  // what the logarithm of center_ misses, which a small spread makes visible
+    numerics::DoubleDouble rate_;
 };
 
 /// Shape alpha > 0, scale beta >= 0, 0 being a point mass at 0; support [0, inf): alpha ln(X/beta) has the standard
@@ -139,8 +146,9 @@ template <class Standard>
 struct ShapeAndScale : LogLocationScale<Standard> {
     double alpha, beta;
 
-    ShapeAndScale(double alpha_, double beta_)
-        : LogLocationScale<Standard>(beta_, std::log(beta_), numerics::finite_or_limit(1 / alpha_), {}),
+    ShapeAndScale(double alpha_, double beta_, Standard standard_ = {})
+        : LogLocationScale<Standard>(beta_, std::log(beta_), numerics::finite_or_limit(1 / alpha_), standard_,
+                                     {alpha_, 0}),
           alpha(alpha_),
           beta(beta_) {}
     Message check() const {

@@ -45,6 +45,7 @@ struct StandardGeneralisedLogistic {
     double survival(double z) const { return -numerics::expm1_fn(log_cumulative(z)); }
     double log_cumulative(double z) const { return -gamma * softplus(-z); }
     double log_density(double z) const { return log_gamma - gamma * softplus(-z) - softplus(z); }
+    double lower_rate() const { return gamma; }
     double quantile(double p) const { return from_power(-std::log(p) / gamma); }
     double quantile_upper(double q) const { return from_power(-numerics::log1p_fn(-q) / gamma); }
 

@@ -1,27 +1,22 @@
-// The Pareto distributions of the first and second kind.
+// The Pareto distributions of the first and second kind, Dagum's and Burr's.
 #pragma once
 
 #include "distributions/adapters.h"
 #include "distributions/continuous/exponential.h"
+#include "distributions/continuous/logistic.h"
 
 namespace pral {
 
 /// Shape theta > 0, smallest value a >= 0, 0 being a point mass at 0; support [a, inf). F = 1 - (a/x)^theta:
 /// theta ln(x/a) is exponential.
-struct Pareto : LogLocationScale<StandardExponential> {
-    double theta, a;
-
-    Pareto(double theta_, double a_)
-        : LogLocationScale(a_, std::log(a_), 1 / theta_, {}), theta(theta_), a(a_) {}
+struct Pareto : ShapeAndScale<StandardExponential> {
+    Pareto(double theta, double a) : ShapeAndScale(theta, a) {}
     Message check() const {
-        if (!(theta > 0)) return "Error: theta must be > 0";
-        if (!(a >= 0)) return "Error: a must be >= 0";
+        if (!(alpha > 0)) return "Error: theta must be > 0";
+        if (!(beta >= 0)) return "Error: a must be >= 0";
         return nullptr;
     }
-    Support support() const { return {a, numerics::kInfinity}; }
-    std::optional<double> point_mass() const {
-        return a == 0 ? std::optional(0.0) : LogLocationScale::point_mass();
-    }
+    Support support() const { return {beta, numerics::kInfinity}; }
 };
 
 /// Map: x = b (e^(y/q) - 1).
@@ -54,6 +49,30 @@ struct Pareto2 : Transformed<StandardExponential, ScaledExpm1> {
 
   private:
     double log_peak_;
+};
+
+/// Shapes a > 0 and p > 0, scale b >= 0, 0 being a point mass at 0; support [0, inf). F = (1 + (x/b)^-a)^-p:
+/// a ln(x/b) has the generalised logistic distribution.
+struct Dagum : ShapeAndScale<StandardGeneralisedLogistic> {
+    Dagum(double a, double b, double p) : ShapeAndScale(a, b, StandardGeneralisedLogistic(p)) {}
+    Message check() const {
+        if (!(alpha > 0)) return "Error: a must be > 0";
+        if (!(beta >= 0)) return "Error: b must be >= 0";
+        if (!(standard.gamma > 0)) return "Error: p must be > 0";
+        return nullptr;
+    }
+};
+
+/// Location a, scale b >= 0, 0 being a point mass at a, shapes c > 0 and d > 0; support [a, inf).
+/// F = (1 + z^-c)^-d, z = (x - a)/b: a + Dagum(c, b, d).
+struct Burr : Shifted<Dagum> {
+    Burr(double a, double b, double c, double d) : Shifted(a, {c, b, d}) {}
+    Message check() const {
+        if (!(base.beta >= 0)) return "Error: b must be >= 0";
+        if (!(base.alpha > 0)) return "Error: c must be > 0";
+        if (!(base.standard.gamma > 0)) return "Error: d must be > 0";
+        return nullptr;
+    }
 };
 
 }  // namespace pral

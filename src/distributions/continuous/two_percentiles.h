@@ -2,6 +2,7 @@
 #pragma once
 
 #include "distributions/adapters.h"
+#include "numerics/extended_log.h"
 
 namespace pral {
 
@@ -42,10 +43,21 @@ struct ThroughTwoPercentiles : Shifted<LogLocationScale<LocationScale<Standard>>
         const double z1 = Standard().quantile(points.probability1);
         const double z2 = Standard().quantile(points.probability2);
         const double first = points.value1 - points.minimum, second = points.value2 - points.minimum;
-        const double spread = numerics::log_ratio(second, first) / (z2 - z1);
+        const double log_ratio = numerics::log_ratio(second, first);
+        const double spread = log_ratio / (z2 - z1);
         const bool from_first = std::fabs(z1) < std::fabs(z2);
         const double center = from_first ? first : second;
-        return {center, std::log(center), spread, {from_first ? -z1 : -z2, 1}};
+        return {center,
+                std::log(center),
+                spread,
+                {from_first ? -z1 : -z2, 1},
+                numerics::divide(numerics::two_sum(z2, -z1), precise_log_ratio(second, first, log_ratio))};
+    }
+    /// With more digits than a double's, where they can be had.
+    static numerics::DoubleDouble precise_log_ratio(double x, double y, double log) {
+        return std::fabs(log) < 600 && std::max(x, y) < 1e290 && std::min(x, y) > 1e-290
+                   ? numerics::extended_log(numerics::divide({x, 0}, {y, 0}))
+                   : numerics::DoubleDouble{log, 0};
     }
 };
 
