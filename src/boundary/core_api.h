@@ -596,6 +596,61 @@ PRAL_FAMILY(Gamma, continuous, (double alpha, double beta),
 PRAL_FAMILY(Erlang, continuous, (double m, double beta),
     "shape m >= 0, an integer, scale beta >= 0, a zero being a point mass at 0; support [0, inf); Gamma(m, beta)")
 
+PRAL_FAMILY(ChiSq, continuous, (double nu),
+    "degrees of freedom nu >= 1, an integer; support [0, inf); Gamma(nu/2, 2)")
+
+PRAL_FAMILY(Chi, continuous, (double nu),
+    "degrees of freedom nu >= 1, an integer; support [0, inf); the square root of ChiSq(nu)")
+
+PRAL_FAMILY(Maxwell, continuous, (double A),
+    "scale A > 0; support [0, inf); A Chi(3)")
+
+PRAL_FAMILY(Pearson5, continuous, (double alpha, double beta),
+    "shape alpha > 0, scale beta > 0; support [0, inf); 1/X is Gamma(alpha, 1/beta): F = Q(alpha, beta/x)")
+
+PRAL_FAMILY(LogGamma, continuous, (double alpha, double beta, double gamma),
+    "shape alpha > 0, scale beta >= 0, 0 being a point mass at the origin gamma; support [gamma, inf); "
+    "ln(X - gamma + 1) is Gamma(alpha, beta)")
+
+PRAL_FAMILY(Beta, continuous, (double alpha, double beta),
+    "shapes alpha > 0, beta > 0; support [0, 1]; F = I_x(alpha, beta)")
+
+PRAL_FAMILY(Beta4, continuous, (double alpha, double beta, double min, double max),
+    "shapes alpha > 0, beta > 0, min < max; support [min, max]; min + (max - min) Beta(alpha, beta)")
+
+PRAL_FAMILY(BetaSubj, continuous, (double min, double mode, double mean, double max),
+    "min < mode < max, min < mean < max; support [min, max]; Beta4 with that mean and that mode: shapes a1 = "
+    "2 (mean - min)(mid - mode)/((mean - mode)(max - min)) and a2 = a1 (max - mean)/(mean - min), mid = (min + max)/2; "
+    "3 and 3 for mean = mode = mid; refused where they are not positive and finite")
+
+PRAL_FAMILY(PERT, continuous, (double min, double mode, double max),
+    "min <= mode <= max, all equal being a point mass; support [min, max]; ModPERT with gamma = 4")
+
+PRAL_FAMILY(ModPERT, continuous, (double min, double mode, double max, double gamma),
+    "min <= mode <= max, all equal being a point mass; weight gamma > 0; support [min, max]; Beta4 with shapes "
+    "1 + gamma (mode - min)/(max - min) and 1 + gamma (max - mode)/(max - min)")
+
+PRAL_FAMILY(PERTAlt, continuous, (double Low, double Mode, double High, double LowP, double HighP),
+    "Low < Mode < High, 0 < LowP < 0.5 < HighP < 1; the PERT with that mode whose cumulative is LowP at Low and HighP "
+    "at High; support from its min to its max, which are computed")
+
+PRAL_FAMILY(Pearson6, continuous, (double alpha1, double alpha2, double beta),
+    "shapes alpha1 > 0, alpha2 > 0, scale beta > 0; support [0, inf); X/(X + beta) is Beta(alpha1, alpha2)")
+
+PRAL_FAMILY(F, continuous, (double nu1, double nu2),
+    "degrees of freedom nu1 > 0, nu2 > 0, any real numbers; support [0, inf); (ChiSq(nu1)/nu1)/(ChiSq(nu2)/nu2)")
+
+PRAL_FAMILY(Student, continuous, (double nu),
+    "degrees of freedom nu >= 1, an integer; support all reals; Student's t")
+
+PRAL_FAMILY(Student3, continuous, (double mu, double sigma, double nu),
+    "location mu, scale sigma >= 0, 0 being a point mass at mu; degrees of freedom nu >= 3, an integer; support all "
+    "reals; mu + sigma Student(nu)")
+
+PRAL_FAMILY(NCChiSq, continuous, (double nu, double pnonc),
+    "degrees of freedom nu >= 1, an integer, noncentrality pnonc >= 0; support [0, inf); the sum of the squares of nu "
+    "normal variables of variance 1 whose squared means have the sum pnonc")
+
 PRAL_FAMILY(Lognormal, continuous, (double mu, double sigma),
     "mean mu > 0 and standard deviation sigma >= 0 of the variable itself, sigma = 0 being a point mass at mu; "
     "support [0, inf); exp(Normal)")

@@ -1,6 +1,7 @@
 // Every family type of the library, for those who need them all.
 #pragma once
 
+#include "distributions/continuous/beta.h"
 #include "distributions/continuous/cauchy.h"
 #include "distributions/continuous/exponential.h"
 #include "distributions/continuous/extreme_value.h"
@@ -12,8 +13,11 @@
 #include "distributions/continuous/lifetime.h"
 #include "distributions/continuous/logistic.h"
 #include "distributions/continuous/lognormal.h"
+#include "distributions/continuous/noncentral.h"
 #include "distributions/continuous/normal.h"
 #include "distributions/continuous/pareto.h"
+#include "distributions/continuous/pert.h"
+#include "distributions/continuous/student.h"
 #include "distributions/continuous/triangle.h"
 #include "distributions/continuous/uniform.h"
 #include "distributions/continuous/weibull.h"

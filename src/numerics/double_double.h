@@ -64,6 +64,15 @@ inline constexpr DoubleDouble divide(DoubleDouble a, DoubleDouble b) {
     return fast_two_sum(quotient, ((a.hi - back.hi) - back.lo + a.lo - quotient * b.lo) / b.hi);
 }
 
+/// a / b likewise; where the quotient or the errors leave the range of a double, the rounded quotient alone.
+inline constexpr DoubleDouble exact_quotient(DoubleDouble a, DoubleDouble b) {
+    const DoubleDouble exact = divide(a, b);
+    return exact.lo - exact.lo == 0 ? exact : DoubleDouble{a.hi / b.hi, 0};
+}
+inline constexpr DoubleDouble exact_quotient(double a, double b) {
+    return exact_quotient(DoubleDouble{a, 0}, {b, 0});
+}
+
 /// c[0] x^(N-1) + ... + c[N-1] with the rounding errors of Horner's rule carried along (Graillat, Langlois,
 /// Louvet 2005): as good as evaluated in twice the precision and rounded. `low` holds what rounding to double
 /// took off the coefficients.

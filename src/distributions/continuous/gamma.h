@@ -1,52 +1,237 @@
-// The gamma distribution and its kin.
+// The gamma distribution and its kin: functions of a standard gamma variable.
 #pragma once
 
-#include "distributions/adapters.h"
-#include "numerics/double_double.h"
+#include <cmath>
+
+#include "distributions/family.h"
+#include "numerics/extended_log.h"
+#include "numerics/gamma.h"
 #include "numerics/gamma_ratio.h"
 
 namespace pral {
 
+/// X = g(G), G a standard gamma variable of the given shape: F(x) = P(shape, z) or, where g falls, Q(shape, z) with
+/// g(z) = x. `Map` holds what g depends on:
+///
+///   inverse(x)       z, and what its rounding took off
+///   forward(z)       g(z)
+///   log_slope(x)     ln |dz/dx|
+///   end, power, log_factor   for small z, ln z = log_factor + power ln(x - end); z itself may be beyond the range of a
+///                    double where its power by a small shape is not
+template <class Map>
+struct OfGamma {
+    double shape;
+    Map map;
+
+    Support support() const { return {map.end, numerics::kInfinity}; }
+    std::optional<double> point_mass() const { return std::nullopt; }
+
+    double cumulative(double x) const { return tail(x, !kFalls); }
+    double survival(double x) const { return tail(x, kFalls); }
+    double log_cumulative(double x) const { return log_tail(x, !kFalls); }
+    double log_survival(double x) const { return log_tail(x, kFalls); }
+    double log_density(double x) const {
+        const double z = map.inverse(x).hi;
+        if (is_small(z)) {
+            const double power = map.power * shape - 1;
+            const double log_limit =
+                shape * map.log_factor + std::log(shape * std::fabs(map.power)) - numerics::lgamma_1p(shape);
+            return power == 0 ? log_limit : power * std::log(x - map.end) + log_limit;
+        }
+        const double log = numerics::log_gamma_density(shape, z);
+        return log == -numerics::kInfinity ? -HUGE_VAL : log + map.log_slope(x);
+    }
+    double quantile(double p) const {
+        return from_gamma(
+            kFalls ? numerics::gamma_upper_inverse(shape, p) : numerics::gamma_lower_inverse(shape, p), p,
+            !kFalls);
+    }
+    double quantile_upper(double q) const {
+        return from_gamma(
+            kFalls ? numerics::gamma_lower_inverse(shape, q) : numerics::gamma_upper_inverse(shape, q), q,
+            kFalls);
+    }
+
+  private:
+    static constexpr bool kFalls = Map::power < 0;
+
+    bool is_small(double z) const { return z < 1e-290 && shape < 1e3; }
+    /// The logarithm of P(shape, z) = z^shape/Gamma(1 + shape), all that is left for small z.
+    double log_small(double x) const {
+        return shape * (map.log_factor + map.power * std::log(x - map.end)) - numerics::lgamma_1p(shape);
+    }
+    /// With large shapes the rounding of z would cost sqrt(shape) ulps, far out many times that.
+    bool rounding_counts(const numerics::DoubleDouble& z) const { return shape > 1e4 && z.lo != 0; }
+
+    double tail(double x, bool lower) const {
+        const numerics::DoubleDouble z = map.inverse(x);
+        if (is_small(z.hi)) return lower ? std::exp(log_small(x)) : -numerics::expm1_fn(log_small(x));
+        const double rounded =
+            lower ? numerics::gamma_lower(shape, z.hi) : numerics::gamma_upper(shape, z.hi);
+        if (!rounding_counts(z)) return rounded;
+        const double change = z.lo * numerics::gamma_density(shape, z.hi);
+        return lower ? rounded + change : rounded - change;
+    }
+    double log_tail(double x, bool lower) const {
+        const numerics::DoubleDouble z = map.inverse(x);
+        if (is_small(z.hi)) return lower ? log_small(x) : numerics::log1m_exp(-log_small(x));
+        const double rounded =
+            lower ? numerics::log_gamma_lower(shape, z.hi) : numerics::log_gamma_upper(shape, z.hi);
+        if (!rounding_counts(z) || !(rounded > -numerics::kInfinity)) return rounded;
+        const double change = z.lo * std::exp(numerics::log_gamma_density(shape, z.hi) - rounded);
+        return lower ? rounded + change : rounded - change;
+    }
+    /// g(z) for the z whose lower (upper) tail is `probability`.
+    double from_gamma(double z, double probability, bool lower) const {
+        if (!is_small(z)) return map.forward(z);
+        const double log_p = lower ? std::log(probability) : numerics::log1p_fn(-probability);
+        const double log_z = (log_p + numerics::lgamma_1p(shape)) / shape;
+        return map.end + std::exp((log_z - map.log_factor) / map.power);
+    }
+};
+
+/// z = x/scale.
+struct GammaScale {
+    static constexpr double power = 1, end = 0;
+    double scale, log_factor;
+
+    explicit GammaScale(double scale_) : scale(scale_), log_factor(-std::log(scale_)) {}
+    numerics::DoubleDouble inverse(double x) const { return numerics::exact_quotient(x, scale); }
+    double forward(double z) const { return scale * z; }
+    double log_slope(double) const { return log_factor; }
+};
+
 /// Shape alpha >= 0, scale beta >= 0; a zero is a point mass at 0. F = P(alpha, x/beta).
-struct Gamma {
+struct Gamma : OfGamma<GammaScale> {
     double alpha, beta;
 
+    Gamma(double alpha_, double beta_)
+        : OfGamma{alpha_, GammaScale(beta_)},
+          alpha(alpha_),
+          beta(beta_),
+          log_gamma_(numerics::log_gamma(alpha_)) {}
     Message check() const {
         if (!(alpha >= 0)) return "Error: alpha must be >= 0";
         if (!(beta >= 0)) return "Error: beta must be >= 0";
         return nullptr;
     }
-    Support support() const { return kPositiveReals; }
     std::optional<double> point_mass() const {
         return alpha == 0 || beta == 0 ? std::optional(0.0) : std::nullopt;
     }
-
-    double cumulative(double x) const { return numerics::gamma_lower(alpha, x / beta) + rounding(x); }
-    double survival(double x) const { return numerics::gamma_upper(alpha, x / beta) - rounding(x); }
-    double log_cumulative(double x) const { return numerics::log_gamma_lower(alpha, x / beta); }
-    double log_density(double x) const {
-        return numerics::log_gamma_density(alpha, x / beta) - std::log(beta);
-    }
-    double quantile(double p) const { return beta * numerics::gamma_lower_inverse(alpha, p); }
-    double quantile_upper(double q) const { return beta * numerics::gamma_upper_inverse(alpha, q); }
+    double log_likelihood(std::span<const double> values) const;
 
   private:
-    /// What the rounding of x/beta takes off P: with large shapes it would cost sqrt(alpha) ulps, far out many times that.
-    double rounding(double x) const {
-        if (!(alpha > 1e4)) return 0;
-        const numerics::DoubleDouble z = numerics::divide({x, 0}, {beta, 0});
-        return z.lo == 0 || !std::isfinite(z.lo) ? 0 : z.lo * numerics::gamma_density(alpha, z.hi);
-    }
+    double log_gamma_;
 };
 
 /// Shape m, a non-negative integer, scale beta >= 0: Gamma(m, beta).
 struct Erlang : Gamma {
-    Erlang(double m, double scale) : Gamma{m, scale} {}
+    Erlang(double m, double scale) : Gamma(m, scale) {}
     Message check() const {
         if (!(alpha >= 0)) return "Error: m must be >= 0";
         if (!(beta >= 0)) return "Error: beta must be >= 0";
         if (alpha != std::floor(alpha)) return "Error: m must be an integer";
         return nullptr;
+    }
+};
+
+/// Degrees of freedom nu, a positive integer: Gamma(nu/2, 2).
+struct ChiSq : Gamma {
+    double nu;
+
+    explicit ChiSq(double nu_) : Gamma(0.5 * nu_, 2), nu(nu_) {}
+    Message check() const {
+        if (!(nu > 0)) return "Error: nu must be a positive integer";
+        if (nu != std::floor(nu)) return "Error: nu must be a integer";
+        return nullptr;
+    }
+};
+
+/// z = (x/scale)^2/2.
+struct HalfSquare {
+    static constexpr double power = 2, end = 0;
+    double scale, log_factor;
+
+    explicit HalfSquare(double scale_) : scale(scale_), log_factor(-2 * std::log(scale_) - numerics::kLn2) {}
+    numerics::DoubleDouble inverse(double x) const {
+        const numerics::DoubleDouble ratio = numerics::exact_quotient(x, scale);
+        const numerics::DoubleDouble square = numerics::multiply(ratio, {0.5 * ratio.hi, 0.5 * ratio.lo});
+        return std::isfinite(square.lo) ? square : numerics::DoubleDouble{0.5 * ratio.hi * ratio.hi, 0};
+    }
+    double forward(double z) const { return scale * (std::sqrt(2.0) * std::sqrt(z)); }
+    double log_slope(double x) const { return std::log(x) + (log_factor + numerics::kLn2); }
+};
+
+/// Degrees of freedom nu >= 1, an integer: the square root of ChiSq(nu).
+struct Chi : OfGamma<HalfSquare> {
+    double nu;
+
+    explicit Chi(double nu_) : OfGamma{0.5 * nu_, HalfSquare(1)}, nu(nu_) {}
+    Message check() const {
+        if (!(nu >= 1)) return "Error: nu must be >= 1";
+        if (nu != std::floor(nu)) return "Error: nu must be an integer";
+        return nullptr;
+    }
+};
+
+/// Scale A > 0: A times Chi(3), the speed of a gas molecule.
+struct Maxwell : OfGamma<HalfSquare> {
+    explicit Maxwell(double A) : OfGamma{1.5, HalfSquare(A)} {}
+    Message check() const {
+        if (!(map.scale > 0)) return "Error: A must be > 0";
+        return nullptr;
+    }
+};
+
+/// z = scale/x.
+struct GammaReciprocal {
+    static constexpr double power = -1, end = 0;
+    double scale, log_factor;
+
+    explicit GammaReciprocal(double scale_) : scale(scale_), log_factor(std::log(scale_)) {}
+    numerics::DoubleDouble inverse(double x) const { return numerics::exact_quotient(scale, x); }
+    double forward(double z) const { return scale / z; }
+    double log_slope(double x) const { return log_factor - 2 * std::log(x); }
+};
+
+/// Shape alpha > 0, scale beta > 0; support [0, inf): 1/X is Gamma(alpha, 1/beta).
+struct Pearson5 : OfGamma<GammaReciprocal> {
+    Pearson5(double alpha, double beta) : OfGamma{alpha, GammaReciprocal(beta)} {}
+    Message check() const {
+        if (!(shape > 0)) return "Error: alpha must be > 0";
+        if (!(map.scale > 0)) return "Error: beta must be > 0";
+        return nullptr;
+    }
+};
+
+/// z = ln(1 + x - end)/scale.
+struct GammaLogarithm {
+    static constexpr double power = 1;
+    double end, scale, log_factor;
+
+    GammaLogarithm(double end_, double scale_) : end(end_), scale(scale_), log_factor(-std::log(scale_)) {}
+    numerics::DoubleDouble inverse(double x) const {
+        const numerics::DoubleDouble distance = numerics::two_sum(x, -end);
+        const numerics::DoubleDouble log = std::isfinite(distance.lo)
+                                               ? numerics::extended_log(numerics::add({1, 0}, distance))
+                                               : numerics::DoubleDouble{std::log(distance.hi), 0};
+        return numerics::exact_quotient(log, {scale, 0});
+    }
+    double forward(double z) const { return end + numerics::expm1_fn(scale * z); }
+    double log_slope(double x) const { return log_factor - numerics::log1p_fn(x - end); }
+};
+
+/// Shape alpha > 0, scale beta >= 0, 0 being a point mass at the origin gamma; support [gamma, inf): ln(X - gamma + 1) is
+/// Gamma(alpha, beta).
+struct LogGamma : OfGamma<GammaLogarithm> {
+    LogGamma(double alpha, double beta, double gamma) : OfGamma{alpha, GammaLogarithm(gamma, beta)} {}
+    Message check() const {
+        if (!(shape > 0)) return "Error: alpha must be >0";
+        if (!(map.scale >= 0)) return "Error: beta must be >= 0";
+        return nullptr;
+    }
+    std::optional<double> point_mass() const {
+        return map.scale == 0 ? std::optional(map.end) : std::nullopt;
     }
 };
 

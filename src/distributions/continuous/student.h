@@ -1,0 +1,68 @@
+// Student's t distribution.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+
+#include "distributions/adapters.h"
+#include "numerics/beta_quantile.h"
+#include "numerics/gamma.h"
+
+namespace pral {
+
+/// Student's t with nu > 0 degrees of freedom: for t < 0, F = I_x(nu/2, 1/2)/2, x = nu/(nu + t^2).
+struct StandardStudent {
+    double nu, log_peak;
+
+    explicit StandardStudent(double nu_)
+        : nu(std::min(nu_, 1e30)),  // beyond, the normal distribution to every digit
+          log_peak(-0.5 * std::log(nu) - numerics::log_beta(0.5 * nu, 0.5)) {}
+
+    Support support() const { return kReals; }
+    double cumulative(double t) const { return numerics::student_lower(nu, t); }
+    double survival(double t) const { return numerics::student_lower(nu, -t); }
+    double log_cumulative(double t) const {
+        const double lower = cumulative(t);
+        if (lower > 0.5) return numerics::log1p_fn(-survival(t));
+        return lower > 1e-290 ? std::log(lower) : log_far_tail(std::fabs(t) / std::sqrt(nu));
+    }
+    double log_density(double t) const {
+        const double r = std::fabs(t) / std::sqrt(nu);
+        return log_peak - (nu + 1) * (r < 1e100 ? 0.5 * numerics::log1p_fn(r * r) : std::log(r));
+    }
+    double quantile(double p) const { return numerics::student_quantile(nu, p); }
+    double quantile_upper(double q) const { return -numerics::student_quantile(nu, q); }
+
+  private:
+    /// ln F at t = -r sqrt(nu), where F underflows.
+    double log_far_tail(double r) const {
+        const numerics::BetaRatio ratio(0.5 * nu, 0.5);
+        if (r < 1e100) return ratio.log_lower(1 / (1 + r * r), r * r / (1 + r * r)) - numerics::kLn2;
+        return -nu * (std::log(r) + 0.5 * ratio.log_leading(true, {1, 0}).hi) - numerics::kLn2;
+    }
+};
+
+/// Degrees of freedom nu, a positive integer; support all reals.
+struct Student : LocationScale<StandardStudent> {
+    double nu;
+
+    explicit Student(double nu_) : LocationScale(0, 1, StandardStudent(nu_)), nu(nu_) {}
+    Message check() const {
+        if (!(nu > 0 && nu == std::floor(nu))) return "Error: nu must be a positive integer";
+        return nullptr;
+    }
+};
+
+/// Location mu, scale sigma >= 0, 0 being a point mass at mu, degrees of freedom nu >= 3, an integer: mu + sigma Student(nu).
+struct Student3 : LocationScale<StandardStudent> {
+    double nu;
+
+    Student3(double mu, double sigma, double nu_) : LocationScale(mu, sigma, StandardStudent(nu_)), nu(nu_) {}
+    Message check() const {
+        if (!(scale >= 0)) return "Error: sigma must be >= 0";
+        if (!(nu >= 3 && nu == std::floor(nu))) return "Error: nu must be a positive integer >=3";
+        return nullptr;
+    }
+};
+
+}  // namespace pral
