@@ -13,6 +13,11 @@
 #include "boundary/automation.h"
 #include "boundary/error_text.h"
 
+// Windows' headers define these everyday words away.
+#undef near
+#undef far
+#undef small
+
 namespace pral {
 
 /// Runs `body`, which returns the success flag; an exception becomes a failure with its text.
