@@ -42,8 +42,8 @@ double InvGauss::log_cumulative(double x) const {
     const double a = score_.inverse(x);
     if (a > 0) return log1p_fn(-survival(x));
     if (a < -1e8) return -0.5 * a * a;  // beyond all else
-    const double near = normal_mills_ratio(-a), far = normal_mills_ratio(reflected_score(x));
-    return -0.5 * a * a - kLnSqrt2Pi + std::log(near + far);
+    const double ratios = normal_mills_ratio(-a) + normal_mills_ratio(reflected_score(x));
+    return -0.5 * a * a - kLnSqrt2Pi + std::log(ratios);
 }
 
 double InvGauss::quantile(double p) const {

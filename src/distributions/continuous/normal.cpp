@@ -112,9 +112,9 @@ double StandardSlash::log_density(double z) const {
 
 double StandardSlash::quantile(double p) const {
     if (p > 0.5) return -quantile(1 - p);
-    const double far = kInvSqrt2Pi / p;  // exact where phi(z) vanishes
-    if (far > 39) return -far;
-    return search_quantile(*this, Side::lower, p, -std::min(far, 2 * (0.5 - p) / kInvSqrt2Pi));
+    const double outermost = kInvSqrt2Pi / p;  // exact where phi(z) vanishes
+    if (outermost > 39) return -outermost;
+    return search_quantile(*this, Side::lower, p, -std::min(outermost, 2 * (0.5 - p) / kInvSqrt2Pi));
 }
 
 }  // namespace pral
