@@ -48,6 +48,7 @@ concept Distribution = requires(const D& d, double x) {
 ///
 ///   quantile_upper(q)       the inverse of the survival, without forming 1 - q
 ///   quantiles(span)         quantile() of each element, in place
+///   quantile_table()        a QuantileTable (quantile_table.h) for arrays, truncated or not; neither is a point mass
 ///   log_cumulative(x)       ln F(x), where F itself loses digits or underflows
 ///   log_survival(x)         ln(1 - F(x)), likewise
 ///   log_likelihood(values)  the sum of the log densities, where it is cheaper than its terms
@@ -77,6 +78,8 @@ Message check_probability(const D& d) {
 struct Tails {
     double lower, upper;
 };
+
+enum class Side { lower, upper };
 
 /// The tails at any x, outside the support and at a point mass included.
 template <Family D>

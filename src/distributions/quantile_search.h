@@ -21,8 +21,6 @@ inline double middle_double(double a, double b) {
     return std::bit_cast<double>(middle >= 0 ? middle : INT64_MIN - middle);
 }
 
-enum class Side { lower, upper };
-
 /// The x whose lower (upper) tail is `tail`, 0 < tail < 1, best called with the smaller of the two. Newton steps on the
 /// logarithm of the tail, which is nearly straight far out where the tail itself is flat; from `start`, kept inside a
 /// bracket that begins as the support. A step that leaves the bracket, or a tail that does not shrink the way it should,

@@ -76,10 +76,8 @@ class Truncated {
     /// The quantile of what is kept, 0 < u < 1: that of the whole at percentile(u), taken from the smaller tail.
     double quantile(double u) const {
         if (!bounded_) return base_.quantile(u);
-        const double p = percentile(u);
-        const bool from_below = p <= 0.5 || (requires { D::kDiscrete; } && !above_median());
-        return limited(from_below ? pral::quantile(base_, p)
-                                  : pral::quantile_upper(base_, max_.tails.upper + (1 - u) * mass_));
+        const auto [side, tail] = base_tail(u);
+        return limited(side == Side::lower ? pral::quantile(base_, tail) : pral::quantile_upper(base_, tail));
     }
 
     /// quantile() of each element, in place.
@@ -90,6 +88,18 @@ class Truncated {
                 for (double& value : u) value = percentile(value);
                 base_.quantiles(u);
                 for (double& value : u) value = limited(value);
+                return;
+            }
+        }
+        if constexpr (requires { base_.quantile_table(); }) {
+            constexpr std::size_t kTableFrom = 300;  // fewer values do not repay the bins
+            if (u.size() >= kTableFrom) {
+                auto table = base_.quantile_table();
+                for (double& value : u) {
+                    const auto [side, tail] = base_tail(value);
+                    const double x = table(side, tail);
+                    value = std::isnan(x) ? quantile(value) : limited(x);
+                }
                 return;
             }
         }
@@ -118,6 +128,17 @@ class Truncated {
     }
 
   private:
+    /// Percentile u of what is kept as a tail of the whole, where possible the smaller one.
+    struct BaseTail {
+        Side side;
+        double tail;
+    };
+    BaseTail base_tail(double u) const {
+        const double p = percentile(u);
+        if (p <= 0.5 || (requires { D::kDiscrete; } && !above_median())) return {Side::lower, p};
+        return {Side::upper, max_.tails.upper + (1 - u) * mass_};
+    }
+
     Bound complete(const double* given, bool is_percentile, bool valid) const {
         const double number = given != nullptr ? *given : 0;
         if (!is_percentile) return {number, valid ? tails(base_, number) : Tails{0, 0}};

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "distributions/family.h"
+#include "distributions/quantile_table.h"
 #include "numerics/beta_quantile.h"
 #include "numerics/extended_log.h"
 
@@ -152,11 +153,28 @@ struct UnitInterval {
     }
 };
 
+/// The beta distribution on [0, 1], for tables.
+struct StandardBeta : OfBeta<UnitInterval> {
+    StandardBeta(double a, double b) : OfBeta(a, b, UnitInterval(0, 1)) {}
+    LogDensitySlope log_density_slope() const {
+        return {{ratio.a() - 1, 2 - ratio.a() - ratio.b(), 0}, {0, 1, -1}};
+    }
+};
+
 /// A beta variable of shapes alpha1 and alpha2 stretched over [min, max].
 struct BetaOnInterval : OfBeta<UnitInterval> {
     BetaOnInterval(double alpha1, double alpha2, double min, double max)
         : OfBeta(alpha1, alpha2, UnitInterval(min, max)) {}
     double log_likelihood(std::span<const double> values) const;
+    /// By the distance from the end nearer to 0, which the sum keeps best.
+    auto quantile_table() const {
+        const bool from_max = std::fabs(map.max) < std::fabs(map.min);
+        const LinearPlace place =
+            from_max ? LinearPlace{map.max, -map.width} : LinearPlace{map.min, map.width};
+        const StandardBeta standard =
+            from_max ? StandardBeta(ratio.b(), ratio.a()) : StandardBeta(ratio.a(), ratio.b());
+        return QuantileTable(standard, place, place.cancels_below(), from_max);
+    }
 };
 
 /// Shapes alpha > 0, beta > 0; support [0, 1]. F = I_x(alpha, beta), DLMF 8.17.2.
@@ -216,12 +234,26 @@ struct ScaledOdds {
     }
 };
 
+/// The odds of a beta variable, for tables.
+struct StandardOdds : OfBeta<ScaledOdds> {
+    StandardOdds(double a, double b) : OfBeta(a, b, ScaledOdds({1, 0})) {}
+    LogDensitySlope log_density_slope() const { return {{ratio.a() - 1, -ratio.b() - 1, 0}, {0, 1, 1}}; }
+};
+
+/// A multiple of the odds of a beta variable.
+struct BetaOdds : OfBeta<ScaledOdds> {
+    using OfBeta::OfBeta;
+    auto quantile_table() const {
+        return QuantileTable(StandardOdds(ratio.a(), ratio.b()), LinearPlace{0, map.scale.hi});
+    }
+};
+
 /// Shapes alpha1 > 0, alpha2 > 0, scale beta > 0; support [0, inf): X/(X + beta) is Beta(alpha1, alpha2).
-struct Pearson6 : OfBeta<ScaledOdds> {
+struct Pearson6 : BetaOdds {
     double alpha1, alpha2, beta;
 
     Pearson6(double alpha1_, double alpha2_, double beta_)
-        : OfBeta(alpha1_, alpha2_, ScaledOdds({beta_, 0})), alpha1(alpha1_), alpha2(alpha2_), beta(beta_) {}
+        : BetaOdds(alpha1_, alpha2_, ScaledOdds({beta_, 0})), alpha1(alpha1_), alpha2(alpha2_), beta(beta_) {}
     Message check() const {
         if (!(alpha1 > 0)) return "Error: alpha1 must be > 0";
         if (!(alpha2 > 0)) return "Error: alpha2 must be > 0";
@@ -232,11 +264,11 @@ struct Pearson6 : OfBeta<ScaledOdds> {
 
 /// Degrees of freedom nu1 > 0, nu2 > 0, any real numbers; support [0, inf): the ratio of two mean chi-squares,
 /// Pearson6(nu1/2, nu2/2, nu2/nu1).
-struct F : OfBeta<ScaledOdds> {
+struct F : BetaOdds {
     double nu1, nu2;
 
     F(double nu1_, double nu2_)
-        : OfBeta(0.5 * nu1_, 0.5 * nu2_, ScaledOdds(numerics::exact_quotient(nu2_, nu1_))),
+        : BetaOdds(0.5 * nu1_, 0.5 * nu2_, ScaledOdds(numerics::exact_quotient(nu2_, nu1_))),
           nu1(nu1_),
           nu2(nu2_) {}
     Message check() const {

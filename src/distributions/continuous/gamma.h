@@ -4,11 +4,22 @@
 #include <cmath>
 
 #include "distributions/family.h"
+#include "distributions/quantile_table.h"
 #include "numerics/extended_log.h"
 #include "numerics/gamma.h"
 #include "numerics/gamma_ratio.h"
 
 namespace pral {
+
+/// The gamma distribution of scale 1.
+struct StandardGamma {
+    double shape;
+
+    double quantile(double p) const { return numerics::gamma_lower_inverse(shape, p); }
+    double quantile_upper(double q) const { return numerics::gamma_upper_inverse(shape, q); }
+    double log_density(double z) const { return numerics::log_gamma_density(shape, z); }
+    LogDensitySlope log_density_slope() const { return {{shape - 1, -1, 0}, {0, 1, 0}}; }
+};
 
 /// X = g(G), G a standard gamma variable of the given shape: F(x) = P(shape, z) or, where g falls, Q(shape, z) with
 /// g(z) = x. `Map` holds what g depends on:
@@ -50,6 +61,11 @@ struct OfGamma {
         return from_gamma(
             kFalls ? numerics::gamma_lower_inverse(shape, q) : numerics::gamma_upper_inverse(shape, q), q,
             kFalls);
+    }
+
+    auto quantile_table() const {
+        const auto place = [map = map](double z) { return map.forward(z); };
+        return QuantileTable(StandardGamma{shape}, place, std::fabs(map.end) / 256, kFalls);
     }
 
   private:

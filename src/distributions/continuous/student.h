@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "distributions/adapters.h"
+#include "distributions/quantile_table.h"
 #include "numerics/beta_quantile.h"
 #include "numerics/gamma.h"
 
@@ -33,6 +34,8 @@ struct StandardStudent {
     double quantile(double p) const { return numerics::student_quantile(nu, p); }
     double quantile_upper(double q) const { return -numerics::student_quantile(nu, q); }
 
+    LogDensitySlope log_density_slope() const { return {{0, -(nu + 1), 0}, {nu, 0, 1}}; }
+
   private:
     /// ln F at t = -r sqrt(nu), where F underflows.
     double log_far_tail(double r) const {
@@ -42,11 +45,20 @@ struct StandardStudent {
     }
 };
 
+/// location + scale T, T Student's t.
+struct ScaledStudent : LocationScale<StandardStudent> {
+    using LocationScale::LocationScale;
+    auto quantile_table() const {
+        const LinearPlace place = {location, scale};
+        return QuantileTable(standard, place, place.cancels_below());
+    }
+};
+
 /// Degrees of freedom nu, a positive integer; support all reals.
-struct Student : LocationScale<StandardStudent> {
+struct Student : ScaledStudent {
     double nu;
 
-    explicit Student(double nu_) : LocationScale(0, 1, StandardStudent(nu_)), nu(nu_) {}
+    explicit Student(double nu_) : ScaledStudent(0, 1, StandardStudent(nu_)), nu(nu_) {}
     Message check() const {
         if (!(nu > 0 && nu == std::floor(nu))) return "Error: nu must be a positive integer";
         return nullptr;
@@ -54,10 +66,10 @@ struct Student : LocationScale<StandardStudent> {
 };
 
 /// Location mu, scale sigma >= 0, 0 being a point mass at mu, degrees of freedom nu >= 3, an integer: mu + sigma Student(nu).
-struct Student3 : LocationScale<StandardStudent> {
+struct Student3 : ScaledStudent {
     double nu;
 
-    Student3(double mu, double sigma, double nu_) : LocationScale(mu, sigma, StandardStudent(nu_)), nu(nu_) {}
+    Student3(double mu, double sigma, double nu_) : ScaledStudent(mu, sigma, StandardStudent(nu_)), nu(nu_) {}
     Message check() const {
         if (!(scale >= 0)) return "Error: sigma must be >= 0";
         if (!(nu >= 3 && nu == std::floor(nu))) return "Error: nu must be a positive integer >=3";
