@@ -651,6 +651,10 @@ PRAL_FAMILY(NCChiSq, continuous, (double nu, double pnonc),
     "degrees of freedom nu >= 1, an integer, noncentrality pnonc >= 0; support [0, inf); the sum of the squares of nu "
     "normal variables of variance 1 whose squared means have the sum pnonc")
 
+PRAL_FAMILY(NCF, continuous, (double nu1, double nu2, double ncp),
+    "degrees of freedom nu1 > 0, nu2 > 0, any real numbers, noncentrality ncp >= 0; support [0, inf); "
+    "(NCChiSq(nu1, ncp)/nu1)/(ChiSq(nu2)/nu2)")
+
 PRAL_FAMILY(Lognormal, continuous, (double mu, double sigma),
     "mean mu > 0 and standard deviation sigma >= 0 of the variable itself, sigma = 0 being a point mass at mu; "
     "support [0, inf); exp(Normal)")

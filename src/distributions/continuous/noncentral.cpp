@@ -29,6 +29,12 @@ double NCChiSq::start(Side side, double tail) const {
     return factor * tail_quantile(Gamma(0.5 * central, 2), side, tail);
 }
 
+double NCF::start(Side side, double tail) const {
+    const auto [factor, central] = patnaik(nu1, ncp);
+    return factor * (central / nu1) * tail_quantile(F(central, nu2), side, tail);
+}
+
 }  // namespace pral
 
 PRAL_EXPORT_FAMILY(NCChiSq, (double nu, double pnonc), (nu, pnonc));
+PRAL_EXPORT_FAMILY(NCF, (double nu1, double nu2, double ncp), (nu1, nu2, ncp));

@@ -1,7 +1,9 @@
-// The noncentral chi-square distribution.
+// The noncentral chi-square and F distributions.
 #pragma once
 
+#include "distributions/continuous/beta.h"
 #include "distributions/quantile_search.h"
+#include "numerics/noncentral_beta.h"
 #include "numerics/noncentral_chi_square.h"
 
 namespace pral {
@@ -42,6 +44,26 @@ struct NCChiSq : SearchedQuantile<NCChiSq> {
     double log_density(double x) const {
         const double log = numerics::noncentral_chi_square_log_density(nu, pnonc, x);
         return std::fabs(log) == numerics::kInfinity ? std::copysign(HUGE_VAL, log) : log;
+    }
+    double start(Side side, double tail) const;
+};
+
+/// Degrees of freedom nu1 > 0, nu2 > 0, any real numbers, noncentrality ncp >= 0; support [0, inf):
+/// (NCChiSq(nu1, ncp)/nu1)/(ChiSq(nu2)/nu2).
+struct NCF : OfUnitVariable<ScaledOdds, numerics::NoncentralBeta>, SearchedQuantile<NCF> {
+    double nu1, nu2, ncp;
+
+    NCF(double nu1_, double nu2_, double ncp_)
+        : OfUnitVariable{numerics::NoncentralBeta(0.5 * nu1_, 0.5 * nu2_, ncp_),
+                         ScaledOdds(numerics::exact_quotient(nu2_, nu1_)), nu1_ + nu2_ > 1e4},
+          nu1(nu1_),
+          nu2(nu2_),
+          ncp(ncp_) {}
+    Message check() const {
+        if (!(nu1 > 0)) return "Error: nu1 must be > 0";
+        if (!(nu2 > 0)) return "Error: nu2 must be > 0";
+        if (!(ncp >= 0)) return "Error: ncp must be >= 0";
+        return nullptr;
     }
     double start(Side side, double tail) const;
 };

@@ -1,4 +1,4 @@
-"""The beta distribution and its kin, PERT, Student's t and the noncentral chi-square. Bisection on these definitions would
+"""The beta distribution and its kin, PERT, Student's t and the noncentral distributions. Bisection on these definitions would
 take hours: the points come from SciPy's quantiles of the same or a similar distribution, wherever those may lead."""
 import mpmath as m
 from scipy import special
@@ -187,6 +187,18 @@ def nc_chi_square(nu, noncentrality):
                                     for inverse in (special.gammaincinv, special.gammainccinv) for p in TAILS])
 
 
+def nc_f(nu1, nu2, noncentrality):
+    mean, a, b, scale = noncentrality / 2, nu1 / 2, nu2 / 2, nu2 / nu1
+    tails = lambda k, x: beta_tails(a + k, b, x / (x + scale), scale / (x + scale))
+    factor, central = patnaik(nu1, noncentrality)
+    family = poisson_mixture(mean, lambda x: int(4 * mean) + 200, lambda k, x: tails(k, x)[0], lambda k, x: tails(k, x)[1],
+                           lambda x: m.exp(a * m.log(x / (x + scale)) + b * m.log(scale / (x + scale)) - m.log(a)
+                                           - log_beta(a, b)),
+                           lambda k, x: x / (x + scale) * (a + b + k) / (a + k + 1),
+                           lambda k, x: (a + k) / x)
+    return located(family, lambda: [factor * nu2 / nu1 * u / v for u, v in unit_points(central / 2, b)])
+
+
 FAMILIES = {
     "Beta": (lambda a, b: beta4(a, b, m.mpf(0), m.mpf(1)), [(2, 5), (0.5, 0.5), (1, 1), (3, 0.25)],
              [(0.01, 0.01), (0.01, 1e6), (1e6, 0.01), (1e6, 1e6), (1e6, 2)]),
@@ -205,6 +217,7 @@ FAMILIES = {
     "Student": (lambda nu: student3(m.mpf(0), m.mpf(1), nu), [(1,), (3,), (30,)], [(1e4,), (1e6,)]),
     "Student3": (student3, [(1, 2, 3), (-5, 0.5, 10)], [(0, 1e-100, 4), (1e100, 1e100, 1e6)]),
     "NCChiSq": (nc_chi_square, [(2, 1), (5, 10), (3, 0)], [(1, 1000), (1000, 1e-100), (1, 0.001)]),
+    "NCF": (nc_f, [(2, 5, 1), (5, 10, 20), (3, 4, 0)], [(0.5, 3, 1), (1000, 3, 200), (3, 1000, 500), (4, 6, 1e-100)]),
 }
 
 TRUNCATED = [
@@ -221,4 +234,5 @@ TRUNCATED = [
     ("Student", (3,), 0, 1e50, 2e50, 1.25e50),
     ("Student3", (1, 2, 3), 0, -2e50, -1e50, -1.25e50),
     ("NCChiSq", (5, 10), 0, 300, 302, 300.5),
+    ("NCF", (5, 10, 20), 0, 1e-20, 2e-20, 1.5e-20),
 ]
