@@ -149,12 +149,25 @@ BetaRatio::Scaled NoncentralBeta::sampled(Kind kind, double centre, double reach
     return {sum * step, middle.exponent};
 }
 
+/// The last count that matters for the lower tail: with a small x or mean the terms fall so fast that a longer sweep would
+/// leave the range of numbers.
+double NoncentralBeta::last_of_lower(double centre, double above, double x) const {
+    double last = centre, bound = 1;
+    while (last < centre + above) {
+        bound *= mean_ / (last + 1) * std::min(1.0, x * (a_ + b_ + last) / (a_ + last + 1));
+        if (bound < 0.01 * kNegligible) break;
+        last += 1;
+    }
+    return last;
+}
+
 BetaRatio::Scaled NoncentralBeta::mixture(Kind kind, double x, double y) const {
     // Around the peak the terms fall at least as fast as Poisson probabilities with that mean.
     const double centre = std::floor(peak(kind, x, y));
     const double below = 10 * std::sqrt(centre) + 2, above = 16 + std::sqrt(256 + 100 * centre);
     if (below + above > kLongestSweep) return sampled(kind, centre, above, x, y);
-    return sweep(kind, std::max(std::floor(centre - below), 0.0), std::floor(centre + above), x, y);
+    const double last = kind == Kind::lower ? last_of_lower(centre, above, x) : std::floor(centre + above);
+    return sweep(kind, std::max(std::floor(centre - below), 0.0), last, x, y);
 }
 
 namespace {

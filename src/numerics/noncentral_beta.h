@@ -26,6 +26,7 @@ class NoncentralBeta {
     double peak(Kind kind, double x, double y) const;
     BetaRatio::Scaled term(Kind kind, double j, double x, double y) const;
     BetaRatio::Scaled mixture(Kind kind, double x, double y) const;
+    double last_of_lower(double centre, double above, double x) const;
     BetaRatio::Scaled sweep(Kind kind, double from, double to, double x, double y) const;
     BetaRatio::Scaled sampled(Kind kind, double centre, double reach, double x, double y) const;
 };
