@@ -67,7 +67,7 @@ double ascending_sum(double a, double x) {
 /// asymptotic series, t_n = n + sqrt(n x) + (x - a)/2 - 3/4 + O(n^-1/2). The number of steps was found by trial for
 /// x > 1: the truncation error stays below 1e-17.
 double descending_fraction(double a, double x) {
-    const int steps = 13 + static_cast<int>(66 / x);
+    const int steps = 13 + static_cast<int>(66 / std::max(x, 0.1));
     double t = steps + std::sqrt(steps * x) + 0.5 * (x - a) - 0.75;
     for (int k = steps - 1; k >= 1; --k) t = (x - a) + (2 * k - 1) - k * (k - a) / t;
     return 1 / t;
