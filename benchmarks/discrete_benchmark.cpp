@@ -36,5 +36,26 @@ BENCHMARK(Array<PralPoissonArray_Core, 3.5>)->Arg(100000);
 BENCHMARK(Array<PralPoissonArray_Core, 4999.0>)->Arg(100000);
 BENCHMARK(Array<PralBinomialArray_Core, 100.0, 0.3>)->Arg(100000);
 BENCHMARK(Array<PralBinomialArray_Core, 400000.0, 0.25>)->Arg(100000);
+BENCHMARK(OneCall<PralNegBin_Core, 3.0, 0.25>);
+BENCHMARK(OneCall<PralNegBin_Core, 20.0, 0.02>);
+BENCHMARK(OneCall<PralPolya_Core, 2.5, 3.0>);
+BENCHMARK(OneCall<PralBetaBinomial_Core, 100.0, 2.0, 3.0>);
+BENCHMARK(OneCall<PralBetaBinomial_Core, 1e15, 2.0, 3.0>);
+BENCHMARK(OneCall<PralBetaNegBin_Core, 3.0, 4.0, 2.0>);
+BENCHMARK(OneCall<PralBetaNegBin_Core, 3.0, 0.01, 5.0>);
+BENCHMARK(OneCall<PralBetaNegBin_Core, 1e6, 3.0, 5.0>);
+BENCHMARK(OneCall<PralBetaGeometric_Core, 3.0, 2.0>);
+BENCHMARK(OneCall<PralBetaGeometric_Core, 1e-10, 1.0>);
+BENCHMARK(OneCall<PralLogarithmic_Core, 0.99>);
+BENCHMARK(OneCall<PralLogarithmic_Core, 1 - 1e-16>);
+BENCHMARK(OneCall<PralZIPoisson_Core, 3.5, 0.3>);
+BENCHMARK(OneCall<PralZTPoisson_Core, 3.5>);
+BENCHMARK(Array<PralNegBinArray_Core, 3.0, 0.25>)->Arg(100000);
+BENCHMARK(Array<PralBetaBinomialArray_Core, 100.0, 2.0, 3.0>)->Arg(100000);
+BENCHMARK(Array<PralBetaNegBinArray_Core, 3.0, 4.0, 2.0>)->Arg(100000);
+BENCHMARK(Array<PralBetaNegBinArray_Core, 3.0, 0.5, 5.0>)->Arg(100000);
+BENCHMARK(Array<PralLogarithmicArray_Core, 0.99>)->Arg(100000);
+BENCHMARK(Array<PralZIPoissonArray_Core, 3.5, 0.3>)->Arg(100000);
+BENCHMARK(Array<PralZTPoissonArray_Core, 3.5>)->Arg(100000);
 
 }  // namespace

@@ -576,6 +576,43 @@ PRAL_API bool PralTimeShortTermInterestRateAVB_Core(SAFEARRAY** out, const doubl
                                        const double* boundsMax, const double* shift);
 #define PRAL_FAMILY PRAL_DECLARE_FAMILY
 
+/* Members of zero-inflated and zero-truncated families with a real n or s, between whose values a fit searches. All else
+ * is as in the members without "_for_fit". */
+#define PRAL_DECLARE_FOR_FIT(X, PARAMETERS)                                                                          \
+    PRAL_API bool Pral##X##_Core_for_fit(double* out, PRAL_REMOVE_PARENTHESES PARAMETERS, const double* U,           \
+                                         const int* boundsMode, const double* boundsMin, const double* boundsMax,    \
+                                         const double* shift);                                                       \
+    PRAL_API bool Pral##X##Prob_Core_for_fit(double* out, double* x, int count, PRAL_REMOVE_PARENTHESES PARAMETERS,  \
+                                             const int* cumulative, const int* boundsMode, const double* boundsMin,  \
+                                             const double* boundsMax, const double* shift);                          \
+    PRAL_API bool Pral##X##Prob10_Core_for_fit(double* out, double* x, int count, PRAL_REMOVE_PARENTHESES PARAMETERS, \
+                                               const int* cumulative, const int* boundsMode,                         \
+                                               const double* boundsMin, const double* boundsMax,                     \
+                                               const double* shift);
+PRAL_DECLARE_FOR_FIT(ZIBetaBinomial, (double n, double alpha, double beta, double pi))
+PRAL_DECLARE_FOR_FIT(ZTBetaBinomial, (double n, double alpha, double beta))
+PRAL_DECLARE_FOR_FIT(ZIBinomial, (double n, double p, double pi))
+PRAL_DECLARE_FOR_FIT(ZTBinomial, (double n, double p))
+PRAL_DECLARE_FOR_FIT(ZINegBin, (double s, double p, double pi))
+PRAL_DECLARE_FOR_FIT(ZTNegBin, (double s, double p))
+#undef PRAL_DECLARE_FOR_FIT
+
+/* Uncertainty about a parameter after data: one value at percentile *U, or at a draw of the stream when U is null or *U
+ * is -1. `processExists` not 0: the process is known to exist. Otherwise, after no event, it is first decided with even
+ * odds, by a draw of its own after that of the percentile, whether it does. */
+
+/* The success probability after 0 <= successes <= trials, trials > 0: Beta(successes + 1, trials - successes + 1); 0
+ * for no process.
+ * "Error: if process_exists=TRUE then Successes must be >=0", "Error: Trials must be > 0",
+ * "Error: if process_exists=False then Successes must be 0", "Error: Trials must be >= successes",
+ * "Error: U must be between [0,1]" */
+PRAL_API bool PralBinomialP_Core(double* out, double successes, double trials, int processExists, const double* U);
+
+/* The rate after alpha >= 0 events in a time T > 0: Gamma(alpha + 1, 1/T); 0 for no process.
+ * "Error: alpha must be >= 0", "Error: if alpha > 0 then process_exists must be True", "Error: T must be > 0",
+ * "Error: U must be between [0,1]" */
+PRAL_API bool PralPoissonLambda_Core(double* out, double alpha, double T, int processExists, const double* U);
+
 #endif /* PRAL_CORE_API_H */
 
 /* The list of the families, outside the guard so that it can be read again. */
@@ -877,6 +914,93 @@ PRAL_FAMILY(Poisson, discrete, (double lambda),
 PRAL_FAMILY(Binomial, discrete, (double n, double p),
     "trials n >= 0, an integer; probability p in [0,1]; support 0, ..., n; f(x) = C(n, x) p^x (1-p)^(n-x); "
     "with n p (1-p) > 100,000 samples are those of a rounded normal")
+
+PRAL_FAMILY(Bernoulli, discrete, (double p),
+    "probability p of 1, in [0,1], 0 and 1 being point masses; support 0, 1")
+
+PRAL_FAMILY(NegBin, discrete, (double s, double p),
+    "failures before success number s >= 0, an integer, each trial succeeding with probability p in (0,1]; s = 0 and p = 1 "
+    "are point masses at 0; support 0, 1, ...; f(x) = C(x + s - 1, x) p^s (1-p)^x; percentiles above 0.9999999 give "
+    "infinity; with p < 0.01 samples are those of a rounded gamma, with s (1-p)/p^2 > 100,000 of a rounded normal of the "
+    "same mean and variance")
+
+PRAL_FAMILY(Geometric, discrete, (double p),
+    "failures before the first success, p in (0,1]: NegBin(1, p), its percentiles included; f(x) = p (1-p)^x")
+
+PRAL_FAMILY(Polya, discrete, (double alpha, double beta),
+    "alpha > 0, beta > 0; Poisson with a Gamma(alpha, beta) rate; support 0, 1, ...; "
+    "f(x) = Gamma(x + alpha)/(Gamma(alpha) x!) p^alpha (1-p)^x, p = 1/(1 + beta)")
+
+PRAL_FAMILY(BetaBinomial, discrete, (double n, double alpha, double beta),
+    "trials n >= 0, an integer, 0 being a point mass at 0; alpha > 0, beta > 0; Binomial(n, p) with p from "
+    "Beta(alpha, beta); support 0, ..., n; f(x) = C(n, x) B(x + alpha, n - x + beta)/B(alpha, beta)")
+
+PRAL_FAMILY(BetaGeometric, discrete, (double alpha, double beta),
+    "alpha > 0, beta > 0; Geometric(p) with p from Beta(alpha, beta); support 0, 1, ...; "
+    "f(x) = B(alpha + 1, beta + x)/B(alpha, beta)")
+
+PRAL_FAMILY(BetaNegBin, discrete, (double s, double a, double b),
+    "s > 0, an integer; a > 0, b > 0; NegBin(s, p) with p from Beta(a, b); support 0, 1, ...; "
+    "f(x) = Gamma(s + x)/(Gamma(s) x!) B(a + s, b + x)/B(a, b)")
+
+PRAL_FAMILY(Logarithmic, discrete, (double theta),
+    "theta in (0,1); support 1, 2, ...; f(x) = -theta^x/(x ln(1 - theta))")
+
+/* Variants of the counts. ZI: with probability pi a value of the family, else 0; pi in (0,1), "Error: pi should be on
+ * (0,1)". A bare call draws whether, then a value. A percentile up to 1 - pi is 0; bounds rescale only those above, so
+ * that the extra zeros keep their weight. ZT: the family given a value of 1 or more. Where a variant's checks let pass
+ * what the family refuses (theta = 1, p = 0), the family's message follows. */
+
+PRAL_FAMILY(ZIBetaBinomial, discrete, (double n, double alpha, double beta, double pi),
+    "zero-inflated BetaBinomial")
+
+PRAL_FAMILY(ZIBetaGeometric, discrete, (double alpha, double beta, double pi),
+    "zero-inflated BetaGeometric; beta > 2")
+
+PRAL_FAMILY(ZIBetaNegBin, discrete, (double s, double alpha, double beta, double pi),
+    "zero-inflated BetaNegBin of (s, alpha, beta)")
+
+PRAL_FAMILY(ZIBinomial, discrete, (double n, double p, double pi),
+    "zero-inflated Binomial")
+
+PRAL_FAMILY(ZIGeometric, discrete, (double p, double pi),
+    "zero-inflated Geometric")
+
+PRAL_FAMILY(ZILogarithmic, discrete, (double theta, double pi),
+    "zero-inflated Logarithmic; 0 is added to the support")
+
+PRAL_FAMILY(ZINegBin, discrete, (double s, double p, double pi),
+    "zero-inflated NegBin")
+
+PRAL_FAMILY(ZIPoisson, discrete, (double lambda, double pi),
+    "zero-inflated Poisson")
+
+PRAL_FAMILY(ZIPolya, discrete, (double alpha, double beta, double pi),
+    "zero-inflated Polya")
+
+PRAL_FAMILY(ZTBetaBinomial, discrete, (double n, double alpha, double beta),
+    "zero-truncated BetaBinomial")
+
+PRAL_FAMILY(ZTBetaGeometric, discrete, (double alpha, double beta),
+    "zero-truncated BetaGeometric; beta > 2")
+
+PRAL_FAMILY(ZTBetaNegBin, discrete, (double s, double alpha, double beta),
+    "zero-truncated BetaNegBin of (s, alpha, beta)")
+
+PRAL_FAMILY(ZTBinomial, discrete, (double n, double p),
+    "zero-truncated Binomial")
+
+PRAL_FAMILY(ZTGeometric, discrete, (double p),
+    "zero-truncated Geometric")
+
+PRAL_FAMILY(ZTNegBin, discrete, (double s, double p),
+    "zero-truncated NegBin")
+
+PRAL_FAMILY(ZTPoisson, discrete, (double lambda),
+    "zero-truncated Poisson")
+
+PRAL_FAMILY(ZTPolya, discrete, (double alpha, double beta),
+    "zero-truncated Polya")
 
 /* clang-format on */
 

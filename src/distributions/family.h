@@ -55,6 +55,7 @@ concept Distribution = requires(const D& d, double x) {
 ///   random(u, stream)       a generator of its own for bare calls; u is a uniform already drawn
 ///   check_probability()     the objection in the probability members, where it differs from check()
 ///   kEndsFirst = true       percentiles 0 and 1 give the ends even where there is a point mass
+///   quantile_within(...)    the quantile between bounds, where it is not that of the rescaled percentile
 ///   rounds_after_shift()    with quantile_unrounded(p): values are rounded to integers after the shift
 ///   kIntegers = true        values are integers; the probability members count those within 1e-8 of one
 ///   kDiscrete = true        values are a countable set: the percentile that is inverted is exactly the one that the
@@ -108,6 +109,17 @@ double quantile_upper(const D& d, double q) {
         return d.quantile_upper(q);
     else
         return d.quantile(1 - q);
+}
+
+/// A value as a bare call draws it, the percentile's uniform included.
+template <Family D>
+double draw(const D& d, RandomStream& stream) {
+    const double u = stream.uniform();
+    if (const auto point = d.point_mass()) return *point;
+    if constexpr (requires { d.random(u, stream); })
+        return d.random(u, stream);
+    else
+        return d.quantile(u);
 }
 
 /// ln F(x) inside the support.

@@ -76,6 +76,8 @@ class Truncated {
     /// The quantile of what is kept, 0 < u < 1: that of the whole at percentile(u), taken from the smaller tail.
     double quantile(double u) const {
         if (!bounded_) return base_.quantile(u);
+        if constexpr (requires { base_.quantile_within(u, u, u, support_); })
+            return base_.quantile_within(u, min_.tails.lower, mass_, {lower_, upper_});
         const auto [side, tail] = base_tail(u);
         return limited(side == Side::lower ? pral::quantile(base_, tail) : pral::quantile_upper(base_, tail));
     }
@@ -84,7 +86,10 @@ class Truncated {
     void quantiles(std::span<double> u) const {
         if constexpr (requires { base_.quantiles(u); }) {
             if (!bounded_) return base_.quantiles(u);
-            if (requires { D::kDiscrete; } && !above_median()) {
+            constexpr bool own_bounds = requires(const D& d, double x, Support s) {
+                d.quantile_within(x, x, x, s);
+            };
+            if (requires { D::kDiscrete; } && !own_bounds && !above_median()) {
                 for (double& value : u) value = percentile(value);
                 base_.quantiles(u);
                 for (double& value : u) value = limited(value);

@@ -15,12 +15,15 @@ struct Binomial : OnIntegers<Binomial> {
 
     Binomial(double n_, double p_) : n(n_), p(p_) {}
     Message check() const {
+        if (const Message objection = check_range()) return objection;
+        return n == std::floor(n) ? nullptr : "Error: n must be an integer";
+    }
+    Message check_range() const {
         if (!(n >= 0)) return "Error: n must be >= 0";
         if (!(p >= 0 && p <= 1)) return "Error: p must be between [0,1]";
-        if (n != std::floor(n)) return "Error: n must be an integer";
         return nullptr;
     }
-    Support support() const { return {0, n}; }
+    Support support() const { return {0, std::floor(n)}; }
     std::optional<double> point_mass() const {
         return n == 0 || p == 0 || p == 1 ? std::optional(n * p) : std::nullopt;
     }
@@ -34,12 +37,11 @@ struct Binomial : OnIntegers<Binomial> {
     double mass_ratio(double k) const { return (n - k) / (k + 1) * (p / (1 - p)); }
 
     /// With a variance above 100,000 the value is taken as normal.
-    bool nearly_normal() const { return n * p * (1 - p) > 100000; }
+    bool approximates() const { return n * p * (1 - p) > 100000; }
     double start(double u) const {
         return std::floor(n * numerics::beta_lower_inverse(n * p, (n + 2) * (1 - p), u).x);
     }
-    double quantile(double u) const {
-        if (!nearly_normal()) return OnIntegers::quantile(u);
+    double approximate_quantile(double u) const {
         const double z = n * p + std::sqrt(n * p * (1 - p)) * numerics::normal_quantile(u);
         return std::floor(z + 0.5);
     }

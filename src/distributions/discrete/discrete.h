@@ -23,7 +23,8 @@ enum class Tie { next, stay };
 ///   kTie            what an exact hit on the way up means
 ///
 /// Walking upwards from a start below, the result is the first k with F(k) > p (Tie::next) or F(k) >= p (Tie::stay);
-/// from a start at or above it is the first k with F(k) >= p. Tails are compared, not percentiles, above the median.
+/// from a start at or above it is the first k with F(k) >= p. Tails are compared, not percentiles, above the median. A
+/// start that is far off is improved by Newton steps first; the side it lay on still decides about an exact hit.
 template <class D>
 class InversionWalk {
   public:
@@ -33,9 +34,11 @@ class InversionWalk {
 
     double operator()() const {
         const double told = d_.start(std::min(p_, 1 - 0x1p-53));
-        const double start = std::clamp(std::isnan(told) ? 0 : told, bottom_, top_);
-        const double tail = tail_at(start);
-        return falls_short(tail) ? upwards(start, tail) : downwards(start, tail);
+        double k = std::isnan(told) ? bottom_ : std::clamp(told, bottom_, top_);
+        double tail = tail_at(k);
+        const bool from_below = falls_short(tail);
+        approach(k, tail);
+        return falls_short(tail) ? upwards(k, tail, from_below) : downwards(k, tail, from_below);
     }
 
   private:
@@ -49,8 +52,36 @@ class InversionWalk {
         return std::fabs(tail - target) < 1e-11 * target;
     }
 
+    /// Newton steps on the logarithm of the tail, within the bracket that they leave, until the walk can do the rest. For
+    /// a family with a tail_exponent() the steps are taken in the logarithm of k.
+    void approach(double& k, double& tail) const {
+        double low = bottom_, high = top_;  // the result is not below low, nor above high
+        for (int step = 0; step < kApproach; ++step) {
+            const double log_ratio = std::log((lower_ ? p_ : q_) / tail);
+            const double distance = (lower_ ? log_ratio : -log_ratio) * tail / std::exp(d_.log_density(k));
+            if (std::fabs(distance) <= kWalk || std::isnan(tail)) return;
+            (falls_short(tail) ? low : high) = k;
+            if (high - low <= kWalk) return;
+            double next = k + std::trunc(distance);
+            if constexpr (requires { d_.tail_exponent(); }) {
+                if (!lower_ && k > 1) next = std::floor(k * std::exp(std::min(distance / k, 700.0)));
+            }
+            if (!(next > low && next < high)) next = middle(low, high);
+            if (next == k) return;  // beyond 2^53 integers have no neighbours
+            k = next;
+            tail = tail_at(k);
+        }
+    }
+
+    /// Between low and high, in the middle of their exponents when they differ much.
+    static double middle(double low, double high) {
+        const double from_low = low >= 0 ? low : low / 2 + high / 2;
+        if (low >= 0 && high > 4 * (low + 1)) return std::floor(std::sqrt(low + 1) * std::sqrt(high));
+        return std::floor(from_low + (high - from_low) / 2);
+    }
+
     /// From k, which falls short, up to the first that does not.
-    double upwards(double k, double tail) const {
+    double upwards(double k, double tail, bool from_below) const {
         double mass = std::exp(d_.log_density(k)), anchor = tail;
         bool doubt = doubtful(tail);
         for (int step = 0; step < kWalk; ++step) {
@@ -60,24 +91,24 @@ class InversionWalk {
             tail += lower_ ? mass : -mass;
             if (!lower_ && tail < anchor * kFreshen) anchor = tail = tail_at(k);
             doubt = doubt || doubtful(tail);
-            if (!falls_short(tail)) return doubt ? settled(k, true) : k;
+            if (!falls_short(tail)) return doubt ? settled(k, from_below) : k;
         }
-        return settled(first_reached(k, gallop(k, 1)), true);
+        return settled(first_reached(k, gallop(k, 1)), from_below);
     }
 
     /// From k, which does not fall short, down to the last that does not.
-    double downwards(double k, double tail) const {
+    double downwards(double k, double tail, bool from_below) const {
         double mass = std::exp(d_.log_density(k)), anchor = tail;
         for (int step = 0; step < kWalk; ++step) {
             if (k <= bottom_) return bottom_;
             tail += lower_ ? -mass : mass;
             if (lower_ && tail < anchor * kFreshen) anchor = tail = tail_at(k - 1);
-            if (doubtful(tail)) return settled(k, false);
+            if (doubtful(tail)) return settled(k, from_below);
             if (falls_short(tail)) return k;
             k -= 1;
             mass /= d_.mass_ratio(k);
         }
-        return first_reached(gallop(k, -1), k);
+        return settled(first_reached(gallop(k, -1), k), from_below);
     }
 
     /// The result next to k that the tails themselves give, and the rule for an exact hit.
@@ -91,7 +122,8 @@ class InversionWalk {
     /// From k in growing strides to a place on the other side of the percentile, or to the end of the support.
     double gallop(double k, double direction) const {
         const double end = direction > 0 ? top_ : bottom_;
-        for (double stride = kWalk; stride <= numerics::kInfinity; stride *= 2) {
+        for (double stride = std::max<double>(kWalk, std::fabs(k) * 0x1p-50); stride <= numerics::kInfinity;
+             stride *= 2) {
             k = direction > 0 ? std::min(k + stride, end) : std::max(k - stride, end);
             if (k == end || short_at(k) == (direction < 0)) return k;
         }
@@ -110,6 +142,8 @@ class InversionWalk {
     }
 
     static constexpr int kWalk = 32;
+    /// Newton's steps or halvings of the exponent: 2^1024 down to a factor of 4 in 10, then 50 bits of it at worst.
+    static constexpr int kApproach = 100;
     /// A tail that has shrunk by subtractions to this part of what it was is computed anew.
     static constexpr double kFreshen = 0.0625;
 
@@ -125,14 +159,19 @@ class InversionWalk {
 template <class D>
 class InversionTable {
   public:
-    /// Integers between the extremes beyond which a table is not worth its memory.
-    static constexpr double kMostIntegers = 1 << 17;
+    /// Integers beyond which a table is not worth its memory, and for each percentile its time.
+    static constexpr double kMostIntegers = 1 << 17, kMostForEach = 64;
 
-    /// For percentiles in [least, most]; valid() tells whether the table could be made.
-    InversionTable(const D& d, double least, double most) : d_(d) {
+    /// For `count` percentiles in [least, most], which the walk serves where they lie beyond the table's end; valid() tells
+    /// whether a table is worth while.
+    InversionTable(const D& d, double least, double most, std::size_t count) : d_(d) {
         first_ = InversionWalk<D>(d, least)();
-        const double last = InversionWalk<D>(d, most)();
-        if (!(last - first_ < kMostIntegers)) return;
+        double last = InversionWalk<D>(d, most)();
+        const double room = std::min(kMostIntegers, kMostForEach * static_cast<double>(count));
+        if (!(last - first_ < room)) {
+            last = first_ + (room - 1);
+            if (!(last - first_ < room && d.cumulative(last) - least > 0.5 * (most - least))) return;
+        }
         tails_.resize(static_cast<std::size_t>(last - first_) + 1);
         std::vector<double> mass(tails_.size());
         for (std::size_t i = 0; i < mass.size(); ++i) {
@@ -163,6 +202,7 @@ class InversionTable {
         const auto short_of = [&](std::size_t i) { return below ? tail(i) < target : tail(i) > target; };
         std::size_t i = guide_[static_cast<std::size_t>(p * static_cast<double>(guide_.size()))];
         while (i + 1 < tails_.size() && short_of(i)) ++i;
+        if (short_of(i)) return InversionWalk<D>(d_, p)();
         const double margin = 1e-11 * target;
         const bool doubt =
             std::fabs(tail(i) - target) < margin || (i > 0 && std::fabs(tail(i - 1) - target) < margin);
@@ -185,30 +225,45 @@ struct OnIntegers {
     static constexpr bool kDiscrete = true;
     static constexpr bool kIntegers = true;
     static constexpr Tie kTie = Tie::next;
+    /// Percentiles above it give the upper end of the support.
+    static constexpr double kLastPercentile = 1;
 
-    double quantile(double p) const { return InversionWalk<D>(self(), p)(); }
-    double quantile_upper(double q) const { return InversionWalk<D>(self(), 1 - q, q, false)(); }
+    double quantile(double p) const {
+        if (p > D::kLastPercentile) return self().support().upper;
+        if constexpr (requires { self().approximate_quantile(p); }) {
+            if (self().approximates()) return self().approximate_quantile(p);
+        }
+        return InversionWalk<D>(self(), p)();
+    }
+    double quantile_upper(double q) const {
+        const double p = 1 - q;
+        if (approximated() || p > D::kLastPercentile) return quantile(p);
+        return InversionWalk<D>(self(), p, q, false)();
+    }
 
     void quantiles(std::span<double> p) const {
         constexpr std::size_t kWorthATable = 300;
-        if (p.size() >= kWorthATable && walks()) {
+        if (p.size() >= kWorthATable && !approximated()) {
             const auto [least, most] = std::ranges::minmax(p);
-            if (const InversionTable<D> table(self(), least, most); table.valid()) {
-                for (double& value : p) value = table(value);
+            if (const InversionTable<D> table(self(), least, std::min(most, D::kLastPercentile), p.size());
+                table.valid()) {
+                for (double& value : p)
+                    value = value > D::kLastPercentile ? self().support().upper : table(value);
                 return;
             }
         }
-        for (double& value : p) value = self().quantile(value);
+        for (double& value : p) value = quantile(value);
+    }
+
+    /// Whether quantiles are those of an approximation for large parameters, approximate_quantile(p), and not the walk's.
+    bool approximated() const {
+        if constexpr (requires { self().approximates(); })
+            return self().approximates();
+        else
+            return false;
     }
 
   private:
-    /// Whether the walk gives the quantiles, and not an approximation for large parameters.
-    bool walks() const {
-        if constexpr (requires { self().nearly_normal(); })
-            return !self().nearly_normal();
-        else
-            return true;
-    }
     const D& self() const { return static_cast<const D&>(*this); }
 };
 

@@ -23,13 +23,11 @@ struct Poisson : OnIntegers<Poisson> {
     double mass_ratio(double k) const { return lambda / (k + 1); }
 
     /// Above a rate of 5000 the square root of the value is taken as normal.
-    bool nearly_normal() const { return lambda > 5000; }
+    bool approximates() const { return lambda > 5000; }
     double start(double p) const { return std::floor(numerics::gamma_lower_inverse(lambda, p)); }
-    double quantile(double p) const {
-        return nearly_normal() ? std::trunc(quantile_unrounded(p)) : OnIntegers::quantile(p);
-    }
+    double approximate_quantile(double p) const { return std::trunc(quantile_unrounded(p)); }
     /// A fractional shift is added to the nearly normal value before it is rounded.
-    bool rounds_after_shift() const { return nearly_normal(); }
+    bool rounds_after_shift() const { return approximates(); }
     double quantile_unrounded(double p) const {
         const double root = 2 * std::sqrt(lambda) + numerics::normal_quantile(p);
         return 0.25 * root * root;

@@ -1,0 +1,140 @@
+// Binomial and negative binomial counts whose probability is itself a Beta(a, b): beta-binomial, beta-geometric,
+// beta-negative-binomial.
+#pragma once
+
+#include "distributions/discrete/mass_sum.h"
+#include "numerics/beta_quantile.h"
+#include "numerics/beta_ratio.h"
+#include "numerics/gamma.h"
+#include "numerics/toms708.h"
+
+namespace pral {
+
+/// ln of the beta-binomial mass where n failures are so many beside j successes that powers of n are all that counts, Gamma(n + u)/Gamma(n + v)
+/// = n^(u - v) (1 + (u - v)(u + v - 1)/2n).
+inline double log_beta_binomial_far(double j, double n, double a, double b) {
+    const double correction = (j * (j + 1) - (j + a) * (j + a + 2 * b - 1)) / (2 * n);
+    return numerics::log_gamma(j + a) - numerics::log_gamma(j + 1) - numerics::log_beta(a, b) -
+           a * std::log(n) + correction;
+}
+
+/// ln of the beta-binomial mass of k successes and m failures, C(k + m, k) B(k + a, m + b)/B(a, b), for real arguments:
+/// three beta densities at one point, where the powers of the point cancel. No difference of large log-gammas.
+inline double log_beta_binomial(double k, double m, double a, double b) {
+    const double of_successes = k + a + b + 1, of_failures = m + a + b + 1;
+    if (m > 1e8 * of_successes * of_successes) return log_beta_binomial_far(k, m, a, b);
+    if (k > 1e8 * of_failures * of_failures) return log_beta_binomial_far(m, k, b, a);
+    if (std::min(a, b) > 1e16 * (k + m + 1) * (k + m + 1))  // the probability is all but certain
+        return numerics::log_beta_density(k + 1, m + 1, a / (a + b), b / (a + b)) - numerics::log1p_fn(k + m);
+    const double total = (k + a) + (m + b), x = (k + a) / total, y = (m + b) / total;
+    return numerics::log_beta_density(k + 1, m + 1, x, y) - numerics::log1p_fn(k + m) +
+           numerics::log_beta_density(a, b, x, y) - numerics::log_beta_density(k + a, m + b, x, y);
+}
+
+/// n >= 0 trials, an integer, with a probability that is Beta(alpha, beta), both > 0. n = 0 is a point mass at 0.
+struct BetaBinomial : SummedTails<BetaBinomial> {
+    double n, alpha, beta;
+
+    BetaBinomial(double n_, double alpha_, double beta_) : n(n_), alpha(alpha_), beta(beta_) {}
+    Message check() const {
+        if (const Message objection = check_range()) return objection;
+        return n == std::floor(n) ? nullptr : "Error: n must be an integer";
+    }
+    Message check_range() const {
+        if (!(n >= 0)) return "Error: n must be >= 0";
+        if (!(alpha > 0)) return "Error: alpha must be > 0";
+        if (!(beta > 0)) return "Error: beta must be > 0";
+        return nullptr;
+    }
+    Support support() const { return {0, std::floor(n)}; }
+    std::optional<double> point_mass() const { return n == 0 ? std::optional(0.0) : std::nullopt; }
+
+    double log_density(double k) const { return log_beta_binomial(k, n - k, alpha, beta); }
+    double mass_ratio(double k) const { return (n - k) / (k + 1) * ((k + alpha) / (n - k - 1 + beta)); }
+    double pivot() const { return std::floor(n * (alpha / (alpha + beta))); }
+    double start(double u) const { return std::floor(n * numerics::beta_lower_inverse(alpha, beta, u).x); }
+};
+
+/// Failures before the s-th success, s > 0 an integer, with a success probability that is Beta(a, b), a, b > 0. The s-th
+/// success comes at trial k + s or later exactly when k + s trials have fewer than s + 1 of them: the upper tail of a whole
+/// s is a beta-binomial sum of s terms. The tail falls as k^(-a - 1).
+struct BetaNegBin : SummedTails<BetaNegBin> {
+    static constexpr Tie kTie = Tie::stay;
+    double s, a, b;
+
+    BetaNegBin(double s_, double a_, double b_) : s(s_), a(a_), b(b_) {}
+    Message check() const {
+        if (const Message objection = check_range()) return objection;
+        return s == std::floor(s) ? nullptr : "Error: \"s\" must be a positive integer";
+    }
+    Message check_range() const {
+        if (!(s > 0)) return "Error: s must be >0";
+        if (!(a > 0)) return "Error: a must be >0";
+        if (!(b > 0)) return "Error: b must be > 0";
+        return nullptr;
+    }
+    Support support() const { return kPositiveReals; }
+    std::optional<double> point_mass() const { return std::nullopt; }
+
+    double log_density(double k) const { return log_beta_binomial(k, s, b, a) - numerics::log1p_fn(k / s); }
+    double mass_ratio(double k) const { return (s + k) / (k + 1) * ((b + k) / (a + s + b + k)); }
+    double tail_exponent() const { return a; }
+    double tail_scale() const { return (s + 1) * (b + 1) + (a + s + b) * (a + s + b); }
+    /// The upper sum of an s that is not whole is the last resort.
+    double pivot() const { return whole() ? std::floor(s * b / (a + 1)) : numerics::kInfinity; }
+    bool whole() const { return s == std::floor(s); }
+
+    double above(double k) const {
+        return whole() ? BetaBinomial(k + s, a, b).up_to(s - 1) : SummedTails::above(k);
+    }
+    double start(double u) const {
+        const auto [x, y] = numerics::beta_upper_inverse(a, b, u);
+        return std::floor(s * (y / x));
+    }
+};
+
+/// Failures before the first success, with a success probability that is Beta(alpha, beta), both > 0.
+/// 1 - F(k) = B(alpha, beta + k + 1)/B(alpha, beta).
+struct BetaGeometric : SummedTails<BetaGeometric> {
+    static constexpr Tie kTie = Tie::stay;
+    double alpha, beta;
+
+    BetaGeometric(double alpha_, double beta_) : alpha(alpha_), beta(beta_) {}
+    Message check() const {
+        if (!(alpha > 0)) return "Error: alpha must be >0";
+        if (!(beta > 0)) return "Error: beta must be > 0";
+        return nullptr;
+    }
+    Support support() const { return kPositiveReals; }
+    std::optional<double> point_mass() const { return std::nullopt; }
+
+    double log_survival(double k) const {
+        if (alpha < 1 && k + 1 >= 0.5 * beta) return log_gamma_ratio(beta + k + 1) - log_gamma_ratio(beta);
+        return log_beta_binomial(0, k + 1, alpha, beta);
+    }
+    double survival(double k) const { return std::exp(log_survival(k)); }
+    double cumulative(double k) const {
+        const double log_upper = log_survival(k);
+        return log_upper < -0.01 || (alpha < 1 && k + 1 >= 0.5 * beta) ? -numerics::expm1_fn(log_upper)
+                                                                       : up_to(k);
+    }
+    double log_density(double k) const { return log_survival(k - 1) + std::log(alpha / (alpha + beta + k)); }
+    double mass_ratio(double k) const { return (beta + k) / (alpha + beta + k + 1); }
+    double tail_exponent() const { return alpha; }
+
+    /// 1 - F(k) is about (c/(c + k + 1))^alpha with this c; a Pareto tail.
+    double start(double u) const {
+        const double c = std::max(beta + 0.5 * (alpha - 1), 0.5 * beta);
+        return std::floor(c * numerics::expm1_fn(-numerics::log1p_fn(-u) / alpha));
+    }
+
+  private:
+    /// ln(Gamma(x)/Gamma(x + alpha)), relative to a small alpha.
+    double log_gamma_ratio(double x) const {
+        double sum = 0;
+        for (; x < 8; x += 1) sum += numerics::log1p_fn(alpha / x);
+        return sum + numerics::toms708::algdiv(alpha, x);
+    }
+};
+
+}  // namespace pral

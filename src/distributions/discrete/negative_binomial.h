@@ -1,0 +1,99 @@
+// The negative binomial distribution and its kin: geometric, Polya, and the Bernoulli trial they all count.
+#pragma once
+
+#include "distributions/discrete/discrete.h"
+#include "numerics/beta_ratio.h"
+#include "numerics/gamma_ratio.h"
+#include "numerics/normal.h"
+
+namespace pral {
+
+/// One trial: 1 with probability 0 <= p <= 1, else 0. p = 0 and p = 1 are point masses.
+struct Bernoulli : OnIntegers<Bernoulli> {
+    static constexpr Tie kTie = Tie::stay;
+    double p;
+
+    explicit Bernoulli(double p_) : p(p_) {}
+    Message check() const { return p >= 0 && p <= 1 ? nullptr : "Error: p must be between [0,1]"; }
+    Support support() const { return {0, 1}; }
+    std::optional<double> point_mass() const { return p == 0 || p == 1 ? std::optional(p) : std::nullopt; }
+
+    double cumulative(double k) const { return k < 1 ? 1 - p : 1; }
+    double survival(double k) const { return k < 1 ? p : 0; }
+    double log_density(double k) const { return k < 1 ? numerics::log1p_fn(-p) : std::log(p); }
+    double mass_ratio(double) const { return p / (1 - p); }
+    double start(double) const { return 0; }
+};
+
+/// What the negative binomial families share: failures before the s-th success, real s > 0, each trial succeeding with
+/// probability p and failing with q = 1 - p, both given with their digits. F(k) = I_p(s, k + 1), DLMF 8.17.24.
+template <class D>
+struct NegativeBinomial : OnIntegers<D> {
+    double s, p, q;
+
+    NegativeBinomial(double s_, double p_, double q_) : s(s_), p(p_), q(q_) {}
+    Support support() const { return kPositiveReals; }
+    std::optional<double> point_mass() const { return s == 0 || q == 0 ? std::optional(0.0) : std::nullopt; }
+
+    double cumulative(double k) const { return numerics::beta_lower(s, k + 1, p, q); }
+    double survival(double k) const { return numerics::beta_upper(s, k + 1, p, q); }
+    /// The beta density of shapes s and k + 1 times p/(s + k): no difference of large log-gammas.
+    double log_density(double k) const {
+        return numerics::log_beta_density(s, k + 1, p, q) + std::log(p) - std::log(s + k);
+    }
+    double mass_ratio(double k) const { return (s + k) / (k + 1) * q; }
+    /// The gamma distribution with the same mean and variance.
+    double matched_gamma(double u) const { return numerics::gamma_lower_inverse(s * q, u) / p; }
+    double start(double u) const { return std::floor(matched_gamma(u)); }
+};
+
+/// Failures before the s-th success: an integer s >= 0, success probability 0 < p <= 1. s = 0 and p = 1 are point masses at
+/// 0. Percentiles above 0.9999999 give infinity.
+struct NegBin : NegativeBinomial<NegBin> {
+    static constexpr double kLastPercentile = 0.9999999;
+
+    NegBin(double s_, double p_) : NegativeBinomial(s_, p_, 1 - p_) {}
+    Message check() const {
+        if (const Message objection = check_range()) return objection;
+        return s == std::floor(s) ? nullptr : "Error: s must be an integer";
+    }
+    Message check_range() const {
+        if (!(s >= 0)) return "Error: s must be >= 0";
+        if (!(p > 0 && p <= 1)) return "Error: p must be between (0,1]";
+        return nullptr;
+    }
+
+    /// With p below 0.01 the value is that of the gamma distribution with the same mean and variance, with a variance above
+    /// 100,000 that of the normal one.
+    bool approximates() const { return p < 0.01 || s * q > 100000 * p * p; }
+    double approximate_quantile(double u) const {
+        if (p < 0.01) return std::floor(matched_gamma(u) + 0.5);
+        const double normal = s * q / p + std::sqrt(s * q) / p * numerics::normal_quantile(u);
+        return std::max(0.0, std::floor(normal + 0.5));
+    }
+};
+
+/// Failures before the first success: NegBin(1, p), with its ways of inverting.
+struct Geometric : NegBin {
+    explicit Geometric(double p_) : NegBin(1, p_) {}
+    Message check() const { return p > 0 && p <= 1 ? nullptr : "Error: p must be between (0,1]"; }
+};
+
+/// A Poisson count whose rate is Gamma(alpha, beta), alpha > 0, beta > 0: the negative binomial distribution with s = alpha
+/// and p = 1/(1 + beta).
+struct Polya : NegativeBinomial<Polya> {
+    Polya(double alpha, double beta)
+        : NegativeBinomial(alpha, 1 / (1 + beta), beta < 1e300 ? beta / (1 + beta) : 1), beta_(beta) {}
+    Message check() const {
+        if (!(s > 0)) return "Error: alpha must be > 0";
+        if (!(beta_ > 0)) return "Error: beta must be > 0";
+        return nullptr;
+    }
+    std::optional<double> point_mass() const { return std::nullopt; }
+    double start(double u) const { return std::floor(beta_ * numerics::gamma_lower_inverse(s, u)); }
+
+  private:
+    double beta_;
+};
+
+}  // namespace pral

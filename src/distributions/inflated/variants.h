@@ -1,0 +1,77 @@
+// The zero-inflated and zero-truncated families, and the forms that a fit uses.
+#pragma once
+
+#include "distributions/discrete/beta_mixtures.h"
+#include "distributions/discrete/binomial.h"
+#include "distributions/discrete/logarithmic.h"
+#include "distributions/discrete/negative_binomial.h"
+#include "distributions/discrete/poisson.h"
+#include "distributions/inflated/zero_inflated.h"
+#include "distributions/inflated/zero_truncated.h"
+
+namespace pral {
+
+/// The checks of variants that differ from their base family's; its own follow them.
+struct BetaGeometricChecks : BaseChecks {
+    static Message check(const BetaGeometric& base) {
+        if (!(base.alpha > 0)) return "Error: alpha must be >0";
+        if (!(base.beta > 2)) return "Error: beta must be > 2";
+        return nullptr;
+    }
+};
+struct BetaNegBinChecks : BaseChecks {
+    static Message check(const BetaNegBin& base) {
+        if (!(base.s > 0)) return "Error: s must be >0";
+        if (!(base.a > 0)) return "Error: alpha must be > 0";
+        if (!(base.b > 0)) return "Error: beta must be > 0";
+        return base.check();
+    }
+};
+struct LogarithmicChecks : BaseChecks {
+    static Message check(const Logarithmic& base) {
+        return base.theta > 0 && base.theta <= 1 ? nullptr : "Error: theta must be between (0,1]";
+    }
+};
+struct NegBinChecks : BaseChecks {
+    template <class Base>
+    static Message check(const Base& base) {
+        if (!(base.s >= 0)) return "Error: s must be >= 0";
+        if (!(base.p >= 0 && base.p <= 1)) return "Error: p must be between [0,1]";
+        return base.p > 0 ? base.check() : nullptr;
+    }
+};
+
+/// The base families without the check for an integer, between whose values a likelihood is maximised.
+struct RealBinomial : Binomial {
+    using Binomial::Binomial;
+    Message check() const { return check_range(); }
+};
+struct RealNegBin : NegBin {
+    using NegBin::NegBin;
+    Message check() const { return check_range(); }
+};
+struct RealBetaBinomial : BetaBinomial {
+    using BetaBinomial::BetaBinomial;
+    Message check() const { return check_range(); }
+};
+
+using ZIBetaBinomial = ZeroInflated<BetaBinomial>;
+using ZIBetaGeometric = ZeroInflated<BetaGeometric, BetaGeometricChecks>;
+using ZIBetaNegBin = ZeroInflated<BetaNegBin, BetaNegBinChecks>;
+using ZIBinomial = ZeroInflated<Binomial>;
+using ZIGeometric = ZeroInflated<Geometric>;
+using ZILogarithmic = ZeroInflated<Logarithmic, LogarithmicChecks>;
+using ZINegBin = ZeroInflated<NegBin, NegBinChecks>;
+using ZIPoisson = ZeroInflated<Poisson>;
+using ZIPolya = ZeroInflated<Polya>;
+
+using ZTBetaBinomial = ZeroTruncated<BetaBinomial>;
+using ZTBetaGeometric = ZeroTruncated<BetaGeometric, BetaGeometricChecks>;
+using ZTBetaNegBin = ZeroTruncated<BetaNegBin, BetaNegBinChecks>;
+using ZTBinomial = ZeroTruncated<Binomial>;
+using ZTGeometric = ZeroTruncated<Geometric>;
+using ZTNegBin = ZeroTruncated<NegBin, NegBinChecks>;
+using ZTPoisson = ZeroTruncated<Poisson>;
+using ZTPolya = ZeroTruncated<Polya>;
+
+}  // namespace pral

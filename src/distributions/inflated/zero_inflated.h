@@ -1,0 +1,128 @@
+// Zero inflation: a count with more zeros than its distribution has.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "distributions/discrete/negative_binomial.h"
+#include "distributions/family.h"
+#include "numerics/double_double.h"
+
+namespace pral {
+
+/// The checks of a variant where they are those of its base family.
+struct BaseChecks {
+    template <class Base>
+    static Message check(const Base& base) {
+        return base.check();
+    }
+    static Message check_weight(double pi) {
+        return pi > 0 && pi < 1 ? nullptr : "Error: pi should be on (0,1)";
+    }
+};
+
+/// With probability pi a value of the base family, else 0: F(x) = 1 - pi + pi F_base(x) from 0 on. The base family's
+/// parameters come first, pi last. `Checks` holds the variant's own checks; what they let pass, the base family may
+/// still refuse.
+///
+/// A bare call draws a Bernoulli(pi) and then a bare call of the base family, whatever the Bernoulli gave. A percentile
+/// u <= 1 - pi is 0, and any other that of the base family at (u - 1 + pi)/pi; bounds rescale this second percentile, so
+/// that the extra zeros keep their weight between any bounds.
+template <class Base, class Checks = BaseChecks>
+struct ZeroInflated {
+    static constexpr bool kDiscrete = true;
+    static constexpr bool kIntegers = true;
+    Base base;
+    double pi;
+
+    ZeroInflated(double a, double pi_) requires std::constructible_from<Base, double> : base(a), pi(pi_) {}
+    ZeroInflated(double a, double b, double pi_) requires std::constructible_from<Base, double, double>
+        : base(a, b), pi(pi_) {}
+    ZeroInflated(double a, double b, double c,
+                 double pi_) requires std::constructible_from<Base, double, double, double> : base(a, b, c),
+                                                                                              pi(pi_) {}
+
+    Message check() const { return objection_or(base.check()); }
+    Message check_probability() const { return objection_or(pral::check_probability(base)); }
+    Support support() const {
+        const auto point = base.point_mass();
+        const auto [lower, upper] = point ? Support{*point, *point} : base.support();
+        return {std::min(lower, 0.0), std::max(upper, 0.0)};
+    }
+    std::optional<double> point_mass() const { return std::nullopt; }
+
+    double cumulative(double x) const {
+        const double scaled = pi * tails(base, x).lower;
+        return x >= 0 ? scaled + (1 - pi) : scaled;
+    }
+    double survival(double x) const {
+        const double scaled = pi * tails(base, x).upper;
+        return x >= 0 ? scaled : scaled + (1 - pi);
+    }
+    double log_density(double x) const {
+        const double log_base = base_log_density(x);
+        if (x != 0) return log_base + std::log(pi);
+        if (log_base == -HUGE_VAL) return numerics::log1p_fn(-pi);
+        const double at_zero = pi * std::exp(log_base) + (1 - pi);
+        return at_zero < 0.5 ? std::log(at_zero) : numerics::log1p_fn(pi * numerics::expm1_fn(log_base));
+    }
+
+    double quantile(double u) const { return quantile_within(u, 0, 1, support()); }
+    double quantile_upper(double q) const { return q >= pi ? 0 : base_quantile(1 - q / pi, q / pi); }
+    /// The quantile between bounds where this family's cumulative is min_percentile, with `mass` between them.
+    double quantile_within(double u, double min_percentile, double mass, Support kept) const {
+        const double excess = above_zeros(u);
+        if (!(excess > 0)) return 0;
+        const double p = min_percentile + excess / pi * mass;
+        const double upper = mass == 1 ? (1 - u) / pi : 1 - p;
+        return std::clamp(base_quantile(p, upper), std::min(kept.lower, kept.upper), kept.upper);
+    }
+    void quantiles(std::span<double> u) const {
+        std::vector<double> of_base;
+        for (double& value : u) {
+            const double excess = above_zeros(value);
+            value = excess > 0 ? 1 : 0;
+            if (excess > 0) of_base.push_back(std::min(excess / pi, 1 - 0x1p-53));
+        }
+        if (const auto point = base.point_mass())
+            std::ranges::fill(of_base, *point);
+        else
+            base.quantiles(of_base);
+        auto next = of_base.begin();
+        for (double& value : u) {
+            if (value == 1) value = *next++;
+        }
+    }
+
+    double random(double, RandomStream& stream) const {
+        const bool counted = Bernoulli(pi).quantile(stream.uniform()) == 1;
+        const double value = draw(base, stream);
+        return counted ? value : 0;
+    }
+
+  private:
+    Message objection_or(Message of_base) const {
+        if (const Message objection = Checks::check(base)) return objection;
+        if (const Message objection = Checks::check_weight(pi)) return objection;
+        return of_base;
+    }
+    /// u - (1 - pi), rounded once.
+    double above_zeros(double u) const {
+        const numerics::DoubleDouble sum = numerics::two_sum(u, -1);
+        return (sum.hi + pi) + sum.lo;
+    }
+    double base_quantile(double p, double q) const {
+        if (const auto point = base.point_mass()) return *point;
+        return p <= 0.5 ? pral::quantile(base, p) : pral::quantile_upper(base, q);
+    }
+    double base_log_density(double x) const {
+        if (const auto point = base.point_mass()) return x == *point ? 0 : -HUGE_VAL;
+        const auto [lower, upper] = base.support();
+        return x >= lower && x <= upper ? base.log_density(x) : -HUGE_VAL;
+    }
+};
+
+}  // namespace pral
