@@ -43,6 +43,7 @@ Members evaluate(const Parameters& p, double x, const Modifiers& given, std::ind
     m.discrete = requires { D::kDiscrete; };
     if constexpr (requires { d.approximates(); }) m.approximate = d.approximates();
     if constexpr (requires { D::kLastPercentile; }) m.last_percentile = D::kLastPercentile;
+    if constexpr (requires { d.base.kLastPercentile; }) m.last_percentile = d.base.kLastPercentile;
     m.log_cumulative = log_cumulative(d, x);
     m.quantile = [d](double u) { return quantile(d, u); };
     m.quantile_upper = [d](double q) { return quantile_upper(d, q); };

@@ -51,6 +51,15 @@ struct BetaBinomial : SummedTails<BetaBinomial> {
 
     double log_density(double k) const { return log_beta_binomial(k, n - k, alpha, beta); }
     double mass_ratio(double k) const { return (n - k) / (k + 1) * ((k + alpha) / (n - k - 1 + beta)); }
+    /// So many values that k/n is as good as continuous, the beta variable itself.
+    bool continuous(double values) const { return values > 1e16 * (alpha + beta + 1); }
+    double up_to(double k) const {
+        return continuous(k) ? numerics::beta_lower(alpha, beta, k / n, (n - k) / n) : SummedTails::up_to(k);
+    }
+    double above(double k) const {
+        return continuous(n - k) ? numerics::beta_upper(alpha, beta, k / n, (n - k) / n)
+                                 : SummedTails::above(k);
+    }
     double pivot() const { return std::floor(n * (alpha / (alpha + beta))); }
     double start(double u) const { return std::floor(n * numerics::beta_lower_inverse(alpha, beta, u).x); }
 };
@@ -84,12 +93,36 @@ struct BetaNegBin : SummedTails<BetaNegBin> {
     double pivot() const { return whole() ? std::floor(s * b / (a + 1)) : numerics::kInfinity; }
     bool whole() const { return s == std::floor(s); }
 
+    double up_to(double k) const {
+        const auto tails = continuous(k);
+        return tails ? tails->lower : SummedTails::up_to(k);
+    }
     double above(double k) const {
+        if (const auto tails = continuous(k)) return tails->upper;
         return whole() ? BetaBinomial(k + s, a, b).up_to(s - 1) : SummedTails::above(k);
     }
     double start(double u) const {
         const auto [x, y] = numerics::beta_upper_inverse(a, b, u);
         return std::floor(s * (y / x));
+    }
+
+  private:
+    /// With a huge b, k/b is as good as continuous, the quotient of a gamma variable of shape s by one of shape a; with a
+    /// huge s, k/s is the odds against success.
+    std::optional<Tails> continuous(double k) const {
+        constexpr double kHuge = 1e9;  // for a relative error of 1/kHuge^2
+        const auto huge_beside = [&](double value, double root) {
+            return std::min(value, k) / root > kHuge * kHuge * root;
+        };
+        if (huge_beside(b, s + a + 1)) {
+            const double x = 1 / (1 + b / k), y = 1 / (1 + k / b);
+            return Tails{numerics::beta_lower(s, a, x, y), numerics::beta_upper(s, a, x, y)};
+        }
+        if (huge_beside(s, a + b + 1)) {
+            const double x = 1 / (1 + k / s), y = 1 / (1 + s / k);
+            return Tails{numerics::beta_upper(a, b, x, y), numerics::beta_lower(a, b, x, y)};
+        }
+        return std::nullopt;
     }
 };
 
@@ -109,14 +142,17 @@ struct BetaGeometric : SummedTails<BetaGeometric> {
     std::optional<double> point_mass() const { return std::nullopt; }
 
     double log_survival(double k) const {
+        if (beta / (alpha + 1) > 1e18 * (alpha + 1)) return -alpha * numerics::log1p_fn((k + 1) / beta);
         if (alpha < 1 && k + 1 >= 0.5 * beta) return log_gamma_ratio(beta + k + 1) - log_gamma_ratio(beta);
         return log_beta_binomial(0, k + 1, alpha, beta);
     }
     double survival(double k) const { return std::exp(log_survival(k)); }
     double cumulative(double k) const {
         const double log_upper = log_survival(k);
-        return log_upper < -0.01 || (alpha < 1 && k + 1 >= 0.5 * beta) ? -numerics::expm1_fn(log_upper)
-                                                                       : up_to(k);
+        return log_upper < -0.01 || (alpha < 1 && k + 1 >= 0.5 * beta) ||
+                       beta / (alpha + 1) > 1e18 * (alpha + 1)
+                   ? -numerics::expm1_fn(log_upper)
+                   : up_to(k);
     }
     double log_density(double k) const { return log_survival(k - 1) + std::log(alpha / (alpha + beta + k)); }
     double mass_ratio(double k) const { return (beta + k) / (alpha + beta + k + 1); }

@@ -66,6 +66,11 @@ class InversionWalk {
             if constexpr (requires { d_.tail_exponent(); }) {
                 if (!lower_ && k > 1) next = std::floor(k * std::exp(std::min(distance / k, 700.0)));
             }
+            if (next >= top_ && high == top_ && short_at(top_)) {
+                k = top_;
+                tail = tail_at(k);
+                return;
+            }
             if (!(next > low && next < high)) next = middle(low, high);
             if (next == k) return;  // beyond 2^53 integers have no neighbours
             k = next;

@@ -11,8 +11,8 @@ namespace pral {
 
 /// The sum of the masses f(k) from one integer towards another, both included. The first hundreds of terms follow from one
 /// another by their ratio; when the rest still counts, it is taken by the Euler-Maclaurin formula, with its derivatives as
-/// central differences and its integral in panels that grow with the distance from the singularities of f. So a sum
-/// over 10^15 integers takes some thousand values of f.
+/// central differences and its integral in panels of the logarithm of the distance from the singularities of f. So a sum
+/// over 10^15 integers takes some hundred values of f.
 ///
 /// Needs of the family: support(), log_density(k) at real k, smooth between the ends of the support, and mass_ratio(k). A
 /// family whose masses fall as k^(-a - 1), too slowly for panels, has tail_exponent() = a and tail_scale(), beyond which
@@ -21,31 +21,42 @@ template <class D>
 class MassSum {
   public:
     MassSum(const D& d, double from, double to)
-        : d_(d), to_(to), step_(from <= to ? 1 : -1), k_(from), singular_(singularity_behind()) {}
+        : d_(d),
+          to_(to),
+          step_(from <= to ? 1 : -1),
+          k_(from),
+          singular_(singularity_behind()),
+          offset_(std::clamp(d.log_density(from), -300.0, 0.0)) {}
 
     double operator()() {
+        add_all();
+        return sum_ * std::exp(offset_);
+    }
+
+  private:
+    /// Sums what counts.
+    void add_all() {
         const bool short_sum = left() <= kShort;
-        if (!recur(short_sum ? kShort : kFirst)) return sum_;
+        if (!recur(short_sum ? kShort : kFirst)) return;
         sum_ += difference_terms();
-        double length = kFirst;
+        double length = 0.5;
         for (int panel = 0; panel < kMaxPanels; ++panel) {
             if (left() <= kShort) {
                 sum_ -= difference_terms();
                 recur(kShort);
-                return sum_;
+                return;
             }
-            if (!integrate(length)) return sum_;
+            if (!integrate(length)) return;
         }
-        return sum_;
     }
 
-  private:
     double left() const { return std::fabs(to_ - k_) + 1; }
     double singularity_behind() const {
         const auto [lower, upper] = d_.support();
         return step_ > 0 ? lower : upper;
     }
-    double mass(double k) const { return std::exp(d_.log_density(k)); }
+    /// Masses of a far tail would be denormal; they are all told in units of e^offset.
+    double mass(double k) const { return std::exp(d_.log_density(k) - offset_); }
 
     /// Adds at most `terms` terms; whether there are more that count.
     bool recur(int terms) {
@@ -71,28 +82,39 @@ class MassSum {
         return d1 / 24 - d3 * (17.0 / 5760) + d5 * (367.0 / 967680) - d7 * (27859.0 / 464486400);
     }
 
-    /// Adds the integral over the next panel, whose length follows the one before; whether more of them count.
+    /// Adds the integral over the next panel, in the logarithm of the distance from the nearer end of the summed range,
+    /// where f is singular; whether more panels count. `length` in that logarithm follows from the panel before.
     bool integrate(double& length) {
-        const double edge = k_ - 0.5 * step_;
-        length = std::min({length, left() / 2, std::fabs(edge - singular_)});
-        const double at_edge = d_.log_density(edge);
-        double middle, end, variation;
+        const double edge = k_ - 0.5 * step_, behind = std::fabs(edge - singular_), ahead = left() - 0.5;
+        const bool leaving = behind <= ahead;
+        const double distance = leaving ? behind : ahead, growth = leaving ? 1 : -1;
+        const double log_distance = std::log(distance), log_other = std::log((behind + ahead) / distance);
+        length = leaving ? std::min({length, kLongestPanel, log_distance, 0.5 * log_other})
+                         : std::min({length, kLongestPanel, 0.5 * log_distance, log_other});
+        const auto moved = [&](double t) { return growth * distance * numerics::expm1_fn(growth * t); };
+        const auto log_at = [&](double t) {
+            return d_.log_density(edge + step_ * moved(t)) - offset_ + growth * t;
+        };
+        const double at_edge = log_at(0);
+        double steps, middle, end, variation;
         for (;;) {
-            length = std::floor(length);
-            middle = d_.log_density(edge + 0.5 * step_ * length);
-            end = d_.log_density(edge + step_ * length);
+            steps = std::floor(moved(length));
+            length = growth * numerics::log1p_fn(growth * steps / distance);
+            middle = log_at(0.5 * length);
+            end = log_at(length);
             variation = std::max({at_edge, middle, end}) - std::min({at_edge, middle, end});
-            if (!(variation > kVariation) || length <= kShortestPanel) break;
+            if (!(variation > kVariation) || steps <= kShortestPanel) break;
             length /= 2;
         }
-        const double half = 0.5 * length;
-        sum_ += numerics::integrate(length, 1, [&](double t) { return mass(edge + step_ * t); });
-        k_ += step_ * length;
-        const double next_edge = k_ - 0.5 * step_, decline = (middle - end) / half;
-        if (decline > 0 && std::exp(end) <= kNegligible * sum_ * decline) return false;
+        sum_ += distance * numerics::integrate(length, 1, [&](double t) { return std::exp(log_at(t)); });
+        k_ += step_ * steps;
+        const double mass_left = std::exp(end - growth * length) * (steps - moved(0.5 * length)),
+                     decline = middle - end + 0.5 * growth * length;
+        if (decline > 0 && mass_left <= kNegligible * sum_ * decline) return false;
         if constexpr (requires { d_.tail_scale(); }) {
+            const double next_edge = k_ - 0.5 * step_;
             if (step_ > 0 && next_edge > 0x1p54 * d_.tail_scale()) {
-                sum_ += std::exp(end) * (next_edge / d_.tail_exponent());
+                sum_ += std::exp(end - length) * (next_edge / d_.tail_exponent());
                 return false;
             }
         }
@@ -100,14 +122,15 @@ class MassSum {
         return true;
     }
 
-    static constexpr int kFirst = 512, kShort = 2048, kMaxPanels = 2000;
-    /// Panels in which f varies by e^3 are integrated to rounding, whatever its curvature; shorter ones than this are not
-    /// needed, since the sum would have ended.
-    static constexpr double kVariation = 3, kShortestPanel = 32;
+    static constexpr int kFirst = 512, kShort = 2048, kMaxPanels = 400;
+    /// Panels in which f times the distance varies by e^3 are integrated to rounding, whatever its curvature; so are those
+    /// over a factor of e^6, since singularities at other distances are i pi off. Shorter ones than 32 steps are not
+    /// needed: the sum would have ended.
+    static constexpr double kVariation = 3, kLongestPanel = 6, kShortestPanel = 32;
     static constexpr double kNegligible = 1e-17, kDenormalNear = 1e-280;
 
     const D& d_;
-    double to_, step_, k_, singular_, sum_ = 0;
+    double to_, step_, k_, singular_, offset_, sum_ = 0;
 };
 
 template <class D>

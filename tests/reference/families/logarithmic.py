@@ -10,18 +10,24 @@ class Logarithmic(Discrete):
         super().__init__((1, INF), lambda k: theta**k / (k * self.scale), lambda k: theta * k / (k + 1), 1)
 
     def upper(self, k):
-        """By its terms, or for theta near 1 by quadrature of t^k/(1 - t) from 0 to theta, in v = -ln(1 - t)."""
+        """By its terms; for theta next to 1 the integral E1 of exp(-q x)/x from k + 1/2 on, whose Euler-Maclaurin remainder
+        is below (q^2 + 1/k^2)/24."""
         if self.theta < 0.999:
             return self.tail(k + 1, 1)
-        top = self.scale
-        edge = m.log(max(k, 1))  # below it the integrand is negligible
-        offsets = (-8, -7, -6, -5, -4, -3, -2, -1, 0, 1, 2, 4, 8, 16)
-        cuts = {max(m.mpf(0), min(top, edge + d)) for d in offsets} | {top - m.mpf(2) ** -i for i in range(12)} | {top}
-        cuts = sorted(c for c in cuts if c >= min(edge - 8, top - 1))
-        return m.quad(lambda v: m.exp(k * m.log1p(-m.exp(-v))) if v > 0 else m.mpf(0), cuts) / self.scale
+        if k < 10**12:
+            return 1 - self.lower(k)
+        return m.e1(-m.log(self.theta) * (k + m.mpf(1) / 2)) / self.scale
 
     def lower(self, k):
-        return 1 - self.upper(k) if k > 3000 else self.tail(k, -1)
+        """By its terms; for large k by E1 and the constants that its remainder leaves."""
+        if k <= 3000:
+            return self.tail(k, -1)
+        if self.theta < 0.999 or k >= 10**12:
+            return 1 - self.upper(k)
+        with m.workdps(30):  # the sum of theta^j/j as that of 1/j less that of (1 - theta^j)/j
+            q = -m.log(self.theta)
+            rest = m.quad(lambda x: -m.expm1(-q * x) / x, [0, k / 100, k / 10, k + m.mpf(1) / 2])
+            return (m.digamma(k + 1) + m.euler - rest) / self.scale
 
 
 FAMILIES = {

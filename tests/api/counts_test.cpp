@@ -1,0 +1,124 @@
+// What is special to the counts: cut-offs, zero inflation and truncation, members for fits, uncertainty about parameters.
+#include <gtest/gtest.h>
+
+#include <cfloat>
+#include <cmath>
+#include <vector>
+
+#include "boundary/core_api.h"
+
+namespace {
+
+TEST(Counts, PercentilesThatAreSpecial) {
+    double out, u = 0.99999995;
+    ASSERT_TRUE(PralNegBin_Core(&out, 3, 0.5, &u, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(out, DBL_MAX);
+    ASSERT_TRUE(PralGeometric_Core(&out, 0.5, &u, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(out, DBL_MAX);
+    const struct {
+        double pi, u, value;
+    } rows[] = {{0.3, 0.5, 0}, {0.3, 0.85, 3}, {0.5, 0.5, 0}, {0.5, 0, 0}, {0.5, 1, DBL_MAX}};
+    for (const auto& [pi, percentile, value] : rows) {
+        ASSERT_TRUE(PralZIPoisson_Core(&out, 3.5, pi, &percentile, nullptr, nullptr, nullptr, nullptr));
+        EXPECT_EQ(out, value) << pi << ' ' << percentile;
+    }
+    for (const double lowest : {0.0, 1e-300, 0.01}) {
+        ASSERT_TRUE(PralZTPoisson_Core(&out, 3.5, &lowest, nullptr, nullptr, nullptr, nullptr));
+        EXPECT_EQ(out, 1);
+    }
+    // Between bounds the percentile above the zeros is rescaled: 0.2 + 0.5 (0.9 - 0.2) of the Poisson.
+    const int by_percentile = 3;
+    const double low = 0.2, high = 0.9, above = 0.85, same = 0.2 + 0.5 * 0.7;
+    double poisson;
+    ASSERT_TRUE(PralZIPoisson_Core(&out, 350, 0.3, &above, &by_percentile, &low, &high, nullptr));
+    ASSERT_TRUE(PralPoisson_Core(&poisson, 350, &same, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(out, poisson);
+}
+
+TEST(Counts, BareCallOfAnInflatedFamilyDrawsTwice) {
+    constexpr int kCalls = 20000;
+    std::vector<double> counts(40);
+    PralSetRandomSeed(3);
+    for (int i = 0; i < kCalls; ++i) {
+        double out;
+        ASSERT_TRUE(PralZIPoisson_Core(&out, 3.5, 0.6, nullptr, nullptr, nullptr, nullptr, nullptr));
+        counts.at(static_cast<std::size_t>(out)) += 1;
+    }
+    double next;  // three uniforms a call: its own, the Bernoulli's and the Poisson's
+    ASSERT_TRUE(PralUniform_Core(&next, 0, 1, nullptr, nullptr, nullptr, nullptr, nullptr));
+    std::vector<double> stream(3 * kCalls + 1);
+    PralSetRandomSeed(3);
+    ASSERT_TRUE(PralUniformArray_Core(stream.data(), 3 * kCalls + 1, 0, 1, nullptr, nullptr, nullptr, nullptr,
+                                      nullptr));
+    EXPECT_EQ(next, stream.back());
+    double chi_square = 0;
+    for (double k = 0; k <= 10; ++k) {
+        double x = k, p;
+        ASSERT_TRUE(PralZIPoissonProb_Core(&p, &x, 1, 3.5, 0.6, nullptr, nullptr, nullptr, nullptr, nullptr));
+        const double expected = kCalls * p, found = counts[static_cast<std::size_t>(k)];
+        chi_square += (found - expected) * (found - expected) / expected;
+    }
+    EXPECT_LT(chi_square, 31.3);  // chi-square with 11 degrees of freedom: one seed in a thousand
+}
+
+TEST(Counts, MembersForFitsTakeRealCounts) {
+    double out, x = 3, plain;
+    EXPECT_TRUE(PralZIBinomialProb10_Core_for_fit(&out, &x, 1, 10.5, 0.25, 0.5, nullptr, nullptr, nullptr,
+                                                  nullptr, nullptr));
+    // log10(0.5 C(10.5, 3) 0.25^3 0.75^7.5), mpmath
+    EXPECT_NEAR(out, -0.89406991452068307, 1e-14);
+    EXPECT_FALSE(
+        PralZIBinomialProb10_Core(&out, &x, 1, 10.5, 0.25, 0.5, nullptr, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_STREQ(PralCoreError(), "Error: n must be an integer");
+    EXPECT_TRUE(
+        PralZTNegBinProb_Core_for_fit(&out, &x, 1, 3, 0.25, nullptr, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_TRUE(PralZTNegBinProb_Core(&plain, &x, 1, 3, 0.25, nullptr, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(out, plain);
+    const double u = 0.9999;
+    EXPECT_TRUE(PralZTBinomial_Core_for_fit(&out, 10.5, 0.9, &u, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(out, 10);
+}
+
+TEST(Counts, UncertaintyAboutParameters) {
+    const double u = 0.25, bad = 1.5;
+    double out;
+    ASSERT_TRUE(PralBinomialP_Core(&out, 0, 9, 1, &u));
+    EXPECT_NEAR(out, 1 - std::pow(0.75, 0.1), 1e-15);
+    ASSERT_TRUE(PralPoissonLambda_Core(&out, 0, 4, 1, &u));
+    EXPECT_NEAR(out, -std::log(0.75) / 4, 1e-15);
+    int zeros = 0;
+    for (int i = 0; i < 1000; ++i) {
+        ASSERT_TRUE(PralBinomialP_Core(&out, 0, 9, 0, &u));
+        zeros += out == 0;
+    }
+    EXPECT_NEAR(zeros, 500, 60);
+    const struct {
+        double successes, trials;
+        int exists;
+        double u;
+        const char* message;
+    } refused[] = {{-1, 0, 1, u, "Error: if process_exists=TRUE then Successes must be >=0"},
+                   {1, 0, 0, u, "Error: Trials must be > 0"},
+                   {1, 2, 0, u, "Error: if process_exists=False then Successes must be 0"},
+                   {3, 2, 1, bad, "Error: Trials must be >= successes"},
+                   {1, 2, 1, bad, "Error: U must be between [0,1]"}};
+    for (const auto& row : refused) {
+        EXPECT_FALSE(PralBinomialP_Core(&out, row.successes, row.trials, row.exists, &row.u));
+        EXPECT_STREQ(PralCoreError(), row.message);
+    }
+    const struct {
+        double alpha, T;
+        int exists;
+        double u;
+        const char* message;
+    } refused_rates[] = {{-1, 0, 0, u, "Error: alpha must be >= 0"},
+                         {1, 0, 0, u, "Error: if alpha > 0 then process_exists must be True"},
+                         {1, 0, 1, bad, "Error: T must be > 0"},
+                         {1, 1, 1, bad, "Error: U must be between [0,1]"}};
+    for (const auto& row : refused_rates) {
+        EXPECT_FALSE(PralPoissonLambda_Core(&out, row.alpha, row.T, row.exists, &row.u));
+        EXPECT_STREQ(PralCoreError(), row.message);
+    }
+}
+
+}  // namespace
