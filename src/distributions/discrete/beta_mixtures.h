@@ -10,8 +10,8 @@
 
 namespace pral {
 
-/// ln of the beta-binomial mass where n failures are so many beside j successes that powers of n are all that counts, Gamma(n + u)/Gamma(n + v)
-/// = n^(u - v) (1 + (u - v)(u + v - 1)/2n).
+/// ln of the beta-binomial mass where n failures are so many beside j successes that powers of n are all that counts,
+/// Gamma(n + u)/Gamma(n + v) = n^(u - v) (1 + (u - v)(u + v - 1)/2n).
 inline double log_beta_binomial_far(double j, double n, double a, double b) {
     const double correction = (j * (j + 1) - (j + a) * (j + a + 2 * b - 1)) / (2 * n);
     return numerics::log_gamma(j + a) - numerics::log_gamma(j + 1) - numerics::log_beta(a, b) -
