@@ -9,6 +9,7 @@ that the likelihood has a maximum inside its domain near the truth, also where i
 support at the extreme observation and a shape below 1).
 """
 import numpy as np
+from scipy import stats
 from scipy.optimize import minimize_scalar
 
 import densities as d
@@ -112,6 +113,20 @@ def variants(name, density, coordinates, own, inflated, truncated):
     if truncated:
         yield "ZT" + name, (d.zero_truncated(density), searched, truncated)
 
+
+# Fits to truncated observations: coordinates, cumulative, (parameters, bounds); 1e100 stands for no bound.
+TRUNCATED = {
+    "Beta": ("+ +", stats.beta.cdf, [((2, 5), 0.1, 0.8), ((2, 3), 0.25, 1e100)]),
+    "Cauchy": ("L +", stats.cauchy.cdf, [((0, 1), -3.0, 5.0)]),
+    "Expon": ("+", lambda x, beta: stats.expon.cdf(x, scale=beta), [((2,), 1.0, 1e100), ((2e9,), 1e100, 4e9)]),
+    "ExtValueMax": ("L +", stats.gumbel_r.cdf, [((3e-6, 2e-6), 2e-6, 1e-5)]),
+    "Gamma": ("+ +", lambda x, a, b: stats.gamma.cdf(x, a, scale=b), [((2.5, 1), 1.0, 6.0), ((4, 1e9), 2e9, 1e100)]),
+    "LognormalE": ("r +", lambda x, mu, s: stats.norm.cdf(np.log(x), mu, s), [((0, 1), 0.5, 1e100), ((-14, 0.5), 4e-7, 2e-6)]),
+    "Logistic": ("L +", stats.logistic.cdf, [((0, 1), -1.0, 3.0)]),
+    "Normal": ("L +", stats.norm.cdf, [((0, 1), -1.0, 2.0), ((3e9, 1e9), 2.5e9, 1e100), ((-1e-6, 5e-7), 1e100, -5e-7)]),
+    "Pareto2": ("+ +", lambda x, b, q: stats.lomax.cdf(x, q, scale=b), [((1, 2), 0.25, 20.0)]),
+    "Weibull": ("+ +", lambda x, a, b: stats.weibull_min.cdf(x, a, scale=b), [((1.5, 2), 1.0, 1e100), ((3, 1e9), 1e100, 1.2e9)]),
+}
 
 FAMILIES = CONTINUOUS | {name: told for base, entry in COUNTS.items() for name, told in variants(base, *entry)}
 
