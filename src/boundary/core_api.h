@@ -511,6 +511,131 @@ PRAL_API bool PralTimeShortTermInterestRateA_Core(double* out, int n, const doub
 PRAL_API bool PralTimeShortTermInterestRateAVB_Core(SAFEARRAY** out, const double* longTermRate, int rateN,
                                                     double BMU, double BSD, double BA);
 
+/* ----------------------------------------------------------------------------------------------------- Fits
+ *
+ * Maximum-likelihood fits of a distribution X to n observations `data`. The families that can be fitted are listed
+ * below; each has four functions:
+ *
+ *   bool PralXFit_Core(double* out, const double* data, int n, int* uncertainty, double TruncMin, double TruncMax,
+ *                      double U, int count, const char* key, bool reserved)
+ *       Fits, then writes `count` values of the fitted distribution: its value at percentile U, or draws.
+ *
+ *   bool PralXFitP_Core(double* out, int outLen, const double* data, int n, int* uncertainty, double TruncMin,
+ *                       double TruncMax, double* shift, int reserved1, int reserved2, const char* key, bool reserved)
+ *       The fitted parameters in the order of PralX_Core, outLen of them. With a shift, that is fitted as well: from
+ *       *shift on, or with TruncMin so that the distribution begins just below it; *shift receives it.
+ *
+ *   bool PralXFitVB_Core(SAFEARRAY** out, const double* data, int n, int uncertainty, double TruncMin,
+ *                        double TruncMax, double U)
+ *       One value, in the first element of an automation array of doubles, whatever its length.
+ *
+ *   bool PralXFitPVB_Core(SAFEARRAY** out, const double* data, int n, int uncertainty, double TruncMin,
+ *                         double TruncMax)
+ *       The parameters, into an automation array of as many doubles.
+ *
+ *   TruncMin, TruncMax   the data are a sample truncated there; 1e100 means not given. Values are truncated likewise.
+ *                        Like the bounds of PralX_Core they hold before a shift is added.
+ *   U                    a percentile in [0,1]; 1e100 means draws of the stream
+ *   uncertainty          other than 0: a replicate of the parameters in place of the fit, refitted to n draws from
+ *                        the fitted distribution (parametric bootstrap); null counts as 0
+ *   key                  null, or a name that takes the place of X in the memory of results
+ *   reserved             0
+ *
+ * A fit begins with an estimate from the data's moments or quantiles, which Newton's method takes to the maximum of the
+ * likelihood in coordinates of the family's own; then Nelder and Mead's simplex searches over the parameters (GSL's
+ * nmsimplex, steps 0.1, until its size is below 1e-5 or 1,000 iterations are done). The Normal without bounds is the
+ * mean and standard deviation of the sample (divisor n - 1). Integer parameters are real numbers during the search;
+ * those of BetaBinomial, Binomial, Chi, ChiSq, Erlang (truncated), NCChiSq, NegBin, Student, Student3, ZIBetaBinomial
+ * and ZTBetaBinomial are rounded after it. The base of LognormalB is 10 to begin with: no data can tell it.
+ * The results of the last 64 fits (4,000,000 data) are kept and found again by equal requests.
+ *
+ * Errors
+ *   "Error: source array is not valid"                                     n <= 0 or no data
+ *   "Error: Output array is not valid"                                     the automation array
+ *   "Error: Output array length(%d) must equal to number of distribution parameters(%d)"   FitP; `out` is untouched
+ *   "Error: TruncData minimum must be <= min(data)", "Error: TruncData maximum must be >= max(data)"   FitP; no
+ *                                                                          message from Fit
+ *   "Error: 0 - in input data", "Error: Unable to perform the fit, data have lower 0 values",
+ *   "Error: Unable to perform the fit"                                     data that the family cannot have
+ *   "Error: Unable to perform a fit because can't estimate (%d) start parameter",
+ *   "Error: Can't estimate {%s} start parameter"                           by number or by name
+ *   "Fit not possible as variance < mean"                                  PoissonUniform
+ *   "Error: Unable to perform a fit from selected data"                    no likelihood, even at the start
+ *   "Error: Unable to fit from selected data array"                        time-out
+ * JohnsonU and Kumaraswamy4 put their names in the place of "Error" and have "Unable to perform the fit" for all else.
+ * After a failed FitP all elements are -DBL_MAX.
+ */
+/* clang-format off */
+#define PRAL_FITTED_FAMILIES(FIT)                                                                                 \
+    FIT(Bernoulli) FIT(Beta) FIT(Beta4) FIT(BetaBinomial) FIT(BetaGeometric) FIT(BetaNegBin) FIT(BetaSubj)        \
+    FIT(Binomial) FIT(BurntFingerPoisson) FIT(Bradford) FIT(Burr) FIT(Cauchy) FIT(Chi) FIT(ChiSq) FIT(Dagum)      \
+    FIT(Delaporte) FIT(Erf) FIT(Erlang) FIT(Error) FIT(Expon) FIT(ExtValueMax) FIT(ExtValueMin) FIT(F)            \
+    FIT(Fatigue) FIT(Gamma) FIT(Geometric) FIT(GEV) FIT(GLogistic) FIT(HS) FIT(InvGauss) FIT(JohnsonB)            \
+    FIT(JohnsonU) FIT(Kumaraswamy) FIT(Kumaraswamy4) FIT(Laplace) FIT(Levy) FIT(Lifetime2) FIT(Lifetime3)         \
+    FIT(LifetimeExp) FIT(Logarithmic) FIT(LogGamma) FIT(Logistic) FIT(LogLaplace) FIT(LogLogistic)                \
+    FIT(Lognormal) FIT(LognormalB) FIT(LognormalE) FIT(LogTriangle) FIT(LogUniform) FIT(Maxwell) FIT(NCChiSq)     \
+    FIT(NCF) FIT(NegBin) FIT(Normal) FIT(NormalMix) FIT(Pareto) FIT(Pareto2) FIT(Pearson5) FIT(Pearson6)          \
+    FIT(Poisson) FIT(PoissonUniform) FIT(Polya) FIT(Rayleigh) FIT(Reciprocal) FIT(Skellam) FIT(SkewNormal)        \
+    FIT(Slash) FIT(Student) FIT(Triangle) FIT(Weibull) FIT(Weibull3) FIT(ZIBetaBinomial) FIT(ZTBetaBinomial)      \
+    FIT(ZIBetaGeometric) FIT(ZTBetaGeometric) FIT(ZIBetaNegBin) FIT(ZTBetaNegBin) FIT(ZIBinomial)                 \
+    FIT(ZTBinomial) FIT(ZIDelaporte) FIT(ZTDelaporte) FIT(ZIGeometric) FIT(ZTGeometric) FIT(ZILogarithmic)        \
+    FIT(ZINegBin) FIT(ZISkellam) FIT(ZTNegBin) FIT(ZIPoisson) FIT(ZTPoisson) FIT(ZIPolya) FIT(ZTPolya)
+/* clang-format on */
+#define PRAL_DECLARE_FIT_VALUES(X)                                                                          \
+    PRAL_API bool Pral##X##Fit_Core(double* out, const double* data, int n, int* uncertainty,               \
+                                    double TruncMin, double TruncMax, double U, int count, const char* key, \
+                                    bool reserved);                                                         \
+    PRAL_API bool Pral##X##FitVB_Core(SAFEARRAY** out, const double* data, int n, int uncertainty,          \
+                                      double TruncMin, double TruncMax, double U);
+#define PRAL_DECLARE_FIT_PARAMETERS(X)                                                                     \
+    PRAL_API bool Pral##X##FitP_Core(double* out, int outLen, const double* data, int n, int* uncertainty, \
+                                     double TruncMin, double TruncMax, double* shift, int reserved1,       \
+                                     int reserved2, const char* key, bool reserved);
+#define PRAL_DECLARE_FIT_PARAMETERS_VB(X)                                                           \
+    PRAL_API bool Pral##X##FitPVB_Core(SAFEARRAY** out, const double* data, int n, int uncertainty, \
+                                       double TruncMin, double TruncMax);
+#define PRAL_DECLARE_FIT(X)        \
+    PRAL_DECLARE_FIT_VALUES(X)     \
+    PRAL_DECLARE_FIT_PARAMETERS(X) \
+    PRAL_DECLARE_FIT_PARAMETERS_VB(X)
+PRAL_FITTED_FAMILIES(PRAL_DECLARE_FIT)
+/* Uniform has no PralUniformFitPVB_Core, Student3 no PralStudent3FitP_Core. */
+PRAL_DECLARE_FIT_VALUES(Uniform)
+PRAL_DECLARE_FIT_PARAMETERS(Uniform)
+PRAL_DECLARE_FIT_VALUES(Student3)
+PRAL_DECLARE_FIT_PARAMETERS_VB(Student3)
+#undef PRAL_DECLARE_FIT
+#undef PRAL_DECLARE_FIT_PARAMETERS_VB
+#undef PRAL_DECLARE_FIT_PARAMETERS
+#undef PRAL_DECLARE_FIT_VALUES
+
+/* The natural log-likelihood of n data under the distribution of that name, "Normal" for instance, with its `count`
+ * parameters, which may be real numbers where the distribution has integers; bounds and shift as above (a null shift
+ * counts as 0). -DBL_MAX where the data are impossible or the parameters refused.
+ * "Error: there is no fit of %s", "Error: Output array length(%d) must equal to number of distribution parameters(%d)" for
+ * the parameters, "Error: source array is not valid" */
+PRAL_API bool PralFitLogLikelihood_Core(double* out, const char* distribution, const double* parameters,
+                                        int count, const double* data, int n, double TruncMin,
+                                        double TruncMax, const double* shift);
+
+/* The search of a fit ends after so many seconds (60 in a freshly loaded library) with "Error: Unable to fit from
+ * selected data array". Not a number and negative values count as 0. */
+PRAL_API void PralSetFitTimeout(double seconds);
+
+/* The distribution of the data themselves: each of n observations equally likely (Discrete with equal weights), or, with
+ * *uncertainty other than 0, with weights drawn once for the call, the spacings of n - 1 sorted uniforms (Rubin's
+ * Bayesian bootstrap 1981). Bounds, U, count, key and reserved as in PralXFit_Core; the probability members' other
+ * arguments as in PralDiscreteProb_Core. "Error: source array is not valid" */
+PRAL_API bool PralDiscreteFit_Core(double* out, const double* data, int n, int* uncertainty, double TruncMin,
+                                   double TruncMax, double U, int count, const char* key, bool reserved);
+PRAL_API bool PralDiscreteFitProb_Core(double* out, double* x, int count, const double* data, int n,
+                                       const int* uncertainty, const int* cumulative, const int* boundsMode,
+                                       const double* boundsMin, const double* boundsMax, const double* shift);
+PRAL_API bool PralDiscreteFitProb10_Core(double* out, double* x, int count, const double* data, int n,
+                                         const int* uncertainty, const int* cumulative, const int* boundsMode,
+                                         const double* boundsMin, const double* boundsMax,
+                                         const double* shift);
+
 /* -------------------------------------------------------------------------------- Univariate distributions
  *
  * Every distribution X has five members. Its parameters, told in the list below, stand in the place of PARAMETERS;
@@ -596,6 +721,23 @@ PRAL_DECLARE_FOR_FIT(ZTBinomial, (double n, double p))
 PRAL_DECLARE_FOR_FIT(ZINegBin, (double s, double p, double pi))
 PRAL_DECLARE_FOR_FIT(ZTNegBin, (double s, double p))
 #undef PRAL_DECLARE_FOR_FIT
+
+/* The Prob10 members of base families, likewise. */
+#define PRAL_DECLARE_LIKELIHOOD(X, PARAMETERS)                                                                       \
+    PRAL_API bool Pral##X##Prob10_Core_for_fit(double* out, double* x, int count, PRAL_REMOVE_PARENTHESES PARAMETERS, \
+                                               const int* cumulative, const int* boundsMode,                         \
+                                               const double* boundsMin, const double* boundsMax,                     \
+                                               const double* shift);
+PRAL_DECLARE_LIKELIHOOD(Erlang, (double m, double beta))
+PRAL_DECLARE_LIKELIHOOD(ChiSq, (double nu))
+PRAL_DECLARE_LIKELIHOOD(Chi, (double nu))
+PRAL_DECLARE_LIKELIHOOD(Student, (double nu))
+PRAL_DECLARE_LIKELIHOOD(Student3, (double mu, double sigma, double nu))
+PRAL_DECLARE_LIKELIHOOD(NCF, (double nu1, double nu2, double ncp))
+PRAL_DECLARE_LIKELIHOOD(Binomial, (double n, double p))
+PRAL_DECLARE_LIKELIHOOD(NegBin, (double s, double p))
+PRAL_DECLARE_LIKELIHOOD(BetaBinomial, (double n, double alpha, double beta))
+#undef PRAL_DECLARE_LIKELIHOOD
 
 /* Uncertainty about a parameter after data: one value at percentile *U, or at a draw of the stream when U is null or *U
  * is -1. `processExists` not 0: the process is known to exist. Otherwise, after no event, it is first decided with even

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "distributions/family.h"
+#include "distributions/sample.h"
 #include "numerics/extended_log.h"
 #include "numerics/sums.h"
 
@@ -104,6 +105,8 @@ struct LogLocationScale {
         }
         return sum_of_log_densities(*this, values);
     }
+    double log_likelihood(const Sample& x) const requires requires { Standard::kUnitGaussian; }
+    { return x.count() * (log_density(x.geometric_mean()) - 0.5 * (x.variance_log() / spread / spread)); }
     double quantile(double p) const { return value(standard.quantile(p)); }
     double quantile_upper(double q) const { return value(pral::quantile_upper(standard, q)); }
     void quantiles(std::span<double> p) const requires requires(const Standard& z) { z.quantiles(p); }

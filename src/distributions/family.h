@@ -51,7 +51,8 @@ concept Distribution = requires(const D& d, double x) {
 ///   quantile_table()        a QuantileTable (quantile_table.h) for arrays, truncated or not; neither is a point mass
 ///   log_cumulative(x)       ln F(x), where F itself loses digits or underflows
 ///   log_survival(x)         ln(1 - F(x)), likewise
-///   log_likelihood(values)  the sum of the log densities, where it is cheaper than its terms
+///   log_likelihood(values)  the sum of the log densities, where it is cheaper than its terms; also of a Sample
+///                           (sample.h), where the statistics of the data are enough
 ///   random(u, stream)       a generator of its own for bare calls; u is a uniform already drawn
 ///   check_probability()     the objection in the probability members, where it differs from check()
 ///   kEndsFirst = true       percentiles 0 and 1 give the ends even where there is a point mass

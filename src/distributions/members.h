@@ -108,9 +108,9 @@ constexpr double impossible(Scale scale) { return scale == Scale::plain ? 0 : -H
 constexpr double certain(Scale scale) { return scale == Scale::plain ? 1 : 0; }
 inline double on_scale(Scale scale, double p) { return scale == Scale::plain ? p : std::log(p); }
 
-/// The joint density of `x`, whose extremes are given.
-template <Family D>
-double joint_density(std::span<const double> x, double smallest, double largest, const Truncated<D>& kept,
+/// The joint density of `x`, values or a Sample, whose extremes are given.
+template <Family D, class Values>
+double joint_density(const Values& x, double smallest, double largest, const Truncated<D>& kept,
                      Scale scale) {
     const auto all_at = [&](double point) {
         const bool all = x.empty() || (smallest == point && largest == point);
@@ -193,8 +193,8 @@ bool probability_member(double* out, double* x, int count, const D& d, const int
     if (smallest < kept.lower() || smallest == -numerics::kInfinity || (all_numbers && !all_countable))
         joint = impossible(scale);
     else if (all_numbers)
-        joint = density ? joint_density<D>(values, smallest, largest, kept, scale)
-                        : joint_cumulative<D>(values, smallest, kept, scale);
+        joint = density ? joint_density(values, smallest, largest, kept, scale)
+                        : joint_cumulative(values, smallest, kept, scale);
     *out = numerics::finite_or_limit(scale == Scale::plain ? joint : joint / numerics::kLn10);
     return true;
 }

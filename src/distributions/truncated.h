@@ -47,10 +47,11 @@ class Truncated {
         mass_ = above_median() ? min_.tails.upper - max_.tails.upper : max_.tails.lower - min_.tails.lower;
     }
 
+    bool ordered() const { return !bounded_ || (min_.tails.lower <= max_.tails.lower && min_.x <= max_.x); }
     /// Reports bounds that contradict each other or percentiles outside [0,1].
     bool check() const {
         if (!bounded_) return true;
-        if (!(min_.tails.lower <= max_.tails.lower) || !(min_.x <= max_.x)) {
+        if (!ordered()) {
             return as_values_ ? fail_bounds(min_.x, max_.x, true)
                               : fail_bounds(min_.tails.lower, max_.tails.lower, false);
         }

@@ -6,6 +6,7 @@
 
 #include "distributions/family.h"
 #include "distributions/quantile_table.h"
+#include "distributions/sample.h"
 #include "numerics/beta_quantile.h"
 #include "numerics/extended_log.h"
 
@@ -186,6 +187,11 @@ struct Beta : BetaOnInterval {
         if (!(alpha > 0)) return "Error: alpha must be >0";
         if (!(beta > 0)) return "Error: beta must be >0";
         return nullptr;
+    }
+    using BetaOnInterval::log_likelihood;
+    double log_likelihood(const Sample& x) const {
+        return x.count() * (log_density(x.mean()) - times(alpha - 1, x.log_below_mean()) -
+                            times(beta - 1, x.log_complement_below_mean()));
     }
 };
 

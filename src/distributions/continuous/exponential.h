@@ -1,7 +1,7 @@
 // The exponential distribution.
 #pragma once
 
-#include "distributions/family.h"
+#include "distributions/sample.h"
 #include "numerics/elementary.h"
 #include "numerics/sums.h"
 
@@ -36,6 +36,8 @@ struct Expon {
         const double sum = numerics::interleaved_sum(values, [](double x) { return x; });
         return -sum / beta - static_cast<double>(values.size()) * std::log(beta);
     }
+
+    double log_likelihood(const Sample& x) const { return x.count() * log_density(x.mean()); }
 
     double quantile(double p) const { return -beta * numerics::log1p_fn(-p); }
     double quantile_upper(double q) const { return -beta * std::log(q); }

@@ -6,6 +6,7 @@
 
 #include "distributions/adapters.h"
 #include "distributions/continuous/normal.h"
+#include "distributions/sample.h"
 
 namespace pral {
 
@@ -70,6 +71,10 @@ class InvGauss {
         if (x == 0) return -HUGE_VAL;
         const double a = score_.inverse(x);
         return log_factor_ - 1.5 * std::log(x) - 0.5 * a * a;
+    }
+    double log_likelihood(const Sample& x) const {
+        const double mean = x.mean(), of_reciprocals = 1 / x.harmonic_mean() - 1 / mean;
+        return x.count() * (log_density(mean) + 1.5 * x.log_below_mean() - 0.5 * lambda * of_reciprocals);
     }
     double quantile(double p) const;
     double quantile_upper(double q) const;

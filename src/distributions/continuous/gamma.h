@@ -5,6 +5,7 @@
 
 #include "distributions/family.h"
 #include "distributions/quantile_table.h"
+#include "distributions/sample.h"
 #include "numerics/extended_log.h"
 #include "numerics/gamma.h"
 #include "numerics/gamma_ratio.h"
@@ -19,6 +20,11 @@ struct StandardGamma {
     double quantile_upper(double q) const { return numerics::gamma_upper_inverse(shape, q); }
     double log_density(double z) const { return numerics::log_gamma_density(shape, z); }
     LogDensitySlope log_density_slope() const { return {{shape - 1, -1, 0}, {0, 1, 0}}; }
+};
+
+/// A mean of a sample and the mean of ln(mean/x).
+struct MeanAndLogs {
+    double mean, log_below;
 };
 
 /// X = g(G), G a standard gamma variable of the given shape: F(x) = P(shape, z) or, where g falls, Q(shape, z) with
@@ -51,6 +57,12 @@ struct OfGamma {
         }
         const double log = numerics::log_gamma_density(shape, z);
         return log == -numerics::kInfinity ? -HUGE_VAL : log + map.log_slope(x);
+    }
+    /// ln f(x) is linear in ln x and in the map's own power of x: their means are enough.
+    double log_likelihood(const Sample& x) const requires requires(const Map& m) { m.mean_of(x); }
+    {
+        const auto [mean, log_below] = map.mean_of(x);
+        return x.count() * (log_density(mean) - times(map.power * shape - 1, log_below));
     }
     double quantile(double p) const {
         return from_gamma(
@@ -115,6 +127,7 @@ struct GammaScale {
     numerics::DoubleDouble inverse(double x) const { return numerics::exact_quotient(x, scale); }
     double forward(double z) const { return scale * z; }
     double log_slope(double) const { return log_factor; }
+    MeanAndLogs mean_of(const Sample& x) const { return {x.mean(), x.log_below_mean()}; }
 };
 
 /// Shape alpha >= 0, scale beta >= 0; a zero is a point mass at 0. F = P(alpha, x/beta).
@@ -135,6 +148,7 @@ struct Gamma : OfGamma<GammaScale> {
         return alpha == 0 || beta == 0 ? std::optional(0.0) : std::nullopt;
     }
     double log_likelihood(std::span<const double> values) const;
+    using OfGamma::log_likelihood;
 
   private:
     double log_gamma_;
@@ -144,9 +158,12 @@ struct Gamma : OfGamma<GammaScale> {
 struct Erlang : Gamma {
     Erlang(double m, double scale) : Gamma(m, scale) {}
     Message check() const {
+        if (const Message objection = check_range()) return objection;
+        return alpha == std::floor(alpha) ? nullptr : "Error: m must be an integer";
+    }
+    Message check_range() const {
         if (!(alpha >= 0)) return "Error: m must be >= 0";
         if (!(beta >= 0)) return "Error: beta must be >= 0";
-        if (alpha != std::floor(alpha)) return "Error: m must be an integer";
         return nullptr;
     }
 };
@@ -157,10 +174,10 @@ struct ChiSq : Gamma {
 
     explicit ChiSq(double nu_) : Gamma(0.5 * nu_, 2), nu(nu_) {}
     Message check() const {
-        if (!(nu > 0)) return "Error: nu must be a positive integer";
-        if (nu != std::floor(nu)) return "Error: nu must be a integer";
-        return nullptr;
+        if (const Message objection = check_range()) return objection;
+        return nu == std::floor(nu) ? nullptr : "Error: nu must be a integer";
     }
+    Message check_range() const { return nu > 0 ? nullptr : "Error: nu must be a positive integer"; }
 };
 
 /// z = (x/scale)^2/2.
@@ -176,6 +193,9 @@ struct HalfSquare {
     }
     double forward(double z) const { return scale * (std::sqrt(2.0) * std::sqrt(z)); }
     double log_slope(double x) const { return std::log(x) + (log_factor + numerics::kLn2); }
+    MeanAndLogs mean_of(const Sample& x) const {
+        return {x.root_mean_square(), x.log_below_root_mean_square()};
+    }
 };
 
 /// Degrees of freedom nu >= 1, an integer: the square root of ChiSq(nu).
@@ -184,10 +204,10 @@ struct Chi : OfGamma<HalfSquare> {
 
     explicit Chi(double nu_) : OfGamma{0.5 * nu_, HalfSquare(1)}, nu(nu_) {}
     Message check() const {
-        if (!(nu >= 1)) return "Error: nu must be >= 1";
-        if (nu != std::floor(nu)) return "Error: nu must be an integer";
-        return nullptr;
+        if (const Message objection = check_range()) return objection;
+        return nu == std::floor(nu) ? nullptr : "Error: nu must be an integer";
     }
+    Message check_range() const { return nu >= 1 ? nullptr : "Error: nu must be >= 1"; }
 };
 
 /// Scale A > 0: A times Chi(3), the speed of a gas molecule.
@@ -208,6 +228,7 @@ struct GammaReciprocal {
     numerics::DoubleDouble inverse(double x) const { return numerics::exact_quotient(scale, x); }
     double forward(double z) const { return scale / z; }
     double log_slope(double x) const { return log_factor - 2 * std::log(x); }
+    MeanAndLogs mean_of(const Sample& x) const { return {x.harmonic_mean(), x.log_below_harmonic_mean()}; }
 };
 
 /// Shape alpha > 0, scale beta > 0; support [0, inf): 1/X is Gamma(alpha, 1/beta).

@@ -31,9 +31,12 @@ struct NCChiSq : SearchedQuantile<NCChiSq> {
 
     NCChiSq(double nu_, double pnonc_) : nu(nu_), pnonc(pnonc_) {}
     Message check() const {
+        if (const Message objection = check_range()) return objection;
+        return nu == std::floor(nu) ? nullptr : "Error: nu must be an positive integer";
+    }
+    Message check_range() const {
         if (!(nu > 0)) return "Error: nu must be > 0";
         if (!(pnonc >= 0)) return "Error: PNONC must be >= 0";
-        if (nu != std::floor(nu)) return "Error: nu must be an positive integer";
         return nullptr;
     }
     Support support() const { return kPositiveReals; }

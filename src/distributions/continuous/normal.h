@@ -4,6 +4,7 @@
 #include <numbers>
 
 #include "distributions/adapters.h"
+#include "distributions/sample.h"
 #include "numerics/normal.h"
 #include "numerics/owens_t.h"
 
@@ -11,6 +12,7 @@ namespace pral {
 
 /// The standard normal distribution, for families that are made of it.
 struct StandardNormal {
+    static constexpr bool kUnitGaussian = true;
     Support support() const { return kReals; }
     double cumulative(double z) const { return numerics::normal_cumulative(z); }
     double survival(double z) const { return numerics::normal_survival(z); }
@@ -37,6 +39,9 @@ struct Normal {
     double log_cumulative(double x) const { return numerics::normal_log_cumulative((x - mu) / sigma); }
     double log_density(double x) const { return log_likelihood({&x, 1}); }
     double log_likelihood(std::span<const double> values) const;
+    double log_likelihood(const Sample& x) const {
+        return x.count() * (log_density(x.mean()) - 0.5 * (x.variance() / sigma / sigma));
+    }
 
     double quantile(double p) const { return mu + sigma * numerics::normal_quantile(p); }
     double quantile_upper(double q) const { return mu + sigma * numerics::normal_quantile_upper(q); }
@@ -81,6 +86,7 @@ struct Erf : LocationScale<StandardNormal> {
         if (!(h > 0)) return "Error: h must be > 0";
         return nullptr;
     }
+    double log_likelihood(const Sample& x) const { return x.count() * log_density(x.root_mean_square()); }
 };
 
 /// The equal mixture of Normal(0, wide^2) and Normal(0, narrow^2), wide^2 + narrow^2 = 2, of a given excess kurtosis.

@@ -17,6 +17,10 @@ struct Pareto : ShapeAndScale<StandardExponential> {
         return nullptr;
     }
     Support support() const { return {beta, numerics::kInfinity}; }
+    using ShapeAndScale::log_likelihood;
+    double log_likelihood(const Sample& x) const {
+        return x.count() * log_density(std::fmax(x.geometric_mean(), beta));
+    }
 };
 
 /// Map: x = b (e^(y/q) - 1).

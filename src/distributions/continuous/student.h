@@ -60,9 +60,13 @@ struct Student : ScaledStudent {
 
     explicit Student(double nu_) : ScaledStudent(0, 1, StandardStudent(nu_)), nu(nu_) {}
     Message check() const {
-        if (!(nu > 0 && nu == std::floor(nu))) return "Error: nu must be a positive integer";
-        return nullptr;
+        if (const Message objection = check_range()) return objection;
+        return nu == std::floor(nu) ? nullptr : kMessage;
     }
+    Message check_range() const { return nu > 0 ? nullptr : kMessage; }
+
+  private:
+    static constexpr Message kMessage = "Error: nu must be a positive integer";
 };
 
 /// Location mu, scale sigma >= 0, 0 being a point mass at mu, degrees of freedom nu >= 3, an integer: mu + sigma Student(nu).
@@ -71,10 +75,16 @@ struct Student3 : ScaledStudent {
 
     Student3(double mu, double sigma, double nu_) : ScaledStudent(mu, sigma, StandardStudent(nu_)), nu(nu_) {}
     Message check() const {
-        if (!(scale >= 0)) return "Error: sigma must be >= 0";
-        if (!(nu >= 3 && nu == std::floor(nu))) return "Error: nu must be a positive integer >=3";
-        return nullptr;
+        if (const Message objection = check_range()) return objection;
+        return nu == std::floor(nu) ? nullptr : kMessage;
     }
+    Message check_range() const {
+        if (!(scale >= 0)) return "Error: sigma must be >= 0";
+        return nu >= 3 ? nullptr : kMessage;
+    }
+
+  private:
+    static constexpr Message kMessage = "Error: nu must be a positive integer >=3";
 };
 
 }  // namespace pral

@@ -4,6 +4,7 @@
 
 #include "distributions/continuous/mode_percentiles.h"
 #include "distributions/continuous/trapezoid.h"
+#include "distributions/sample.h"
 
 namespace pral {
 
@@ -129,6 +130,9 @@ struct LogLevel : Trapezoid<LogAxis> {
 
     LogLevel(double min_, double max_)
         : Trapezoid({min_, min_, 1, 1, 0}, 1, {max_, max_, -1, 1, 0}), min(min_), max(max_) {}
+    double log_likelihood(const Sample& x) const {
+        return x.count() * log_density(std::clamp(x.geometric_mean(), min, max));
+    }
 };
 
 /// 0 < Min < Max; support [Min, Max]. F = ln(x/Min)/ln(Max/Min).

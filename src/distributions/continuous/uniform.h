@@ -1,7 +1,7 @@
 // The uniform distribution.
 #pragma once
 
-#include "distributions/family.h"
+#include "distributions/sample.h"
 
 namespace pral {
 
@@ -23,6 +23,7 @@ struct Uniform {
     double log_likelihood(std::span<const double> values) const {
         return -static_cast<double>(values.size()) * std::log(max - min);
     }
+    double log_likelihood(const Sample& x) const { return x.count() * log_density(x.mean()); }
 
     double quantile(double p) const { return min + (max - min) * p; }
     double quantile_upper(double q) const { return max - (max - min) * q; }

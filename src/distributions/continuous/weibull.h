@@ -40,6 +40,10 @@ struct Rayleigh : Weibull {
         if (!(b >= 0)) return "Error: b must be >= 0";
         return nullptr;
     }
+    using Weibull::log_likelihood;
+    double log_likelihood(const Sample& x) const {
+        return x.count() * (log_density(x.root_mean_square()) - x.log_below_root_mean_square());
+    }
 };
 
 }  // namespace pral

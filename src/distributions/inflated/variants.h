@@ -20,7 +20,8 @@ struct BetaGeometricChecks : BaseChecks {
     }
 };
 struct BetaNegBinChecks : BaseChecks {
-    static Message check(const BetaNegBin& base) {
+    template <class Base>
+    static Message check(const Base& base) {
         if (!(base.s > 0)) return "Error: s must be >0";
         if (!(base.a > 0)) return "Error: alpha must be > 0";
         if (!(base.b > 0)) return "Error: beta must be > 0";

@@ -1,0 +1,16 @@
+// Families with an integer parameter, between whose values a likelihood is maximised.
+#pragma once
+
+#include "distributions/family.h"
+
+namespace pral {
+
+/// The family without the check for an integer: its check_range() is all that is asked.
+template <Family D>
+struct RealCounts : D {
+    using D::D;
+    Message check() const { return D::check_range(); }
+    Message check_probability() const { return D::check_range(); }
+};
+
+}  // namespace pral

@@ -1,0 +1,234 @@
+// Start values of the families on the integers.
+#include "distributions/families.h"
+#include "distributions/real_counts.h"
+#include "fitting/starts.h"
+
+namespace pral::fitting {
+
+namespace {
+
+/// What the estimators know of a sample, or of the part of it that a zero-inflated or zero-truncated family leaves to its
+/// base family.
+struct CountMoments {
+    double mean, variance, zeros, max;
+    const double* first;  // a count that the caller has fixed, or null
+
+    /// The variance beyond the mean, as a Poisson sample has none, and at least a small part of it.
+    double excess() const { return std::fmax(variance - mean, 1e-3 * mean); }
+};
+using Places = std::vector<Parameters>;
+using CountEstimator = Places (*)(const CountMoments&);
+
+Places places_poisson(const CountMoments& m) { return {place({m.mean})}; }
+Places places_geometric(const CountMoments& m) { return {place({1 / (1 + m.mean)})}; }
+Places places_polya(const CountMoments& m) {
+    return {place({m.mean * m.mean / m.excess(), m.excess() / m.mean})};
+}
+Places places_neg_bin(const CountMoments& m) {
+    const double s = m.mean * m.mean / m.excess();
+    return {place({s, s / (s + m.mean)})};
+}
+/// Numbers of trials above the largest count: near to it, by the moments, many.
+Places places_binomial(const CountMoments& m) {
+    const double by_moments = m.mean * m.mean / std::fmax(m.mean - m.variance, 1e-3 * m.mean);
+    Places places;
+    for (const double n : {by_moments, m.max + 0.1, 2 * m.max + 1, 100 * m.max + 1}) {
+        const double trials = m.first != nullptr ? *m.first : std::fmax(n, m.max + 0.01);
+        places.push_back(place({trials, m.mean / trials}));
+    }
+    return places;
+}
+/// The moments of each number of trials, what would be negative set to a small number.
+Places places_beta_binomial(const CountMoments& m) {
+    Places places;
+    for (const double n : {m.max + 0.1, 1.2 * m.max + 1, 2 * m.max + 1, 10 * m.max + 1}) {
+        const double trials = m.first != nullptr ? *m.first : n, p = m.mean / trials;
+        const double ratio = m.variance / (trials * p * (1 - p));  // 1 + (n - 1)/(alpha + beta + 1)
+        const double sum = std::clamp((trials - ratio) / (ratio - 1), 0.1, 1e4);
+        places.push_back(place({trials, std::fmax(p * sum, 1e-3), std::fmax((1 - p) * sum, 1e-3)}));
+    }
+    return places;
+}
+/// The share of zeros is alpha/(alpha + beta); the variants want a beta above 2.
+Places places_beta_geometric(const CountMoments& m) {
+    Places places;
+    const double zeros = std::clamp(m.zeros, 0.02, 0.98);
+    for (const double alpha : {2.0, 0.6, 6.0, 50.0})
+        places.push_back(place({alpha, std::fmax(alpha * (1 - zeros) / zeros, 2.1)}));
+    return places;
+}
+/// The mean is s b/(a - 1).
+Places places_beta_neg_bin(const CountMoments& m) {
+    Places places;
+    for (const double s : {1.0, 3.0, 10.0, 40.0}) {
+        for (const double a : {1.2, 3.0, 10.0, 50.0}) places.push_back(place({s, a, m.mean * (a - 1) / s}));
+    }
+    return places;
+}
+Places places_logarithmic(const CountMoments& m) {
+    Places places;
+    for (const double part : {1.0, 3.0, 10.0, 30.0})
+        places.push_back(place({1 - 1 / (1 + part * (m.mean - 1))}));
+    return places;
+}
+
+Starts start_mean(const StartData& data) { return one({data.x.mean()}); }
+
+/// The families that begin at 0.
+template <CountEstimator estimator>
+Starts by_moments(const StartData& data) {
+    const Sample& x = data.x;
+    if (const Message objection = not_negative(x)) return objection;
+    Starts starts;
+    starts.places = estimator({x.mean(), x.variance(), x.share_of(0), x.max(), data.first});
+    return starts;
+}
+Starts start_logarithmic(const StartData& data) {
+    if (const Message objection = positive(data.x)) return objection;
+    return by_moments<places_logarithmic>(data);
+}
+
+/// The base family's estimate for each weight that is tried: between the share of what is not 0 and 1.
+template <CountEstimator estimator, int BaseParameters>
+Starts inflated(const StartData& data) {
+    const Sample& x = data.x;
+    const double zeros = x.share_of(0), mean = x.mean(), mean_square = x.variance() + mean * mean;
+    Starts starts;
+    for (const double part : {0.05, 0.3, 0.7, 0.95}) {
+        const double weight = std::clamp(1 - zeros * (1 - part), 1e-3, 1 - 1e-3), base_mean = mean / weight;
+        const CountMoments base = {base_mean, mean_square / weight - base_mean * base_mean,
+                                   zeros * part / weight, x.max(), data.first};
+        for (Parameters p : estimator(base)) {
+            p[BaseParameters] = weight;
+            starts.places.push_back(p);
+        }
+    }
+    return starts;
+}
+
+/// The base family's estimate for each share of zeros that may have been left out.
+template <CountEstimator estimator>
+Starts truncated(const StartData& data) {
+    const Sample& x = data.x;
+    if (const Message objection = positive(x)) return objection;
+    Starts starts;
+    for (const double zeros : {0.01, 0.2, 0.5, 0.8}) {
+        const double mean = x.mean() * (1 - zeros),
+                     mean_square = (x.variance() + x.mean() * x.mean()) * (1 - zeros);
+        const CountMoments base = {mean, mean_square - mean * mean, zeros, x.max(), data.first};
+        for (const Parameters& p : estimator(base)) starts.places.push_back(p);
+    }
+    return starts;
+}
+Starts start_zt_geometric(const StartData& data) {
+    if (const Message objection = positive(data.x)) return objection;
+    return one({1 / data.x.mean()});
+}
+
+constexpr ParameterNames kInflated1 = {"1", "pi"}, kInflated2 = {"1", "2", "pi"},
+                         kInflated3 = {"1", "2", "3", "pi"};
+constexpr Range kCount = kAboveMax;
+
+const FittedFamily kFamilies[] = {
+    fitted<Bernoulli, 1>(
+        {.name = "Bernoulli", .ranges = {kProbability}, .starts = start_mean, .closed_form = true}),
+    fitted<Poisson, 1>({.name = "Poisson", .ranges = {kPositive}, .starts = start_mean, .closed_form = true}),
+    fitted<Geometric, 1>({.name = "Geometric",
+                          .ranges = {kProbability},
+                          .starts = by_moments<places_geometric>,
+                          .closed_form = true}),
+    fitted<Logarithmic, 1>({.name = "Logarithmic", .ranges = {kProbability}, .starts = start_logarithmic}),
+    fitted<RealCounts<Binomial>, 2>({.name = "Binomial",
+                                     .ranges = {kCount, kProbability},
+                                     .starts = by_moments<places_binomial>,
+                                     .begins_with_count = true,
+                                     .rounding = {0}}),
+    fitted<RealCounts<BetaBinomial>, 3>({.name = "BetaBinomial",
+                                         .ranges = {kCount, kPositive, kPositive},
+                                         .starts = by_moments<places_beta_binomial>,
+                                         .begins_with_count = true,
+                                         .rounding = {0}}),
+    fitted<RealCounts<NegBin>, 2>({.name = "NegBin",
+                                   .ranges = {kPositive, kProbability},
+                                   .starts = by_moments<places_neg_bin>,
+                                   .rounding = {0}}),
+    fitted<Polya, 2>({.name = "Polya", .ranges = {kPositive, kPositive}, .starts = by_moments<places_polya>}),
+    fitted<BetaGeometric, 2>({.name = "BetaGeometric",
+                              .ranges = {kPositive, kPositive},
+                              .starts = by_moments<places_beta_geometric>}),
+    fitted<RealCounts<BetaNegBin>, 3>({.name = "BetaNegBin",
+                                       .ranges = {kPositive, kPositive, kPositive},
+                                       .starts = by_moments<places_beta_neg_bin>}),
+
+    fitted<ZIPoisson, 2>({.name = "ZIPoisson",
+                          .ranges = {kPositive, kProbability},
+                          .starts = inflated<places_poisson, 1>,
+                          .names = {"lambda", "pi"}}),
+    fitted<ZIGeometric, 2>({.name = "ZIGeometric",
+                            .ranges = {kProbability, kProbability},
+                            .starts = inflated<places_geometric, 1>,
+                            .names = kInflated1}),
+    fitted<ZILogarithmic, 2>({.name = "ZILogarithmic",
+                              .ranges = {kProbability, kProbability},
+                              .starts = inflated<places_logarithmic, 1>,
+                              .names = kInflated1}),
+    fitted<ZeroInflated<RealCounts<Binomial>>, 3>({.name = "ZIBinomial",
+                                                   .ranges = {kCount, kProbability, kProbability},
+                                                   .starts = inflated<places_binomial, 2>,
+                                                   .names = kInflated2,
+                                                   .begins_with_count = true}),
+    fitted<ZeroInflated<RealCounts<NegBin>, NegBinChecks>, 3>(
+        {.name = "ZINegBin",
+         .ranges = {kPositive, kProbability, kProbability},
+         .starts = inflated<places_neg_bin, 2>,
+         .names = kInflated2}),
+    fitted<ZIPolya, 3>({.name = "ZIPolya",
+                        .ranges = {kPositive, kPositive, kProbability},
+                        .starts = inflated<places_polya, 2>,
+                        .names = kInflated2}),
+    fitted<ZeroInflated<RealCounts<BetaBinomial>>, 4>({.name = "ZIBetaBinomial",
+                                                       .ranges = {kCount, kPositive, kPositive, kProbability},
+                                                       .starts = inflated<places_beta_binomial, 3>,
+                                                       .names = kInflated3,
+                                                       .begins_with_count = true,
+                                                       .rounding = {0}}),
+    fitted<ZIBetaGeometric, 3>({.name = "ZIBetaGeometric",
+                                .ranges = {kPositive, above(2), kProbability},
+                                .starts = inflated<places_beta_geometric, 2>,
+                                .names = kInflated2}),
+    fitted<ZeroInflated<RealCounts<BetaNegBin>, BetaNegBinChecks>, 4>(
+        {.name = "ZIBetaNegBin",
+         .ranges = {kPositive, kPositive, kPositive, kProbability},
+         .starts = inflated<places_beta_neg_bin, 3>,
+         .names = kInflated3}),
+
+    fitted<ZTPoisson, 1>({.name = "ZTPoisson", .ranges = {kPositive}, .starts = truncated<places_poisson>}),
+    fitted<ZTGeometric, 1>(
+        {.name = "ZTGeometric", .ranges = {kProbability}, .starts = start_zt_geometric, .closed_form = true}),
+    fitted<ZeroTruncated<RealCounts<Binomial>>, 2>({.name = "ZTBinomial",
+                                                    .ranges = {kCount, kProbability},
+                                                    .starts = truncated<places_binomial>,
+                                                    .begins_with_count = true}),
+    fitted<ZeroTruncated<RealCounts<NegBin>, NegBinChecks>, 2>(
+        {.name = "ZTNegBin", .ranges = {kPositive, kProbability}, .starts = truncated<places_neg_bin>}),
+    fitted<ZTPolya, 2>(
+        {.name = "ZTPolya", .ranges = {kPositive, kPositive}, .starts = truncated<places_polya>}),
+    fitted<ZeroTruncated<RealCounts<BetaBinomial>>, 3>({.name = "ZTBetaBinomial",
+                                                        .ranges = {kCount, kPositive, kPositive},
+                                                        .starts = truncated<places_beta_binomial>,
+                                                        .begins_with_count = true,
+                                                        .rounding = {0}}),
+    fitted<ZTBetaGeometric, 2>({.name = "ZTBetaGeometric",
+                                .ranges = {kPositive, above(2)},
+                                .starts = truncated<places_beta_geometric>}),
+    fitted<ZeroTruncated<RealCounts<BetaNegBin>, BetaNegBinChecks>, 3>(
+        {.name = "ZTBetaNegBin",
+         .ranges = {kPositive, kPositive, kPositive},
+         .starts = truncated<places_beta_neg_bin>}),
+};
+
+}  // namespace
+
+std::span<const FittedFamily> count_families() { return kFamilies; }
+
+}  // namespace pral::fitting

@@ -1,0 +1,218 @@
+// The exported entry points of the fits.
+#include <algorithm>
+#include <cstdio>
+#include <numeric>
+
+#include "boundary/call.h"
+#include "boundary/core_api.h"
+#include "distributions/families.h"
+#include "distributions/real_counts.h"
+#include "fitting/catalogue.h"
+#include "fitting/fit.h"
+
+namespace pral::fitting {
+
+namespace {
+
+/// The arguments that all entry points share.
+struct Data {
+    const double* data;
+    int n;
+    bool uncertainty;
+    double TruncMin, TruncMax;
+    const char* key;
+
+    bool check() const { return (data != nullptr && n > 0) || fail("Error: source array is not valid"); }
+    std::span<const double> values() const { return {data, static_cast<std::size_t>(n)}; }
+    FitRequest request() const {
+        FitRequest request;
+        request.uncertainty = uncertainty;
+        request.TruncMin = TruncMin;
+        request.TruncMax = TruncMax;
+        request.key = key;
+        return request;
+    }
+};
+
+bool is_set(const int* flag) { return flag != nullptr && *flag != 0; }
+
+bool fit_values(int code, double* out, int count, const Data& data, double U) {
+    return guarded(out, count, [&](int size) {
+        if (!data.check()) return false;
+        FitDescriptor descriptor(code);
+        return FitAndEvaluate(descriptor, {out, static_cast<std::size_t>(size)}, data.values(), U,
+                              data.request());
+    });
+}
+
+bool check_length(int given, int wanted) {
+    if (given == wanted) return true;
+    char message[128];
+    std::snprintf(message, sizeof message,
+                  "Error: Output array length(%d) must equal to number of distribution parameters(%d)", given,
+                  wanted);
+    return fail(message);
+}
+
+bool fit_parameters(int code, double* out, int length, const Data& data, double* shift) {
+    return guarded([&] {
+        FitDescriptor descriptor(code);
+        if (!check_length(length, descriptor.paramCount) || !pral::given({{"out", out}})) return false;
+        FitRequest request = data.request();
+        request.shift = shift;
+        const bool success = data.check() && FitDistribution(descriptor, data.values(), request);
+        std::copy_n(descriptor.params.begin(), length, out);
+        return success;
+    });
+}
+
+/// One value, whatever the length of the array.
+bool fit_values(int code, SAFEARRAY** out, const Data& data, double U) {
+    if (!data.check()) return false;
+    return with_locked_array(out, [&](double* locked, int elements) {
+        return elements > 0 ? fit_values(code, locked, 1, data, U) : fail(kOutputArrayMessage);
+    });
+}
+
+bool fit_parameters(int code, SAFEARRAY** out, const Data& data) {
+    if (!data.check()) return false;
+    return with_locked_array(out, [&](double* locked, int elements) {
+        return fit_parameters(code, locked, elements, data, nullptr);
+    });
+}
+
+/// The observations as a table of equal weights, or of the spacings of sorted uniforms.
+Discrete empirical(const Data& data) {
+    std::vector<double> weights(data.values().size(), 1.0);
+    if (data.uncertainty) {
+        random_stream().fill(std::span(weights).first(weights.size() - 1));
+        std::ranges::sort(weights);
+        std::adjacent_difference(weights.begin(), weights.end(), weights.begin());
+    }
+    return Discrete(data.data, data.n, weights.data(), data.n);
+}
+
+}  // namespace
+
+}  // namespace pral::fitting
+
+using namespace pral::fitting;
+
+#define PRAL_EXPORT_FIT_VALUES(X)                                                                          \
+    bool Pral##X##Fit_Core(double* out, const double* data, int n, int* uncertainty, double TruncMin,      \
+                           double TruncMax, double U, int count, const char* key, bool) {                  \
+        static const int code = code_of("Pral" #X);                                                        \
+        return fit_values(code, out, count, {data, n, is_set(uncertainty), TruncMin, TruncMax, key}, U);   \
+    }                                                                                                      \
+    bool Pral##X##FitVB_Core(SAFEARRAY** out, const double* data, int n, int uncertainty, double TruncMin, \
+                             double TruncMax, double U) {                                                  \
+        static const int code = code_of("Pral" #X);                                                        \
+        return fit_values(code, out, {data, n, uncertainty != 0, TruncMin, TruncMax, nullptr}, U);         \
+    }
+#define PRAL_EXPORT_FIT_PARAMETERS(X)                                                                     \
+    bool Pral##X##FitP_Core(double* out, int outLen, const double* data, int n, int* uncertainty,         \
+                            double TruncMin, double TruncMax, double* shift, int, int, const char* key,   \
+                            bool) {                                                                       \
+        static const int code = code_of("Pral" #X);                                                       \
+        return fit_parameters(code, out, outLen, {data, n, is_set(uncertainty), TruncMin, TruncMax, key}, \
+                              shift);                                                                     \
+    }
+#define PRAL_EXPORT_FIT_PARAMETERS_VB(X)                                                                    \
+    bool Pral##X##FitPVB_Core(SAFEARRAY** out, const double* data, int n, int uncertainty, double TruncMin, \
+                              double TruncMax) {                                                            \
+        static const int code = code_of("Pral" #X);                                                         \
+        return fit_parameters(code, out, {data, n, uncertainty != 0, TruncMin, TruncMax, nullptr});         \
+    }
+#define PRAL_EXPORT_FIT(X)        \
+    PRAL_EXPORT_FIT_VALUES(X)     \
+    PRAL_EXPORT_FIT_PARAMETERS(X) \
+    PRAL_EXPORT_FIT_PARAMETERS_VB(X)
+
+PRAL_FITTED_FAMILIES(PRAL_EXPORT_FIT)
+PRAL_EXPORT_FIT_VALUES(Uniform)
+PRAL_EXPORT_FIT_PARAMETERS(Uniform)
+PRAL_EXPORT_FIT_VALUES(Student3)
+PRAL_EXPORT_FIT_PARAMETERS_VB(Student3)
+
+bool PralFitLogLikelihood_Core(double* out, const char* distribution, const double* parameters, int count,
+                               const double* data, int n, double TruncMin, double TruncMax,
+                               const double* shift) {
+    return pral::guarded(out, 1, [&](int) {
+        if (!pral::given({{"distribution", distribution}, {"parameters", parameters}})) return false;
+        const int code = code_of("Pral" + std::string(distribution));
+        if (fitted_family(code) == nullptr)
+            return pral::fail("Error: there is no fit of " + std::string(distribution));
+        const Data given = {data, n, false, TruncMin, TruncMax, nullptr};
+        FitDescriptor descriptor(code);
+        if (!check_length(count, descriptor.paramCount) || !given.check()) return false;
+        std::copy_n(parameters, count, descriptor.params.begin());
+        *out =
+            FitLogLikelihood(descriptor, given.values(), TruncMin, TruncMax, shift != nullptr ? *shift : 0);
+        if (*out > -pral::numerics::kInfinity) *out *= pral::numerics::kLn10;
+        return true;
+    });
+}
+
+void PralSetFitTimeout(double seconds) { set_timeout(seconds); }
+
+bool PralDiscreteFit_Core(double* out, const double* data, int n, int* uncertainty, double TruncMin,
+                          double TruncMax, double U, int count, const char* key, bool) {
+    return pral::guarded(out, count, [&](int size) {
+        const Data given = {data, n, is_set(uncertainty), TruncMin, TruncMax, key};
+        if (!given.check() || !within_bounds(given.values(), given.request())) return false;
+        const Bounds bounds(TruncMin, TruncMax);
+        return pral::array_member({out, static_cast<std::size_t>(size)}, empirical(given),
+                                  bounds.modifiers(U == kNotGiven ? nullptr : &U));
+    });
+}
+
+namespace {
+
+bool empirical_probability(double* out, double* x, int count, const Data& data, const int* cumulative,
+                           const pral::Modifiers& modifiers, pral::Scale scale) {
+    return pral::guarded(out, 1, [&](int) {
+        return data.check() &&
+               pral::probability_member(out, x, count, empirical(data), cumulative, modifiers, scale);
+    });
+}
+
+}  // namespace
+
+bool PralDiscreteFitProb_Core(double* out, double* x, int count, const double* data, int n,
+                              const int* uncertainty, const int* cumulative, const int* boundsMode,
+                              const double* boundsMin, const double* boundsMax, const double* shift) {
+    return empirical_probability(out, x, count, {data, n, is_set(uncertainty), kNotGiven, kNotGiven, nullptr},
+                                 cumulative, {nullptr, boundsMode, boundsMin, boundsMax, shift},
+                                 pral::Scale::plain);
+}
+bool PralDiscreteFitProb10_Core(double* out, double* x, int count, const double* data, int n,
+                                const int* uncertainty, const int* cumulative, const int* boundsMode,
+                                const double* boundsMin, const double* boundsMax, const double* shift) {
+    return empirical_probability(out, x, count, {data, n, is_set(uncertainty), kNotGiven, kNotGiven, nullptr},
+                                 cumulative, {nullptr, boundsMode, boundsMin, boundsMax, shift},
+                                 pral::Scale::natural_log);
+}
+
+// The likelihoods whose integer parameters may be real numbers.
+#define PRAL_EXPORT_LIKELIHOOD(X, TYPE, PARAMETERS, ARGUMENTS)                                               \
+    bool Pral##X##Prob10_Core_for_fit(double* out, double* x, int count, PRAL_REMOVE_PARENTHESES PARAMETERS, \
+                                      const int* cumulative, const int* boundsMode, const double* boundsMin, \
+                                      const double* boundsMax, const double* shift) {                        \
+        return pral::guarded(out, 1, [&](int) {                                                              \
+            return pral::probability_member(out, x, count, TYPE ARGUMENTS, cumulative,                       \
+                                            {nullptr, boundsMode, boundsMin, boundsMax, shift},              \
+                                            pral::Scale::natural_log);                                       \
+        });                                                                                                  \
+    }
+
+PRAL_EXPORT_LIKELIHOOD(Erlang, pral::RealCounts<pral::Erlang>, (double m, double beta), (m, beta))
+PRAL_EXPORT_LIKELIHOOD(ChiSq, pral::RealCounts<pral::ChiSq>, (double nu), (nu))
+PRAL_EXPORT_LIKELIHOOD(Chi, pral::RealCounts<pral::Chi>, (double nu), (nu))
+PRAL_EXPORT_LIKELIHOOD(Student, pral::RealCounts<pral::Student>, (double nu), (nu))
+PRAL_EXPORT_LIKELIHOOD(Student3, pral::RealCounts<pral::Student3>, (double mu, double sigma, double nu),
+                       (mu, sigma, nu))
+PRAL_EXPORT_LIKELIHOOD(NCF, pral::NCF, (double nu1, double nu2, double ncp), (nu1, nu2, ncp))
+PRAL_EXPORT_LIKELIHOOD(Binomial, pral::RealCounts<pral::Binomial>, (double n, double p), (n, p))
+PRAL_EXPORT_LIKELIHOOD(NegBin, pral::RealCounts<pral::NegBin>, (double s, double p), (s, p))
+PRAL_EXPORT_LIKELIHOOD(BetaBinomial, pral::RealCounts<pral::BetaBinomial>,
+                       (double n, double alpha, double beta), (n, alpha, beta))

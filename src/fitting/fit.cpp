@@ -1,0 +1,329 @@
+#include "fitting/fit.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <optional>
+#include <stdexcept>
+
+#include "fitting/catalogue.h"
+#include "fitting/coordinates.h"
+#include "fitting/maximise.h"
+#include "fitting/result_cache.h"
+#include "statistics/moments.h"
+
+namespace pral::fitting {
+
+namespace {
+
+double timeout_seconds = 60;
+std::string message_of_last_failure;
+long evaluation_count = 0;
+ResultCache result_cache;
+
+bool valid(double value) { return std::fabs(value) < numerics::kInfinity; }
+
+bool fail_fit(const std::string& message) {
+    message_of_last_failure = message;
+    return fail(message);
+}
+
+double natural_log_likelihood(const FittedFamily& family, const Parameters& parameters, const Sample& x,
+                              const Bounds& bounds) {
+    ++evaluation_count;
+    const double log = family.log_likelihood(parameters.data(), x, bounds.modifiers());
+    return log > -numerics::kInfinity && log < numerics::kInfinity ? log : -HUGE_VAL;
+}
+
+/// Messages of the families with a search of their own begin with their names.
+std::string message(const FittedFamily& family, const char* text) {
+    return (family.own_search ? std::string(family.name) : "Error") + ": " + text;
+}
+
+/// One fit on its way from the data to the parameters.
+class Fit {
+  public:
+    Fit(FitDescriptor& descriptor, const FittedFamily& family, std::span<const double> data,
+        const FitRequest& request)
+        : descriptor_(descriptor),
+          family_(family),
+          request_(request),
+          x_(data),
+          bounds_(request.TruncMin, request.TruncMax),
+          deadline_(Deadline::in(timeout_seconds)) {}
+
+    bool operator()() {
+        if (given(request_.TruncMin) && x_.min() < request_.TruncMin)
+            return fail_fit(message(family_, "TruncData minimum must be <= min(data)"));
+        if (given(request_.TruncMax) && request_.TruncMax < x_.max())
+            return fail_fit(message(family_, "TruncData maximum must be >= max(data)"));
+        if (!EstimateStartParameters()) return false;
+        if (shifting()) choose_shift();
+        approach();
+        if (!(log_likelihood(descriptor_.params, x_) > -HUGE_VAL))
+            return fail_fit(family_.own_search ? message(family_, "Unable to perform the fit")
+                                               : "Error: Unable to perform a fit from selected data");
+        if (family_.sample_moments && !truncated() && !shifting()) {
+            descriptor_.params[0] = statistics::mean(x_.values());
+            if (x_.size() > 1) descriptor_.params[1] = std::sqrt(statistics::variance(x_.values()));
+        } else if (!family_.own_search && !MinimiseNegLogLikelihood()) {
+            return false;
+        }
+        RoundIntegerParameters();
+        if (shifting()) *request_.shift = shift(descriptor_.params);
+        return true;
+    }
+
+  private:
+    bool EstimateStartParameters();
+    bool check_start(const Coordinates& coordinates) const;
+    void choose_shift();
+    void climb(Parameters& place, const Sample& x);
+    void approach();
+    bool MinimiseNegLogLikelihood();
+    void RoundIntegerParameters();
+
+    bool truncated() const { return given(request_.TruncMin) || given(request_.TruncMax); }
+    bool shifting() const { return request_.shift != nullptr; }
+    std::size_t parameter_count() const { return static_cast<std::size_t>(descriptor_.paramCount); }
+    double& shift(Parameters& parameters) const { return parameters[parameter_count()]; }
+
+    /// How the parameters may move: the first not at all when the caller has fixed it.
+    std::vector<Range> ranges() const {
+        std::vector<Range> ranges(family_.ranges.begin(), family_.ranges.begin() + descriptor_.paramCount);
+        if (held_) ranges[0] = kHeld;
+        if (shifting()) ranges.push_back(kLocation);
+        return ranges;
+    }
+
+    /// The natural log-likelihood, of data less the shift where that is fitted.
+    double log_likelihood(const Parameters& parameters, const Sample& x) {
+        const double moved = shifting() ? parameters[parameter_count()] : 0;
+        return natural_log_likelihood(family_, parameters, moved == 0 ? x : Sample(less(x, moved)), bounds_);
+    }
+    /// The values less `moved`, valid until the next call.
+    std::span<const double> less(const Sample& x, double moved) {
+        moved_.assign(x.values().begin(), x.values().end());
+        for (double& value : moved_) value -= moved;
+        return moved_;
+    }
+
+    FitDescriptor& descriptor_;
+    const FittedFamily& family_;
+    const FitRequest& request_;
+    const Sample x_;
+    Bounds bounds_;
+    Deadline deadline_;
+    bool held_ = false;
+    std::vector<Parameters> places_;
+    std::vector<double> moved_;
+};
+
+/// The places where the search may begin; the first, checked, becomes the descriptor's parameters.
+bool Fit::EstimateStartParameters() {
+    std::optional<Sample> moved;
+    if (shifting() && !given(request_.TruncMin) && *request_.shift != 0)
+        moved.emplace(less(x_, *request_.shift));
+    const Sample& x = moved ? *moved : x_;
+    const double* first = nullptr;
+    if (family_.begins_with_count && request_.firstParameter != nullptr) {
+        held_ = given(*request_.firstParameter);
+        if (held_)
+            first = request_.firstParameter;
+        else
+            *request_.firstParameter = x.max();
+    }
+    Starts starts = std::isfinite(x.mean()) ? family_.starts({x, first}) : Starts{Parameters{numerics::kNaN}};
+    if (starts.objection != nullptr) return starts.objection[0] != '\0' && fail_fit(starts.objection);
+    if (starts.places.empty()) starts.places = {Parameters{numerics::kNaN}};
+    places_ = std::move(starts.places);
+    for (Parameters& place : places_) {
+        if (held_) place[0] = *first;
+        std::fill(place.begin() + descriptor_.paramCount, place.end(), -numerics::kInfinity);
+        if (shifting()) shift(place) = *request_.shift;
+    }
+    descriptor_.params = places_.front();
+    if (!check_start(Coordinates(ranges(), descriptor_.params, x))) return false;
+    if (request_.startValues != nullptr) {
+        std::copy_n(request_.startValues, parameter_count(), descriptor_.params.begin());
+        places_.insert(places_.begin(), descriptor_.params);
+    }
+    return true;
+}
+
+/// Reports the first start value that is no number or outside of its range.
+bool Fit::check_start(const Coordinates& coordinates) const {
+    const int outside = family_.closed_form ? -1 : coordinates.first_outside(descriptor_.params);
+    for (int i = 0; i < descriptor_.paramCount; ++i) {
+        const auto place = static_cast<std::size_t>(i);
+        if (valid(descriptor_.params[place]) && i != outside) continue;
+        if (family_.own_search) return fail_fit(message(family_, "Unable to perform the fit"));
+        if (family_.names[place] != nullptr)
+            return fail_fit(std::string("Error: Can't estimate {") + family_.names[place] +
+                            "} start parameter");
+        return fail_fit("Error: Unable to perform a fit because can't estimate (" + std::to_string(i + 1) +
+                        ") start parameter");
+    }
+    return true;
+}
+
+/// With a lower bound the shift starts so that the distribution begins just below it.
+void Fit::choose_shift() {
+    constexpr double kLowPercentile = 0.0001, kMargin = 0.01;
+    double low = 0, start = *request_.shift;
+    if (given(request_.TruncMin)) {
+        EvaluateFitted(descriptor_, {&low, 1}, &kLowPercentile, request_.TruncMin, request_.TruncMax);
+        start = low <= request_.TruncMin ? 0 : request_.TruncMin - low - kMargin;
+    }
+    for (Parameters& place : places_) shift(place) = start;
+    shift(descriptor_.params) = start;
+}
+
+/// Moves a place to the maximum of the likelihood of x that the family's coordinates lead to.
+void Fit::climb(Parameters& place, const Sample& x) {
+    const Coordinates coordinates(ranges(), place, x_);
+    const Objective objective = [&](std::span<const double> point) {
+        return log_likelihood(coordinates.parameters(point), x);
+    };
+    const Maximum found = maximise(objective, coordinates.point(place), deadline_);
+    if (found.value > log_likelihood(place, x)) place = coordinates.parameters(found.point);
+}
+
+/// Brings the start as near to the maximum as can be: the steps of the search itself suit parameters of order 1 only. The
+/// better places are climbed from, the best result remains. Of much data a part comes first.
+void Fit::approach() {
+    constexpr std::size_t kMany = 5000, kPart = 1500, kClimbs = 2;
+    const bool at_maximum = family_.closed_form && !truncated() && !shifting();
+    std::vector<double> part;
+    if (x_.size() > kMany && !at_maximum) {
+        for (std::size_t i = 0; i < x_.size(); i += x_.size() / kPart) part.push_back(x_.values()[i]);
+        part.insert(part.end(), {x_.min(), x_.max()});
+    }
+    const Sample first(part.empty() ? x_.values() : part);
+    const auto likelihood_of = [&](const Parameters& place) { return log_likelihood(place, first); };
+    if (places_.size() > 1) std::ranges::stable_sort(places_, std::greater<>(), likelihood_of);
+    if (places_.size() > kClimbs) places_.resize(kClimbs);
+    if (!at_maximum) {
+        for (Parameters& place : places_) climb(place, first);
+    }
+    descriptor_.params =
+        places_.size() > 1 ? *std::ranges::max_element(places_, {}, likelihood_of) : places_[0];
+    if (!part.empty()) climb(descriptor_.params, x_);
+}
+
+/// The search itself: Nelder and Mead's simplex over the parameters as they are, a held one and families' own searches
+/// excepted. Ending at the limit of iterations is no failure.
+bool Fit::MinimiseNegLogLikelihood() {
+    constexpr SimplexRules kRules = {0.1, 1e-5, 1000, false};
+    constexpr double kRefused = 1e100;
+    const std::size_t first = held_ ? 1 : 0, end = parameter_count() + (shifting() ? 1 : 0);
+    Point point(descriptor_.params.begin() + first, descriptor_.params.begin() + end);
+    if (point.empty()) return true;
+    Parameters parameters = descriptor_.params;
+    const Objective objective = [&](std::span<const double> coordinates) {
+        std::ranges::copy(coordinates, parameters.begin() + first);
+        const double log = log_likelihood(parameters, x_);
+        return log > -HUGE_VAL ? -log / numerics::kLn10 : kRefused;
+    };
+    if (minimise(objective, point, kRules, deadline_) == SimplexEnd::timeout) {
+        fail("Error: calculation aborted or timeout expired");
+        return fail_fit("Error: Unable to fit from selected data array");
+    }
+    std::ranges::copy(point, descriptor_.params.begin() + first);
+    return true;
+}
+
+/// After the search, and nothing is fitted again after it.
+void Fit::RoundIntegerParameters() {
+    const auto& [place, truncated, least] = family_.rounding;
+    if (place < 0) return;
+    double& parameter = descriptor_.params[static_cast<std::size_t>(place)];
+    parameter = std::fmax(truncated ? std::trunc(parameter) : std::floor(parameter + 0.5), least);
+}
+
+const FittedFamily& family_of(const FitDescriptor& descriptor) {
+    const FittedFamily* family = fitted_family(descriptor.code);
+    if (family == nullptr) throw std::invalid_argument(descriptor.name + " cannot be fitted");
+    return *family;
+}
+
+/// The parametric bootstrap: as many draws from the fitted distribution as there were data, fitted in their turn.
+bool replicate(FitDescriptor& descriptor, std::size_t count, const FitRequest& request) {
+    std::vector<double> draws(count);
+    if (!EvaluateFitted(descriptor, draws, nullptr, request.TruncMin, request.TruncMax)) return false;
+    if (request.shift != nullptr) {
+        for (double& value : draws) value += *request.shift;
+    }
+    const Parameters fitted_parameters = descriptor.params;
+    FitRequest again = request;
+    again.uncertainty = false;
+    again.startValues = fitted_parameters.data();
+    return FitDistribution(descriptor, draws, again);
+}
+
+}  // namespace
+
+FitDescriptor::FitDescriptor(int code_)
+    : paramCount(catalogue()[static_cast<std::size_t>(code_)].parameter_count),
+      name(catalogue()[static_cast<std::size_t>(code_)].name),
+      code(code_) {
+    clear();
+}
+
+bool FitDistribution(FitDescriptor& descriptor, std::span<const double> data, const FitRequest& request) {
+    const FittedFamily& family = family_of(descriptor);
+    if (data.empty()) return fail_fit("Error: source array is not valid");
+    // A fit with a shift and a replicate's are not kept: their parameters belong to more than the request tells.
+    const bool kept = request.shift == nullptr && request.startValues == nullptr;
+    const FitKey key = {request.key != nullptr ? request.key : descriptor.name,
+                        descriptor.code,
+                        request.uncertainty,
+                        request.TruncMin,
+                        request.TruncMax,
+                        request.firstParameter != nullptr ? *request.firstParameter : kNotGiven};
+    if (const Parameters* known = kept ? result_cache.find(key, data) : nullptr) {
+        descriptor.params = *known;
+    } else {
+        if (!Fit(descriptor, family, data, request)()) {
+            descriptor.clear();
+            return false;
+        }
+        if (kept) result_cache.store(key, data, descriptor.params);
+    }
+    return !request.uncertainty || replicate(descriptor, data.size(), request);
+}
+
+bool within_bounds(std::span<const double> data, const FitRequest& request) {
+    const Sample x(data);
+    return !(given(request.TruncMin) && x.min() < request.TruncMin) &&
+           !(given(request.TruncMax) && x.max() > request.TruncMax);
+}
+
+bool FitAndEvaluate(FitDescriptor& descriptor, std::span<double> out, std::span<const double> data, double U,
+                    const FitRequest& request) {
+    if (!within_bounds(data, request) || !FitDistribution(descriptor, data, request)) return false;
+    if (!EvaluateFitted(descriptor, out, U == kNotGiven ? nullptr : &U, request.TruncMin, request.TruncMax))
+        return false;
+    return out.empty() || valid(out.front());
+}
+
+double FitLogLikelihood(const FitDescriptor& descriptor, std::span<const double> data, double TruncMin,
+                        double TruncMax, double shift) {
+    std::vector<double> moved(data.begin(), data.end());
+    for (double& value : moved) value -= shift;
+    const double log = natural_log_likelihood(family_of(descriptor), descriptor.params, Sample(moved),
+                                              Bounds(TruncMin, TruncMax));
+    return numerics::finite_or_limit(log / numerics::kLn10);
+}
+
+bool EvaluateFitted(const FitDescriptor& descriptor, std::span<double> out, const double* U, double TruncMin,
+                    double TruncMax) {
+    return family_of(descriptor)
+        .values(out, descriptor.params.data(), Bounds(TruncMin, TruncMax).modifiers(U));
+}
+
+void set_timeout(double seconds) { timeout_seconds = std::fmax(seconds, 0); }
+const std::string& last_message() { return message_of_last_failure; }
+long evaluations() { return evaluation_count; }
+
+}  // namespace pral::fitting

@@ -1,0 +1,131 @@
+// What a fit needs of a family: its likelihood, its members, how its parameters may move and where to start.
+#pragma once
+
+#include <array>
+#include <cmath>
+#include <initializer_list>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "distributions/members.h"
+#include "distributions/sample.h"
+
+namespace pral::fitting {
+
+/// Slots of a descriptor; the families use at most four, a fitted shift the next.
+inline constexpr std::size_t kSlots = 10;
+using Parameters = std::array<double, kSlots>;
+
+/// Where a parameter may be, and by what measure it moves.
+struct Range {
+    enum class Kind {
+        location,   ///< any number, measured by the spread of the data to the given power
+        real,       ///< any number, of order 1
+        between,    ///< inside (lower, upper), either of which may be infinite
+        below_min,  ///< between `lower` and the smallest value of the data
+        above_max,  ///< above the largest
+        held,       ///< stays where the start has put it: the data determine it
+    };
+    Kind kind = Kind::held;
+    double lower = -HUGE_VAL, upper = HUGE_VAL;
+    double power = 1;
+};
+inline constexpr Range kLocation = {Range::Kind::location}, kReal = {Range::Kind::real},
+                       kBelowMin = {Range::Kind::below_min}, kAboveMax = {Range::Kind::above_max},
+                       kHeld = {Range::Kind::held};
+/// A location that cannot be negative.
+inline constexpr Range kPositiveBelowMin = {Range::Kind::below_min, 0};
+constexpr Range between(double lower, double upper) { return {Range::Kind::between, lower, upper}; }
+constexpr Range above(double lower) { return between(lower, HUGE_VAL); }
+inline constexpr Range kPositive = above(0), kProbability = between(0, 1);
+
+/// Where a search begins: one place or several, or the reason why there is none.
+struct Starts {
+    std::vector<Parameters> places;
+    Message objection = nullptr;
+
+    Starts() = default;
+    Starts(std::initializer_list<Parameters> all) : places(all) {}
+    Starts(Message why) : objection(why) {}
+};
+
+/// The estimator's view of a fit.
+struct StartData {
+    const Sample& x;
+    /// The first parameter where the caller has fixed it; families of counts build the others on it.
+    const double* first = nullptr;
+};
+
+/// The names of the messages "can't estimate ... start parameter", by place; null for the number.
+using ParameterNames = std::array<const char*, 4>;
+
+/// How an integer parameter leaves the search: rounded to the nearest or towards zero, and at least `least`.
+struct Rounding {
+    int place = -1;
+    bool truncated = false;
+    double least = -HUGE_VAL;
+};
+
+struct FittedFamily {
+    std::string_view name;
+    std::array<Range, 4> ranges = {};
+    Starts (*starts)(const StartData&);
+    /// The starts are the maximum of the likelihood, truncation apart.
+    bool closed_form = false;
+    ParameterNames names = {};
+    /// The first parameter is a count that the caller may fix.
+    bool begins_with_count = false;
+    /// Without truncation the fit is the mean and the standard deviation of the sample, divisor n - 1.
+    bool sample_moments = false;
+    /// No search over the parameters as they are, and messages that begin with the family's name.
+    bool own_search = false;
+    Rounding rounding = {};
+
+    int parameter_count = 0;
+    /// The natural log-likelihood of values within the bounds; -inf where parameters are refused.
+    double (*log_likelihood)(const double* parameters, const Sample&, const Modifiers&) = nullptr;
+    bool (*values)(std::span<double> out, const double* parameters, const Modifiers&) = nullptr;
+};
+
+namespace detail {
+
+template <class D, std::size_t... I>
+D made_of(const double* parameters, std::index_sequence<I...>) {
+    return D{parameters[I]...};
+}
+
+template <Family D, int N>
+struct Member {
+    static D of(const double* parameters) { return made_of<D>(parameters, std::make_index_sequence<N>()); }
+
+    static double log_likelihood(const double* parameters, const Sample& x, const Modifiers& given) {
+        const D d = of(parameters);
+        if (pral::check_probability(d) != nullptr) return -HUGE_VAL;
+        const Truncated<D> kept(d, true, given);
+        if (!kept.ordered() || x.min() < kept.lower()) return -HUGE_VAL;
+        return joint_density(x, x.min(), x.max(), kept, Scale::natural_log);
+    }
+    static bool values(std::span<double> out, const double* parameters, const Modifiers& given) {
+        return array_member(out, of(parameters), given);
+    }
+};
+
+}  // namespace detail
+
+/// What can be made of the family's type; the row adds the rest.
+template <Family D, int N>
+constexpr FittedFamily fitted(FittedFamily row) {
+    row.parameter_count = N;
+    row.log_likelihood = detail::Member<D, N>::log_likelihood;
+    row.values = detail::Member<D, N>::values;
+    return row;
+}
+
+/// The families by kin.
+std::span<const FittedFamily> symmetric_families();
+std::span<const FittedFamily> positive_families();
+std::span<const FittedFamily> bounded_families();
+std::span<const FittedFamily> count_families();
+
+}  // namespace pral::fitting

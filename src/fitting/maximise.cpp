@@ -1,0 +1,188 @@
+#include "fitting/maximise.h"
+
+#include <gsl/gsl_errno.h>
+#include <gsl/gsl_multimin.h>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+namespace pral::fitting {
+
+namespace {
+
+struct FreeMinimiser {
+    void operator()(gsl_multimin_fminimizer* minimiser) const { gsl_multimin_fminimizer_free(minimiser); }
+};
+
+/// For GSL, whose vectors of this file are contiguous.
+double call_objective(const gsl_vector* x, void* objective) {
+    return (*static_cast<const Objective*>(objective))({x->data, x->size});
+}
+
+}  // namespace
+
+Deadline Deadline::in(double seconds) {
+    constexpr double kLongest = 1e9;
+    const std::chrono::duration<double> wait(std::clamp(seconds, 0.0, kLongest));
+    return Deadline(Clock::now() + std::chrono::duration_cast<Clock::duration>(wait));
+}
+
+SimplexEnd minimise(const Objective& objective, Point& point, const SimplexRules& rules,
+                    const Deadline& deadline) {
+    const std::size_t dimension = point.size();
+    gsl_multimin_function function = {call_objective, dimension, const_cast<Objective*>(&objective)};
+    Point steps(dimension, rules.step);
+    const auto start = gsl_vector_view_array(point.data(), dimension);
+    const auto step = gsl_vector_view_array(steps.data(), dimension);
+    const auto* type =
+        rules.incremental ? gsl_multimin_fminimizer_nmsimplex2 : gsl_multimin_fminimizer_nmsimplex;
+    const std::unique_ptr<gsl_multimin_fminimizer, FreeMinimiser> minimiser(
+        gsl_multimin_fminimizer_alloc(type, dimension));
+    if (!minimiser) throw std::bad_alloc();
+    gsl_multimin_fminimizer_set(minimiser.get(), &function, &start.vector, &step.vector);
+    for (int iteration = 0; iteration < rules.most_iterations; ++iteration) {
+        if (deadline.passed()) return SimplexEnd::timeout;
+        if (gsl_multimin_fminimizer_iterate(minimiser.get()) != GSL_SUCCESS) break;
+        const double size = gsl_multimin_fminimizer_size(minimiser.get());
+        if (gsl_multimin_test_size(size, rules.tolerance) == GSL_SUCCESS) break;
+    }
+    for (std::size_t i = 0; i < dimension; ++i) point[i] = gsl_vector_get(minimiser->x, i);
+    return SimplexEnd::done;
+}
+
+namespace {
+
+constexpr std::size_t kMost = 6;
+using Row = std::array<double, kMost>;
+
+/// The value, gradient and Hessian of a function at a point.
+class LocalModel {
+  public:
+    LocalModel(const Objective& f, const Point& at, double value) : n_(at.size()) {
+        Point x = at;
+        Row above = {};
+        for (std::size_t i = 0; i < n_; ++i) {
+            x[i] = at[i] + kStep;
+            above[i] = f(x);
+            x[i] = at[i] - kStep;
+            const double below = f(x);
+            x[i] = at[i];
+            gradient_[i] = (above[i] - below) / (2 * kStep);
+            hessian_[i][i] = (above[i] - 2 * value + below) / (kStep * kStep);
+            valid_ = valid_ && std::isfinite(above[i]) && std::isfinite(below);
+        }
+        for (std::size_t i = 0; i < n_ && valid_; ++i) {
+            for (std::size_t j = 0; j < i; ++j) {
+                x[i] = at[i] + kStep;
+                x[j] = at[j] + kStep;
+                const double both = f(x);
+                x[i] = at[i];
+                x[j] = at[j];
+                hessian_[i][j] = hessian_[j][i] = (both - above[i] - above[j] + value) / (kStep * kStep);
+                valid_ = valid_ && std::isfinite(both);
+            }
+        }
+    }
+
+    bool valid() const { return valid_; }
+
+    /// The step to the maximum of the model whose Hessian's diagonal has been raised by (1 + damping); false when even that
+    /// is not negative definite. Cholesky's decomposition.
+    bool step(double damping, Row& step) const {
+        std::array<Row, kMost> l = {};
+        for (std::size_t i = 0; i < n_; ++i) {
+            for (std::size_t j = 0; j <= i; ++j) {
+                double sum = i == j ? -hessian_[i][i] + damping * std::fabs(hessian_[i][i]) : -hessian_[i][j];
+                for (std::size_t k = 0; k < j; ++k) sum -= l[i][k] * l[j][k];
+                if (i == j && !(sum > 1e-10 * std::fabs(hessian_[i][i]))) return false;
+                l[i][j] = i == j ? std::sqrt(sum) : sum / l[j][j];
+            }
+        }
+        step = gradient_;
+        for (std::size_t i = 0; i < n_; ++i) {
+            for (std::size_t k = 0; k < i; ++k) step[i] -= l[i][k] * step[k];
+            step[i] /= l[i][i];
+        }
+        for (std::size_t i = n_; i-- > 0;) {
+            for (std::size_t k = i + 1; k < n_; ++k) step[i] -= l[k][i] * step[k];
+            step[i] /= l[i][i];
+        }
+        return true;
+    }
+
+    double gain(const Row& step) const {
+        double sum = 0;
+        for (std::size_t i = 0; i < n_; ++i) sum += gradient_[i] * step[i];
+        return 0.5 * sum;
+    }
+
+  private:
+    static constexpr double kStep = 1e-3;
+    std::size_t n_;
+    bool valid_ = true;
+    Row gradient_ = {};
+    std::array<Row, kMost> hessian_ = {};
+};
+
+/// What is left to gain does not count.
+constexpr double kNegligible = 1e-8;
+
+/// One damped step upwards; false when none is found.
+bool climb(const Objective& objective, const LocalModel& model, Maximum& best, double& damping) {
+    constexpr double kFirstDamping = 1e-3, kMostDamping = 1e9, kLongestStep = 2;
+    for (; damping < kMostDamping; damping = std::max(kFirstDamping, 10 * damping)) {
+        Row step = {};
+        if (!model.step(damping, step)) continue;
+        Point next = best.point;
+        for (std::size_t i = 0; i < next.size(); ++i)
+            next[i] += std::clamp(step[i], -kLongestStep, kLongestStep);
+        const double value = objective(next);
+        if (!(value > best.value)) continue;
+        best = {next, value};
+        damping = damping > kFirstDamping ? 0.1 * damping : 0;
+        return true;
+    }
+    return false;
+}
+
+/// Newton's method from `best` upwards; whether it ends where the gradient vanishes.
+bool newton(const Objective& objective, Maximum& best, const Deadline& deadline) {
+    constexpr int kMostSteps = 60;
+    double damping = 0;
+    for (int i = 0; i < kMostSteps && !deadline.passed(); ++i) {
+        const LocalModel model(objective, best.point, best.value);
+        if (!model.valid()) return false;
+        Row full = {};
+        const bool concave = model.step(0, full);
+        if (concave && model.gain(full) < kNegligible) return true;
+        if (!climb(objective, model, best, damping)) return false;
+    }
+    return false;
+}
+
+}  // namespace
+
+Maximum maximise(const Objective& objective, const Point& start, const Deadline& deadline) {
+    Maximum best = {start, objective(start)};
+    if (start.empty() || start.size() > kMost || !std::isfinite(best.value)) return best;
+    constexpr int kMostRounds = 4;
+    constexpr double kWorthARound = 1e-5;
+    constexpr SimplexRules kSimplex = {0.25, 1e-4, 400, true};
+    constexpr double kRefused = 1e100;  // GSL's simplex takes no infinities
+    const Objective descent = [&](std::span<const double> x) {
+        const double value = objective(x);
+        return std::isfinite(value) ? -value : kRefused;
+    };
+    for (int round = 0; round < kMostRounds; ++round) {
+        const double before = best.value;
+        if (newton(objective, best, deadline)) return best;
+        Point point = best.point;
+        if (minimise(descent, point, kSimplex, deadline) == SimplexEnd::timeout) return best;
+        if (const double value = objective(point); value > best.value) best = {point, value};
+        if (round > 0 && best.value - before < kWorthARound) return best;
+    }
+    return best;
+}
+
+}  // namespace pral::fitting

@@ -1,0 +1,52 @@
+// Maximisation of a log-likelihood over a handful of coordinates.
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <functional>
+#include <span>
+#include <vector>
+
+namespace pral::fitting {
+
+/// When a calculation has to end.
+class Deadline {
+  public:
+    using Clock = std::chrono::steady_clock;
+    static Deadline in(double seconds);
+    bool passed() const { return Clock::now() >= end_; }
+
+  private:
+    explicit Deadline(Clock::time_point end) : end_(end) {}
+    Clock::time_point end_;
+};
+
+/// A function of the coordinates; -infinity or NaN where it has no value.
+using Objective = std::function<double(std::span<const double>)>;
+using Point = std::vector<double>;
+
+struct Maximum {
+    Point point;
+    double value;
+};
+
+/// How GSL's Nelder-Mead simplex searches.
+struct SimplexRules {
+    double step;       // of every coordinate, to the first vertices
+    double tolerance;  // of the simplex's size, absolute
+    int most_iterations;
+    bool incremental;  // nmsimplex2, otherwise nmsimplex
+};
+
+enum class SimplexEnd { done, timeout };
+
+/// Moves `point` to the lowest vertex that the simplex finds. Ends early, with what it has, when GSL reports an error.
+SimplexEnd minimise(const Objective& objective, Point& point, const SimplexRules& rules,
+                    const Deadline& deadline);
+
+/// A local maximum near `start`: Newton's method on central differences, damped after Levenberg and Marquardt, for
+/// coordinates of which a step of 1 is a large one; with Nelder-Mead where the function has no second derivatives. The
+/// value is within some 1e-7 of the maximum, unless the deadline comes first.
+Maximum maximise(const Objective& objective, const Point& start, const Deadline& deadline);
+
+}  // namespace pral::fitting

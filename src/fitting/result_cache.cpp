@@ -1,0 +1,49 @@
+#include "fitting/result_cache.h"
+
+#include <bit>
+#include <cstring>
+
+namespace pral::fitting {
+
+namespace {
+
+/// Numbers are compared by their bits: NaN equals itself.
+bool same(double a, double b) { return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b); }
+
+bool same(const FitKey& a, const FitKey& b) {
+    return a.code == b.code && a.uncertainty == b.uncertainty && same(a.TruncMin, b.TruncMin) &&
+           same(a.TruncMax, b.TruncMax) && same(a.first_parameter, b.first_parameter) && a.key == b.key;
+}
+
+std::uint64_t hash_of(std::span<const double> data) {
+    constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15u;
+    std::uint64_t hash = data.size();
+    for (const double x : data) hash = std::rotl((hash ^ std::bit_cast<std::uint64_t>(x)) * kOdd, 29);
+    return hash;
+}
+
+}  // namespace
+
+const Parameters* ResultCache::find(const FitKey& key, std::span<const double> data) const {
+    if (entries_.empty()) return nullptr;
+    const std::uint64_t hash = hash_of(data);
+    for (const Entry& entry : entries_) {
+        if (entry.hash == hash && entry.data.size() == data.size() && same(entry.key, key) &&
+            std::memcmp(entry.data.data(), data.data(), data.size_bytes()) == 0)
+            return &entry.parameters;
+    }
+    return nullptr;
+}
+
+void ResultCache::store(const FitKey& key, std::span<const double> data, const Parameters& parameters) {
+    constexpr std::size_t kMostEntries = 64, kMostValues = 4'000'000;
+    if (data.size() > kMostValues) return;
+    entries_.push_back({key, hash_of(data), {data.begin(), data.end()}, parameters});
+    values_ += data.size();
+    while (entries_.size() > kMostEntries || values_ > kMostValues) {
+        values_ -= entries_.front().data.size();
+        entries_.pop_front();
+    }
+}
+
+}  // namespace pral::fitting

@@ -1,0 +1,155 @@
+// Start values of the families on all real numbers.
+#include <numbers>
+
+#include "distributions/families.h"
+#include "distributions/real_counts.h"
+#include "fitting/starts.h"
+#include "numerics/constants.h"
+
+namespace pral::fitting {
+
+namespace {
+
+using std::numbers::sqrt2;
+
+/// A location and a scale by quantiles for each shape that is tried.
+template <class D>
+Starts by_quantiles(const Sample& x, std::initializer_list<double> shapes) {
+    Starts starts;
+    for (const double shape : shapes) {
+        const LocationAndScale fit(D{0, 1, shape}, x);
+        starts.places.push_back(place({fit.location, fit.scale, shape}));
+    }
+    return starts;
+}
+
+Starts start_normal(const StartData& data) { return one({data.x.mean(), data.x.deviation()}); }
+Starts start_erf(const StartData& data) { return one({1 / (sqrt2 * data.x.root_mean_square())}); }
+
+template <class D>
+Starts start_location_scale(const StartData& data) {
+    const LocationAndScale fit(D{0, 1}, data.x, 0.25);
+    return one({fit.location, fit.scale});
+}
+
+/// The median and the mean distance from it.
+Starts start_laplace(const StartData& data) {
+    const double median = data.x.quantile(0.5);
+    double sum = 0;
+    for (const double x : data.x.values()) sum += std::fabs(x - median);
+    return one({median, sqrt2 * sum / data.x.count()});
+}
+
+Starts start_error(const StartData& data) {
+    const Sample& x = data.x;
+    Starts starts;
+    for (const double nu : {2.0, 1.2, 0.7, 5.0})
+        starts.places.push_back(place({nu < 2 ? x.quantile(0.5) : x.mean(), x.deviation(), nu}));
+    return starts;
+}
+
+Starts start_gev(const StartData& data) {
+    return by_quantiles<GEV>(data.x, {0.01, 0.15, 0.5, 1, -0.15, -0.4});
+}
+Starts start_glogistic(const StartData& data) { return by_quantiles<GLogistic>(data.x, {1, 0.3, 3, 12}); }
+
+Starts start_normal_mix(const StartData& data) {
+    const double kurtosis = data.x.excess_kurtosis();
+    Starts starts;
+    for (const double k : {std::clamp(kurtosis, 0.1, 2.8), 0.3, 1.5, 2.7})
+        starts.places.push_back(place({data.x.mean(), data.x.deviation(), k}));
+    return starts;
+}
+
+/// The moments' skewness, of which the family reaches up to 0.995, and both signs of a slight one.
+Starts start_skew_normal(const StartData& data) {
+    if (data.x.size() < 3) return kSilent;
+    Starts starts;
+    const double skewness = std::clamp(data.x.skewness(), -0.95, 0.95);
+    for (const double s : {skewness, skewness > 0 ? 0.95 : -0.95, 0.02, -0.02}) {
+        const double r =
+            std::cbrt(2 * s / (4 - numerics::kPi));  // of the mean to the deviation, at location 0
+        const double delta = r * std::sqrt(numerics::kPi / 2) / std::sqrt(1 + r * r);
+        const double scale = data.x.deviation() * std::sqrt(1 + r * r);
+        starts.places.push_back(
+            place({data.x.mean() - data.x.deviation() * r, scale, delta / std::sqrt(1 - delta * delta)}));
+    }
+    return starts;
+}
+
+/// Degrees of freedom by a scan.
+Starts start_student(const StartData&) {
+    return {place({1}), place({3}), place({8}), place({30}), place({1000}), place({0.3})};
+}
+Starts start_student3(const StartData& data) {
+    return by_quantiles<RealCounts<Student3>>(data.x, {3.5, 6, 15, 100});
+}
+
+Starts start_johnson_u(const StartData& data) {
+    Starts starts;
+    for (const double alpha2 : {0.7, 1.3, 2.5, 6.0}) {
+        for (const double alpha1 : {0.0, -0.7 * alpha2, 0.7 * alpha2, -2 * alpha2, 2 * alpha2}) {
+            const LocationAndScale fit(JohnsonU{alpha1, alpha2, 1, 0}, data.x);
+            starts.places.push_back(place({alpha1, alpha2, fit.scale, fit.location}));
+        }
+    }
+    return starts;
+}
+
+constexpr std::array<Range, 4> kLocationScale = {kLocation, kPositive};
+constexpr ParameterNames kMoments = {"mu", "sigma", "nu"};
+
+const FittedFamily kFamilies[] = {
+    fitted<Normal, 2>({.name = "Normal",
+                       .ranges = kLocationScale,
+                       .starts = start_normal,
+                       .closed_form = true,
+                       .sample_moments = true}),
+    fitted<Erf, 1>({.name = "Erf", .ranges = {kPositive}, .starts = start_erf, .closed_form = true}),
+    fitted<Laplace, 2>(
+        {.name = "Laplace", .ranges = kLocationScale, .starts = start_laplace, .closed_form = true}),
+    fitted<Cauchy, 2>({.name = "Cauchy", .ranges = kLocationScale, .starts = start_location_scale<Cauchy>}),
+    fitted<Logistic, 2>(
+        {.name = "Logistic", .ranges = kLocationScale, .starts = start_location_scale<Logistic>}),
+    fitted<HS, 2>({.name = "HS", .ranges = kLocationScale, .starts = start_location_scale<HS>}),
+    fitted<Slash, 2>({.name = "Slash", .ranges = kLocationScale, .starts = start_location_scale<Slash>}),
+    fitted<ExtValueMax, 2>(
+        {.name = "ExtValueMax", .ranges = kLocationScale, .starts = start_location_scale<ExtValueMax>}),
+    fitted<ExtValueMin, 2>(
+        {.name = "ExtValueMin", .ranges = kLocationScale, .starts = start_location_scale<ExtValueMin>}),
+    fitted<GEV, 3>({.name = "GEV", .ranges = {kLocation, kPositive, kReal}, .starts = start_gev}),
+    fitted<GLogistic, 3>(
+        {.name = "GLogistic", .ranges = {kLocation, kPositive, kPositive}, .starts = start_glogistic}),
+    fitted<Error, 3>({.name = "Error",
+                      .ranges = {kLocation, kPositive, kPositive},
+                      .starts = start_error,
+                      .names = kMoments}),
+    fitted<NormalMix, 3>({.name = "NormalMix",
+                          .ranges = {kLocation, kPositive, between(0, 3)},
+                          .starts = start_normal_mix,
+                          .names = {"mu", "sigma"}}),
+    fitted<SkewNormal, 3>({.name = "SkewNormal",
+                           .ranges = {kLocation, kPositive, kReal},
+                           .starts = start_skew_normal,
+                           .names = {"mu", "sigma"}}),
+    fitted<RealCounts<Student>, 1>({.name = "Student",
+                                    .ranges = {kPositive},
+                                    .starts = start_student,
+                                    .names = {"nu"},
+                                    .rounding = {0}}),
+    fitted<RealCounts<Student3>, 3>({.name = "Student3",
+                                     .ranges = {kLocation, kPositive, above(3)},
+                                     .starts = start_student3,
+                                     .names = kMoments,
+                                     .rounding = {2}}),
+    fitted<JohnsonU, 4>({.name = "JohnsonU",
+                         .ranges = {kReal, kPositive, kPositive, kLocation},
+                         .starts = start_johnson_u,
+                         .own_search = true}),
+};
+
+}  // namespace
+
+std::span<const FittedFamily> symmetric_families() { return kFamilies; }
+
+}  // namespace pral::fitting
