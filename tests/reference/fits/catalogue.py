@@ -4,9 +4,9 @@ Coordinates, one for each parameter; the search starts at the true parameters, w
     +       positive, by its logarithm                 >1, >2   likewise above that bound
     01, 03  within (0,1) or (0,3), by its logit        r        any real shape; L a location, in units of the spread
     lo, hi  an end of the support beyond the data, by the logarithm of the distance
-A trailing # marks a count: real in the search, and once more with whole numbers only. The parameter sets are chosen such
-that the likelihood has a maximum inside its domain near the truth, also where it is unbounded elsewhere (an end of the
-support at the extreme observation and a shape below 1).
+A trailing # marks a count: real in the search, and once more with whole numbers only. The parameter sets are chosen
+such that the likelihood has a maximum inside its domain near the truth, also where it is unbounded elsewhere (an end of
+the support at the extreme observation and a shape below 1).
 """
 import numpy as np
 from scipy import stats
@@ -24,7 +24,8 @@ CONTINUOUS = {
     "Cauchy": (d.cauchy, "L +", [(0, 1), (-3e-6, 5e-7), (1e9, 2e9)]),
     "Chi": (d.chi, "+#", [(2,), (7,), (100,)]),
     "ChiSq": (lambda x, nu: d.gamma(x, nu / 2, 2), "+#", [(3,), (7,), (100,)]),
-    "Dagum": (lambda x, a, b, p: d.burr(x, 0, b, a, p), "+ + +", [(2, 3, 1.5), (1, 2e-6, 0.5), (4, 1e9, 0.3), (0.8, 1, 2)]),
+    "Dagum": (lambda x, a, b, p: d.burr(x, 0, b, a, p), "+ + +",
+              [(2, 3, 1.5), (1, 2e-6, 0.5), (4, 1e9, 0.3), (0.8, 1, 2)]),
     "Erf": (lambda x, h: d.normal(x, 0, 1 / (h * np.sqrt(2))), None, [(1,), (1e6,), (1e-9,)]),
     "Erlang": (d.gamma, "+# +", [(1, 3), (7, 5e-7), (50, 1e9)]),
     "Error": (d.exponential_power, "L + +", [(0, 1, 1.5), (3e9, 2e9, 4), (-1e-6, 5e-7, 2.5), (1, 2, 0.7)]),
@@ -79,7 +80,7 @@ CONTINUOUS = {
     "Weibull3": (d.weibull3, ">1 + lo", [(2.5, 3, 1), (3, 2e-6, 5e-6), (4, 1e9, 1e9)]),
 }
 
-# Base family: log-density, coordinates, parameter sets, those with a weight or a truncation at 0 (None: no such variant).
+# Base family: log-density, coordinates, parameter sets, those with a weight or a truncation at 0 (None: no variant).
 COUNTS = {
     "Bernoulli": (lambda x, p: d.binomial(x, 1, p), None, [(0.25,), (0.7,), (0.01,)], None, None),
     "BetaBinomial": (d.beta_binomial, "n# + +", [(10, 0.6, 0.8), (100, 0.5, 0.25), (300, 2, 1)],
@@ -93,8 +94,8 @@ COUNTS = {
     "BurntFingerPoisson": (d.burnt_finger, "+ +", [(2, 1), (0.8, 0.3), (6, 2)], None, None),
     "Delaporte": (d.delaporte, "+ + +", [(1, 4, 5), (0.5, 1.5, 1), (0.8, 60, 50)], [(1, 4, 5, 0.7), (0.6, 30, 20, 0.4)],
                   [(1, 4, 2), (0.8, 30, 10)]),
-    "Geometric": (lambda k, p: d.negative_binomial(k, 1, p), None, [(0.25,), (0.01,), (0.9,)], [(0.25, 0.3), (0.01, 0.8)],
-                  [(0.25,), (0.01,)]),
+    "Geometric": (lambda k, p: d.negative_binomial(k, 1, p), None, [(0.25,), (0.01,), (0.9,)],
+                  [(0.25, 0.3), (0.01, 0.8)], [(0.25,), (0.01,)]),
     "Logarithmic": (d.logarithmic, "01", [(0.5,), (0.125,), (0.99,)], [(0.5, 0.3), (0.99, 0.8)], None),
     "NegBin": (d.negative_binomial, "+# 01", [(3, 0.25), (1, 0.5), (20, 0.02)], [(3, 0.25, 0.4), (8, 0.05, 0.8)],
                [(3, 0.25), (20, 0.1)]),
@@ -121,11 +122,13 @@ TRUNCATED = {
     "Expon": ("+", lambda x, beta: stats.expon.cdf(x, scale=beta), [((2,), 1.0, 1e100), ((2e9,), 1e100, 4e9)]),
     "ExtValueMax": ("L +", stats.gumbel_r.cdf, [((3e-6, 2e-6), 2e-6, 1e-5)]),
     "Gamma": ("+ +", lambda x, a, b: stats.gamma.cdf(x, a, scale=b), [((2.5, 1), 1.0, 6.0), ((4, 1e9), 2e9, 1e100)]),
-    "LognormalE": ("r +", lambda x, mu, s: stats.norm.cdf(np.log(x), mu, s), [((0, 1), 0.5, 1e100), ((-14, 0.5), 4e-7, 2e-6)]),
+    "LognormalE": ("r +", lambda x, mu, s: stats.norm.cdf(np.log(x), mu, s),
+                   [((0, 1), 0.5, 1e100), ((-14, 0.5), 4e-7, 2e-6)]),
     "Logistic": ("L +", stats.logistic.cdf, [((0, 1), -1.0, 3.0)]),
     "Normal": ("L +", stats.norm.cdf, [((0, 1), -1.0, 2.0), ((3e9, 1e9), 2.5e9, 1e100), ((-1e-6, 5e-7), 1e100, -5e-7)]),
     "Pareto2": ("+ +", lambda x, b, q: stats.lomax.cdf(x, q, scale=b), [((1, 2), 0.25, 20.0)]),
-    "Weibull": ("+ +", lambda x, a, b: stats.weibull_min.cdf(x, a, scale=b), [((1.5, 2), 1.0, 1e100), ((3, 1e9), 1e100, 1.2e9)]),
+    "Weibull": ("+ +", lambda x, a, b: stats.weibull_min.cdf(x, a, scale=b),
+                [((1.5, 2), 1.0, 1e100), ((3, 1e9), 1e100, 1.2e9)]),
 }
 
 FAMILIES = CONTINUOUS | {name: told for base, entry in COUNTS.items() for name, told in variants(base, *entry)}
@@ -174,7 +177,7 @@ EXACT = {
 }
 
 
-# ---------------------------------------------------------------------------------- families searched by other parameters
+# ------------------------------------------------------------------------------ families searched by other parameters
 def triangle_mode(x, low, high):
     """For given ends the likelihood has its maxima over the mode at observations."""
     x = np.sort(x)
@@ -185,21 +188,22 @@ def triangle_mode(x, low, high):
 
 
 def power_center(x, nu):
-    """The center with the least sum of |x - center|^nu: an observation for nu < 1, where that is concave between them."""
+    """The center with the least sum of |x - center|^nu: an observation for nu < 1, when it is concave between them."""
     if nu < 1:
         candidates = np.sort(x)[len(x) // 2 - 60 : len(x) // 2 + 60]
         return candidates[np.argmin(np.sum(np.abs(x - candidates[:, None]) ** nu, axis=1))]
     low, high = np.percentile(x, (20, 80))
     center = (low + high) / 2
     cost = lambda t: np.mean(np.abs((x - center) / (high - low) - t) ** nu)
-    return center + (high - low) * minimize_scalar(cost, bounds=(-0.5, 0.5), method="bounded", options={"xatol": 1e-10}).x
+    found = minimize_scalar(cost, bounds=(-0.5, 0.5), method="bounded", options={"xatol": 1e-10})
+    return center + (high - low) * found.x
 
 
 def subjective(a, b, low, high):
     return low, low + (high - low) * (a - 1) / (a + b - 2), low + (high - low) * a / (a + b), high
 
 
-# Family: coordinates, the searched parameters at the truth, the family's own parameters from the data and the searched ones.
+# Family: coordinates, the searched parameters at the truth, the family's own ones from the data and the searched ones.
 VIA = {
     "BetaSubj": (">1 >1 lo hi", lambda low, mode, mean, high: (*d.subjective_shapes(low, mode, mean, high), low, high),
                  lambda x, *beta4: subjective(*beta4)),

@@ -14,8 +14,8 @@ def observations(file):
 
 
 def main():
-    lines = [line.rstrip("\n").split("\t") for line in open(os.path.join(HERE, "published.tsv")) if not line.startswith("#")]
-    for name, file, *told, source in lines[1:]:
+    lines = [line for line in open(os.path.join(HERE, "published.tsv")) if not line.startswith("#")]
+    for name, file, *told, source in (line.rstrip("\n").split("\t") for line in lines[1:]):
         x, (params, tolerances) = observations(file), ([float(p) for p in field.split(",")] for field in told[:2])
         with np.errstate(all="ignore"):
             found = best_fit(name, params, x, np.random.default_rng(1))[0]

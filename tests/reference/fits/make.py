@@ -74,6 +74,8 @@ class Coordinates:
 
 def search(cost, dimension, generator):
     """The best point, and how many of the starts led to it."""
+    if dimension == 0:
+        return (cost(()), ()), 1
     ends = []
     for spread in (0, 0.1, 0.3, 0.3, 0.6, 1):
         t = generator.normal(size=dimension) * spread
@@ -117,8 +119,7 @@ def maximum(density, kinds, start, x, generator, own=lambda x, *searched: search
     for i in np.flatnonzero(coordinates.whole):
         least = coordinates.high if coordinates.kinds[i] == "n" else 1
         wholes = {max(np.floor(best[i]) + step, least) for step in (-1, 0, 1, 2)}
-        fits = [(search(lambda u: cost(u, {i: k}), len(t) - 1, generator)[0] if len(t) > 1 else (cost((), {i: k}), ()), k)
-                for k in wholes]
+        fits = [(search(lambda u: cost(u, {i: k}), len(t) - 1, generator)[0], k) for k in wholes]
         (_, u), k = min(fits)
         whole = own(x, *coordinates(u, {i: k}))
     return own(x, *best), whole, remark
