@@ -155,8 +155,8 @@ TriangleLikelihood::Triangle best_triangle(const Sample& x) {
     constexpr double kSeconds = 10;
     TriangleLikelihood likelihood(x);
     const Objective objective = [&](std::span<const double> point) { return likelihood(point); };
-    Maximum best = {{}, -HUGE_VAL};
     constexpr double kNear = -3, kAtTheData = -30;  // the mode may be the end itself
+    Maximum best = {{kNear, kNear}, -HUGE_VAL};
     for (const Point& start : {Point{kNear, kNear}, {kAtTheData, kNear}, {kNear, kAtTheData}}) {
         const Maximum found = maximise(objective, start, Deadline::in(kSeconds));
         if (found.value > best.value) best = found;

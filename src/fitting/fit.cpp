@@ -60,14 +60,15 @@ class Fit {
         if (!EstimateStartParameters()) return false;
         if (shifting()) choose_shift();
         approach();
-        if (!(log_likelihood(descriptor_.params, x_) > -HUGE_VAL))
-            return fail_fit(family_.own_search ? message(family_, "Unable to perform the fit")
-                                               : "Error: Unable to perform a fit from selected data");
+        if (!(log_likelihood(descriptor_.params, x_) > -HUGE_VAL)) return fail_without_likelihood();
         if (family_.sample_moments && !truncated() && !shifting()) {
             descriptor_.params[0] = statistics::mean(x_.values());
             if (x_.size() > 1) descriptor_.params[1] = std::sqrt(statistics::variance(x_.values()));
         } else if (!family_.own_search && !MinimiseNegLogLikelihood()) {
             return false;
+        }
+        for (std::size_t i = 0; i < parameter_count(); ++i) {
+            if (!valid(descriptor_.params[i])) return fail_without_likelihood();
         }
         RoundIntegerParameters();
         if (shifting()) *request_.shift = shift(descriptor_.params);
@@ -83,6 +84,10 @@ class Fit {
     bool MinimiseNegLogLikelihood();
     void RoundIntegerParameters();
 
+    bool fail_without_likelihood() const {
+        return fail_fit(family_.own_search ? message(family_, "Unable to perform the fit")
+                                           : "Error: Unable to perform a fit from selected data");
+    }
     bool truncated() const { return given(request_.TruncMin) || given(request_.TruncMax); }
     bool shifting() const { return request_.shift != nullptr; }
     std::size_t parameter_count() const { return static_cast<std::size_t>(descriptor_.paramCount); }
@@ -182,10 +187,16 @@ void Fit::choose_shift() {
 /// Moves a place to the maximum of the likelihood of x that the family's coordinates lead to.
 void Fit::climb(Parameters& place, const Sample& x) {
     const Coordinates coordinates(ranges(), place, x_);
+    // Where the likelihood grows without end, as it may for few data, it is not followed beyond these coordinates.
+    constexpr double kFar = 35;
+    const Point start = coordinates.point(place);
     const Objective objective = [&](std::span<const double> point) {
+        for (std::size_t i = 0; i < point.size(); ++i) {
+            if (!(std::fabs(point[i] - start[i]) < kFar)) return -HUGE_VAL;
+        }
         return log_likelihood(coordinates.parameters(point), x);
     };
-    const Maximum found = maximise(objective, coordinates.point(place), deadline_);
+    const Maximum found = maximise(objective, start, deadline_);
     if (found.value > log_likelihood(place, x)) place = coordinates.parameters(found.point);
 }
 

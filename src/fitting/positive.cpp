@@ -17,10 +17,13 @@ double gamma_shape(double s) { return (3 - s + std::sqrt((s - 3) * (s - 3) + 24 
 
 Starts start_mean(const StartData& data) { return one({data.x.mean()}); }
 
+Parameters gamma_place(const Sample& x) {
+    const double shape = gamma_shape(x.log_below_mean());
+    return place({shape, x.mean() / shape});
+}
 Starts start_gamma(const StartData& data) {
     if (const Message objection = positive(data.x)) return objection;
-    const double shape = gamma_shape(data.x.log_below_mean());
-    return one({shape, data.x.mean() / shape});
+    return {gamma_place(data.x)};
 }
 /// The reciprocals are gamma variables.
 Starts start_pearson5(const StartData& data) {
@@ -65,16 +68,20 @@ Starts start_lognormal_b(const StartData& data) {
 }
 
 /// By the mean and deviation of ln x, which for a shape of 1 and a scale of 1 are `mean` and `deviation`.
-Starts by_logarithms(const Sample& x, double mean, double deviation) {
-    if (const Message objection = positive(x)) return objection;
+Parameters place_by_logarithms(const Sample& x, double mean, double deviation) {
     const double shape = deviation / std::sqrt(x.variance_log());
-    return one({shape, std::exp(x.mean_log() - mean / shape)});
+    return place({shape, std::exp(x.mean_log() - mean / shape)});
+}
+Parameters weibull_place(const Sample& x) {
+    return place_by_logarithms(x, -numerics::kEuler, numerics::kPi / std::sqrt(6.0));
 }
 Starts start_weibull(const StartData& data) {
-    return by_logarithms(data.x, -numerics::kEuler, numerics::kPi / std::sqrt(6.0));
+    if (const Message objection = positive(data.x)) return objection;
+    return {weibull_place(data.x)};
 }
 Starts start_log_logistic(const StartData& data) {
-    return by_logarithms(data.x, 0, numerics::kPi / std::sqrt(3.0));
+    if (const Message objection = positive(data.x)) return objection;
+    return {place_by_logarithms(data.x, 0, numerics::kPi / std::sqrt(3.0))};
 }
 
 /// At the smallest value, with the rate of the logarithms above it.
@@ -138,7 +145,7 @@ Starts start_weibull3(const StartData& data) {
     for (const double part : {0.98, 0.9, 0.5, 0.05}) {
         const double origin = part * data.x.min();
         const std::vector<double> above = moved(data.x, origin);
-        const Parameters p = start_weibull({Sample(above)}).places[0];
+        const Parameters p = weibull_place(Sample(above));
         starts.places.push_back(place({p[0], p[1], origin}));
     }
     return starts;
@@ -159,7 +166,7 @@ Starts start_log_gamma(const StartData& data) {
     return at_origins(data.x, [](double origin, const Sample& above) {
         const std::vector<double> raised = moved(above, -1);
         const std::vector<double> logs = logarithms(Sample(raised));
-        const Parameters p = start_gamma({Sample(logs)}).places[0];
+        const Parameters p = gamma_place(Sample(logs));
         return one({p[0], p[1], origin});
     });
 }

@@ -1,0 +1,271 @@
+// Fits against the best log-likelihoods that an independent optimiser finds, and against fits that others have told.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+#include <fstream>
+#include <numeric>
+#include <set>
+#include <utility>
+
+#include "boundary/core_api.h"
+#include "fitting/catalogue.h"
+#include "fitting/fit.h"
+#include "support/table.h"
+
+namespace {
+
+using namespace pral::fitting;
+using pral::test::number;
+using Values = std::vector<double>;
+
+/// Numbers between commas.
+Values list_of(std::string text) {
+    std::ranges::replace(text, ',', ' ');
+    return pral::test::numbers(text);
+}
+
+/// The cells of a table by the names in its first row.
+class Row {
+  public:
+    Row(const std::vector<std::string>& names, const std::vector<std::string>& cells)
+        : names_(names), cells_(cells) {}
+    std::string operator[](const std::string& name) const {
+        const auto at = static_cast<std::size_t>(std::ranges::find(names_, name) - names_.begin());
+        return at < cells_.size() ? cells_[at] : "";
+    }
+    double number(const std::string& name) const { return std::strtod((*this)[name].c_str(), nullptr); }
+
+  private:
+    const std::vector<std::string>&names_, &cells_;
+};
+
+template <class Check>
+void for_each_row(const char* path, Check check) {
+    const auto rows = pral::test::table(path);
+    for (std::size_t i = 1; i < rows.size(); ++i) check(Row(rows[0], rows[i]));
+}
+
+FitDescriptor descriptor_of(const std::string& family, const Values& parameters = {}) {
+    FitDescriptor descriptor(code_of("Pral" + family));
+    std::ranges::copy(parameters, descriptor.params.begin());
+    return descriptor;
+}
+
+/// n values of the distribution, drawn from a fresh stream.
+Values drawn(const FitDescriptor& descriptor, std::size_t n, unsigned seed, const FitRequest& bounds = {}) {
+    Values x(n);
+    PralSetRandomSeed(seed);
+    EXPECT_TRUE(EvaluateFitted(descriptor, x, nullptr, bounds.TruncMin, bounds.TruncMax)) << PralCoreError();
+    return x;
+}
+
+double natural_log_likelihood(const FitDescriptor& descriptor, const Values& x,
+                              const FitRequest& bounds = {}) {
+    return FitLogLikelihood(descriptor, x, bounds.TruncMin, bounds.TruncMax) * std::log(10.0);
+}
+
+/// Fits the row's observations; their likelihood is to be the best. Where a parameter has been rounded, the search is judged by
+/// what it must have found before: the rounded best.
+void check_fit(const Row& row, const FitRequest& request) {
+    const std::string label = row["family"] + " " + row["params"];
+    const FitDescriptor truth = descriptor_of(row["family"], list_of(row["params"]));
+    const Values x = drawn(truth, static_cast<std::size_t>(row.number("count")),
+                           static_cast<unsigned>(row.number("seed")), request);
+    EXPECT_NEAR(natural_log_likelihood(truth, x, request), row.number("true_log_likelihood"),
+                1e-9 * std::fabs(row.number("true_log_likelihood")) + 1e-5)
+        << label;
+    FitDescriptor fit = descriptor_of(row["family"]);
+    ASSERT_TRUE(FitDistribution(fit, x, request)) << label << ": " << PralCoreError();
+    const int rounded = fitted_family(fit.code)->rounding.place;
+    if (rounded >= 0) {
+        const Values best = list_of(row["best_params"]);
+        const auto place = static_cast<std::size_t>(rounded);
+        for (std::size_t i = 0; i < best.size(); ++i)
+            EXPECT_NEAR(fit.params[i], best[i], i == place ? 1 : 2e-3 * std::fabs(best[i]))
+                << label << " " << i;
+        EXPECT_EQ(fit.params[place], std::round(fit.params[place])) << label;
+        std::copy(best.begin(), best.end(), fit.params.begin());
+    }
+    const double found = natural_log_likelihood(fit, x, request);
+    EXPECT_GE(found, row.number("true_log_likelihood")) << label;
+    EXPECT_GE(found, row.number("best_log_likelihood") - 0.01) << label;
+}
+
+TEST(Fits, FindTheGreatestLikelihood) {
+    std::set<std::string> families;
+    for_each_row("reference/fits/values.tsv", [&](const Row& row) {
+        check_fit(row, {});
+        families.insert(row["family"]);
+    });
+    for (int code = 0; code < static_cast<int>(catalogue().size()); ++code) {
+        if (const FittedFamily* family = fitted_family(code)) {
+            EXPECT_EQ(family->parameter_count, catalogue()[static_cast<std::size_t>(code)].parameter_count)
+                << family->name;
+            EXPECT_TRUE(families.contains(std::string(family->name))) << family->name << " has no row";
+        }
+    }
+}
+
+TEST(Fits, FindTheGreatestLikelihoodOfTruncatedData) {
+    for_each_row("reference/fits/truncated.tsv", [&](const Row& row) {
+        FitRequest request;
+        request.TruncMin = row.number("trunc_min");
+        request.TruncMax = row.number("trunc_max");
+        check_fit(row, request);
+    });
+}
+
+Values first_column(const std::string& path) {
+    std::ifstream file(path);
+    EXPECT_TRUE(file) << path;
+    Values values;
+    bool header = true;
+    for (std::string line; std::getline(file, line);) {
+        if (line[0] == '#' || std::exchange(header, header && line[0] == '#')) continue;
+        values.push_back(std::strtod(line.c_str(), nullptr));
+    }
+    return values;
+}
+
+TEST(Fits, AgreeWithThoseThatOthersTold) {
+    for_each_row("reference/fits/published.tsv", [](const Row& row) {
+        const Values x = first_column("reference/fits/" + row["data"]);
+        const Values told = list_of(row["params"]), tolerances = list_of(row["tolerances"]);
+        FitDescriptor fit = descriptor_of(row["family"]);
+        ASSERT_TRUE(FitDistribution(fit, x, {})) << row["family"] << ": " << PralCoreError();
+        for (std::size_t i = 0; i < told.size(); ++i)
+            EXPECT_NEAR(fit.params[i], told[i], tolerances[i])
+                << row["family"] << " " << row["data"] << " " << i;
+        if (row["log_likelihood"] != "-") {
+            EXPECT_NEAR(natural_log_likelihood(fit, x), row.number("log_likelihood"),
+                        row.number("log_likelihood_tolerance"))
+                << row["family"] << " " << row["data"];
+        }
+    });
+}
+
+/// Every family meets data that it cannot have, or can hardly: a message or a fit, soon, and no parameters after failure.
+TEST(Fits, EndForAnyData) {
+    const double kNaN = std::nan(""), kInf = HUGE_VAL;
+    const std::vector<Values> samples = {{5},
+                                         {0},
+                                         {-3},
+                                         {0, 0, 0},
+                                         {2, 2, 2, 2},
+                                         {1, 2},
+                                         {0, 1},
+                                         {-1, 4},
+                                         {0.25, 0.75},
+                                         {kNaN, 1, 2},
+                                         {1, kInf, 3},
+                                         {1e300, 2e300},
+                                         {5e-324, 1e-300, 3e-310},
+                                         {-1e308, 1e308},
+                                         {1, 1, 1, 7},
+                                         {0.1, 0.2, 1e9},
+                                         {1e15, 1e15 + 1, 1e15 + 4},
+                                         {0, 3, 0, 12, 1, 0, 5}};
+    PralSetFitTimeout(5);
+    for (const CatalogueRow& row : catalogue()) {
+        FitDescriptor fit(code_of(row.name));
+        if (fitted_family(fit.code) == nullptr) continue;
+        for (const Values& x : samples) {
+            fit.clear();
+            PralSetCoreError("");
+            const bool success = FitDistribution(fit, x, {});
+            const bool silent = std::string(row.name) == "PralSkewNormal" && x.size() < 3;
+            EXPECT_TRUE(success || silent || PralCoreError()[0] != '\0') << row.name;
+            for (int i = 0; i < row.parameter_count; ++i) {
+                const double p = fit.params[static_cast<std::size_t>(i)];
+                EXPECT_TRUE(success ? std::fabs(p) < DBL_MAX : p == -DBL_MAX)
+                    << row.name << " of " << x[0] << ", ...";
+            }
+        }
+    }
+    PralSetFitTimeout(60);
+}
+
+/// Replicates scatter about the fit as the estimator does: by sigma/sqrt(n) for a mean, whatever the scale of the data.
+TEST(Fits, ReplicatesScatterAsTheEstimatorDoes) {
+    for (const double scale : {1.0, 1e-6, 1e6}) {
+        const std::size_t n = 400;
+        const Values x = drawn(descriptor_of("Logistic", {0, scale}), n, 11);
+        FitDescriptor fit = descriptor_of("Logistic");
+        ASSERT_TRUE(FitDistribution(fit, x, {}));
+        FitRequest request;
+        request.uncertainty = true;
+        const int kReplicates = 200;
+        double sum = 0, squares = 0;
+        for (int i = 0; i < kReplicates; ++i) {
+            FitDescriptor replicate = descriptor_of("Logistic");
+            ASSERT_TRUE(FitDistribution(replicate, x, request));
+            const double z =
+                (replicate.params[0] - fit.params[0]) / (scale * std::sqrt(3.0 / static_cast<double>(n)));
+            sum += z;
+            squares += z * z;
+        }
+        EXPECT_NEAR(sum / kReplicates, 0, 4 / std::sqrt(kReplicates)) << scale;  // four standard deviations
+        EXPECT_NEAR(squares / kReplicates, 1, 4 * std::sqrt(2.0 / kReplicates)) << scale;
+    }
+}
+
+TEST(Fits, HoldTheCountThatTheCallerGives) {
+    const Values x = drawn(descriptor_of("BetaBinomial", {20, 2, 3}), 500, 3);
+    double count = 30;
+    FitRequest request;
+    request.firstParameter = &count;
+    FitDescriptor fit = descriptor_of("BetaBinomial");
+    ASSERT_TRUE(FitDistribution(fit, x, request));
+    EXPECT_EQ(fit.params[0], 30);
+    const double found = natural_log_likelihood(fit, x);
+    for (const double factor : {0.99, 1.01}) {
+        for (const std::size_t i : {1, 2}) {
+            FitDescriptor other = fit;
+            other.params[i] *= factor;
+            EXPECT_LT(natural_log_likelihood(other, x), found) << i;
+        }
+    }
+    count = kNotGiven;
+    ASSERT_TRUE(FitDistribution(fit, x, request));
+    EXPECT_EQ(count, *std::ranges::max_element(x));
+}
+
+/// Data moved by a known amount: the shift and the other parameters take it up.
+TEST(Fits, FindTheShift) {
+    Values x = drawn(descriptor_of("Gamma", {3, 2}), 2000, 5);
+    for (double& value : x) value -= 100;
+    double shift = -101;
+    FitRequest request;
+    request.shift = &shift;
+    FitDescriptor fit = descriptor_of("Gamma");
+    ASSERT_TRUE(FitDistribution(fit, x, request)) << PralCoreError();
+    EXPECT_NEAR(shift, -100, 0.3);
+    EXPECT_NEAR(fit.params[0] * fit.params[1] + shift, std::reduce(x.begin(), x.end()) / 2000, 0.02);
+    EXPECT_GT(FitLogLikelihood(fit, x, kNotGiven, kNotGiven, shift),
+              FitLogLikelihood(descriptor_of("Gamma", {3, 2}), x, kNotGiven, kNotGiven, -100));
+}
+
+TEST(Fits, AreRememberedAndFoundAgain) {
+    Values x = drawn(descriptor_of("Weibull", {2, 3}), 300, 9);
+    FitDescriptor first = descriptor_of("Weibull"), second = first;
+    ASSERT_TRUE(FitDistribution(first, x, {}));
+    const long before = evaluations();
+    ASSERT_TRUE(FitDistribution(second, x, {}));
+    EXPECT_EQ(evaluations(), before);
+    EXPECT_EQ(first.params, second.params);
+    for (const auto change :
+         {+[](FitRequest& r) { r.TruncMin = 0; }, +[](FitRequest& r) { r.key = "Sheet1!A1"; }}) {
+        FitRequest request;
+        change(request);
+        const long so_far = evaluations();
+        ASSERT_TRUE(FitDistribution(second, x, request));
+        EXPECT_GT(evaluations(), so_far);
+    }
+    x.back() = std::nextafter(x.back(), 0);
+    ASSERT_TRUE(FitDistribution(second, x, {}));
+    EXPECT_GT(evaluations(), before);
+}
+
+}  // namespace
