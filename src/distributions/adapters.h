@@ -2,6 +2,8 @@
 // A family derives from one of these and adds its parameters' names, its check and its point mass.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <optional>
 
@@ -245,6 +247,23 @@ struct Shift {
 template <class Base>
 struct Shifted : Transformed<Base, Shift> {
     Shifted(double origin, Base base) : Transformed<Base, Shift>{base, {origin}} {}
+
+    /// By blocks of the base's values.
+    double log_likelihood(std::span<const double> values) const requires requires(const Base& y) {
+        y.log_likelihood(values);
+    }
+    {
+        std::array<double, 256> block;
+        double sum = 0;
+        while (!values.empty() && sum > -HUGE_VAL) {
+            const std::size_t n = std::min(values.size(), block.size());
+            std::ranges::transform(values.first(n), block.begin(),
+                                   [this](double x) { return x - this->map.origin; });
+            sum += this->base.log_likelihood(std::span<const double>(block.data(), n));
+            values = values.subspan(n);
+        }
+        return sum;
+    }
 };
 
 }  // namespace pral

@@ -40,6 +40,12 @@ std::string message(const FittedFamily& family, const char* text) {
     return (family.own_search ? std::string(family.name) : "Error") + ": " + text;
 }
 
+/// A place where the search may begin.
+struct Candidate {
+    Parameters place;
+    double log_likelihood;
+};
+
 /// One fit on its way from the data to the parameters.
 class Fit {
   public:
@@ -79,7 +85,7 @@ class Fit {
     bool EstimateStartParameters();
     bool check_start(const Coordinates& coordinates) const;
     void choose_shift();
-    void climb(Parameters& place, const Sample& x);
+    void climb(Candidate& candidate, const Sample& x);
     void approach();
     bool MinimiseNegLogLikelihood();
     void RoundIntegerParameters();
@@ -104,7 +110,8 @@ class Fit {
     /// The natural log-likelihood, of data less the shift where that is fitted.
     double log_likelihood(const Parameters& parameters, const Sample& x) {
         const double moved = shifting() ? parameters[parameter_count()] : 0;
-        return natural_log_likelihood(family_, parameters, moved == 0 ? x : Sample(less(x, moved)), bounds_);
+        if (moved == 0) return natural_log_likelihood(family_, parameters, x, bounds_);
+        return natural_log_likelihood(family_, parameters, Sample(less(x, moved)), bounds_);
     }
     /// The values less `moved`, valid until the next call.
     std::span<const double> less(const Sample& x, double moved) {
@@ -185,11 +192,11 @@ void Fit::choose_shift() {
 }
 
 /// Moves a place to the maximum of the likelihood of x that the family's coordinates lead to.
-void Fit::climb(Parameters& place, const Sample& x) {
-    const Coordinates coordinates(ranges(), place, x_);
+void Fit::climb(Candidate& candidate, const Sample& x) {
+    const Coordinates coordinates(ranges(), candidate.place, x_);
     // Where the likelihood grows without end, as it may for few data, it is not followed beyond these coordinates.
     constexpr double kFar = 35;
-    const Point start = coordinates.point(place);
+    const Point start = coordinates.point(candidate.place);
     const Objective objective = [&](std::span<const double> point) {
         for (std::size_t i = 0; i < point.size(); ++i) {
             if (!(std::fabs(point[i] - start[i]) < kFar)) return -HUGE_VAL;
@@ -197,7 +204,8 @@ void Fit::climb(Parameters& place, const Sample& x) {
         return log_likelihood(coordinates.parameters(point), x);
     };
     const Maximum found = maximise(objective, start, deadline_);
-    if (found.value > log_likelihood(place, x)) place = coordinates.parameters(found.point);
+    if (found.value > candidate.log_likelihood)
+        candidate = {coordinates.parameters(found.point), found.value};
 }
 
 /// Brings the start as near to the maximum as can be: the steps of the search itself suit parameters of order 1 only. The
@@ -211,15 +219,19 @@ void Fit::approach() {
         part.insert(part.end(), {x_.min(), x_.max()});
     }
     const Sample first(part.empty() ? x_.values() : part);
-    const auto likelihood_of = [&](const Parameters& place) { return log_likelihood(place, first); };
-    if (places_.size() > 1) std::ranges::stable_sort(places_, std::greater<>(), likelihood_of);
-    if (places_.size() > kClimbs) places_.resize(kClimbs);
+    std::vector<Candidate> candidates;
+    for (const Parameters& place : places_) candidates.push_back({place, log_likelihood(place, first)});
+    std::ranges::stable_sort(candidates, std::greater<>(), &Candidate::log_likelihood);
+    candidates.resize(std::min(candidates.size(), kClimbs));
     if (!at_maximum) {
-        for (Parameters& place : places_) climb(place, first);
+        for (Candidate& candidate : candidates) climb(candidate, first);
     }
-    descriptor_.params =
-        places_.size() > 1 ? *std::ranges::max_element(places_, {}, likelihood_of) : places_[0];
-    if (!part.empty()) climb(descriptor_.params, x_);
+    const Candidate& best = *std::ranges::max_element(candidates, {}, &Candidate::log_likelihood);
+    descriptor_.params = best.place;
+    if (part.empty()) return;
+    Candidate of_all = {best.place, log_likelihood(best.place, x_)};
+    climb(of_all, x_);
+    descriptor_.params = of_all.place;
 }
 
 /// The search itself: Nelder and Mead's simplex over the parameters as they are, a held one and families' own searches

@@ -128,18 +128,27 @@ class LocalModel {
 /// What is left to gain does not count.
 constexpr double kNegligible = 1e-8;
 
-/// One damped step upwards; false when none is found.
+/// One damped step upwards, doubled as long as that leads higher; false when none is found.
 bool climb(const Objective& objective, const LocalModel& model, Maximum& best, double& damping) {
     constexpr double kFirstDamping = 1e-3, kMostDamping = 1e9, kLongestStep = 2;
     for (; damping < kMostDamping; damping = std::max(kFirstDamping, 10 * damping)) {
         Row step = {};
         if (!model.step(damping, step)) continue;
-        Point next = best.point;
-        for (std::size_t i = 0; i < next.size(); ++i)
-            next[i] += std::clamp(step[i], -kLongestStep, kLongestStep);
-        const double value = objective(next);
-        if (!(value > best.value)) continue;
-        best = {next, value};
+        const Point start = best.point;
+        const auto reach = [&](double factor) {
+            Point next = start;
+            for (std::size_t i = 0; i < next.size(); ++i)
+                next[i] += factor * std::clamp(step[i], -kLongestStep, kLongestStep);
+            const double value = objective(next);
+            if (!(value > best.value)) return false;
+            best = {std::move(next), value};
+            return true;
+        };
+        if (!reach(1)) continue;
+        if (damping > 0) {
+            for (double factor = 2; factor < 100 && reach(factor); factor *= 2) {
+            }
+        }
         damping = damping > kFirstDamping ? 0.1 * damping : 0;
         return true;
     }

@@ -23,6 +23,20 @@ double BetaOnInterval::log_likelihood(std::span<const double> values) const {
     return sum_of_log_densities(*this, values);
 }
 
+double BetaOdds::log_likelihood(std::span<const double> values) const {
+    constexpr double kLargestShapes = 100;
+    const double a = ratio.a(), b = ratio.b();
+    if (a + b < kLargestShapes) {
+        const double per_scale = 1 / map.scale.hi;
+        const double odds = numerics::sum_of_logs(values, [=](double x) { return x * per_scale; });
+        const double rest = numerics::sum_of_logs(values, [=](double x) { return 1 + x * per_scale; });
+        const double total = (a - 1) * odds - (a + b) * rest -
+                             static_cast<double>(values.size()) * (numerics::log_beta(a, b) + map.log_scale);
+        if (std::isfinite(total)) return total;
+    }
+    return sum_of_log_densities(*this, values);
+}
+
 }  // namespace pral
 
 PRAL_EXPORT_FAMILY(Beta, (double alpha, double beta), (alpha, beta));

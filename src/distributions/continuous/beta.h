@@ -249,6 +249,7 @@ struct StandardOdds : OfBeta<ScaledOdds> {
 /// A multiple of the odds of a beta variable.
 struct BetaOdds : OfBeta<ScaledOdds> {
     using OfBeta::OfBeta;
+    double log_likelihood(std::span<const double> values) const;
     auto quantile_table() const {
         return QuantileTable(StandardOdds(ratio.a(), ratio.b()), LinearPlace{0, map.scale.hi});
     }

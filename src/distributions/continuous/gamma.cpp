@@ -19,6 +19,24 @@ double Gamma::log_likelihood(std::span<const double> values) const {
     return sum_of_log_densities(*this, values);
 }
 
+double LogGamma::log_likelihood(std::span<const double> values) const {
+    constexpr double kLargestShape = 100;
+    if (shape < kLargestShape) {
+        const double per_scale = 1 / map.scale;
+        double sum = 0;
+        const double logs = numerics::sum_of_logs(values, [=, this, &sum](double x) {
+            const double log = numerics::log1p_fn(x - map.end);
+            sum += log;
+            return log * per_scale;
+        });
+        const double total =
+            (shape - 1) * logs - (per_scale + 1) * sum -
+            static_cast<double>(values.size()) * (numerics::log_gamma(shape) - map.log_factor);
+        if (std::isfinite(total)) return total;
+    }
+    return sum_of_log_densities(*this, values);
+}
+
 }  // namespace pral
 
 PRAL_EXPORT_FAMILY(Gamma, (double alpha, double beta), (alpha, beta));

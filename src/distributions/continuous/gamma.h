@@ -270,6 +270,7 @@ struct LogGamma : OfGamma<GammaLogarithm> {
     std::optional<double> point_mass() const {
         return map.scale == 0 ? std::optional(map.end) : std::nullopt;
     }
+    double log_likelihood(std::span<const double> values) const;
 };
 
 }  // namespace pral
