@@ -51,7 +51,21 @@ double continued_fraction(double a, double b, double x, double y, double lambda)
 /// Gamma(1 + z), 0 < z < 2 kStirlingFrom.
 double gamma_1p(double z) { return z < 1 ? gamma(1 + z) : z * gamma(z); }
 
+/// ln(1 - z) in doubled precision relative to itself, where a z next to 0 would leave few digits of 1 - z.
+DoubleDouble log_complement(DoubleDouble z) {
+    constexpr double kFewDigits = 0x1p-35;
+    if (z.hi > kFewDigits) return extended_log(add({1, 0}, negated(z)));
+    const double rest = z.hi * z.hi * (0.5 + z.hi * (1.0 / 3));
+    return negated(add(z, {rest, 0}));
+}
+
 double clamp_parameter(double v) { return v > kLargestParameter ? kLargestParameter : v; }
+
+/// ln(part/sum), sum = part + other.
+DoubleDouble log_share(double part, double other, DoubleDouble sum, DoubleDouble log_sum) {
+    return part > other ? log_complement(divide({other, 0}, sum))
+                        : add(extended_log({part, 0}), negated(log_sum));
+}
 
 double scaled_exponential(double factor, DoubleDouble exponent) {
     const double e = std::min(exponent.hi, 709.0);
@@ -69,7 +83,8 @@ struct BetaRatio::Arguments {
     Arguments(double a, double b, double given_x, double given_y) : x(given_x), y(given_y) {
         const double smaller = std::min(x, y);
         const DoubleDouble larger = two_sum(1, -smaller);
-        const DoubleDouble log_smaller = extended_log({smaller, 0}), log_larger = extended_log(larger);
+        const DoubleDouble log_smaller = extended_log({smaller, 0}),
+                           log_larger = log_complement({smaller, 0});
         const DoubleDouble ax = two_product(a, smaller), bx = two_product(b, smaller), total = add(ax, bx);
         if (x <= y) {
             y = larger.hi;
@@ -101,8 +116,8 @@ BetaRatio::BetaRatio(double a, double b) : a_(clamp_parameter(a)), b_(clamp_para
         asymptotic_factor_ = std::exp(of_sum - (stirling_remainder(a_) + stirling_remainder(b_)));
         density_factor_ = asymptotic_factor_ * kInvSqrt2Pi * std::sqrt(std::min(a_, b_)) *
                           std::sqrt(std::max(a_, b_) / sum.hi);
-        shift_a_ = add(extended_log({a_, 0}), negated(log_sum));
-        shift_b_ = add(extended_log({b_, 0}), negated(log_sum));
+        shift_a_ = log_share(a_, b_, sum, log_sum);
+        shift_b_ = log_share(b_, a_, sum, log_sum);
         return;
     }
     // Gamma(small) as it stands; Stirling for the large one and the sum.
@@ -110,7 +125,7 @@ BetaRatio::BetaRatio(double a, double b) : a_(clamp_parameter(a)), b_(clamp_para
     density_factor_ =
         std::exp(of_sum - stirling_remainder(large)) * std::sqrt(large / sum.hi) * small / gamma_1p(small);
     const DoubleDouble of_small = add({1, 0}, negated(log_sum));
-    const DoubleDouble of_large = add(extended_log({large, 0}), negated(log_sum));
+    const DoubleDouble of_large = log_share(large, small, sum, log_sum);
     shift_a_ = a_large ? of_large : of_small;
     shift_b_ = a_large ? of_small : of_large;
 }

@@ -6,24 +6,40 @@
 #include "numerics/beta_quantile.h"
 #include "numerics/beta_ratio.h"
 #include "numerics/gamma.h"
+#include "numerics/gamma_ratio.h"
 #include "numerics/toms708.h"
 
 namespace pral {
+
+/// A shape of a beta variable as it is reckoned with: products of denormal ones would be nothing, sums of huge ones
+/// infinite.
+inline double beta_shape(double given) { return given > 0 ? std::clamp(given, 1e-305, 1e290) : given; }
 
 /// ln of the beta-binomial mass where n failures are so many beside j successes that powers of n are all that counts,
 /// Gamma(n + u)/Gamma(n + v) = n^(u - v) (1 + (u - v)(u + v - 1)/2n).
 inline double log_beta_binomial_far(double j, double n, double a, double b) {
     const double correction = (j * (j + 1) - (j + a) * (j + a + 2 * b - 1)) / (2 * n);
-    return numerics::log_gamma(j + a) - numerics::log_gamma(j + 1) - numerics::log_beta(a, b) -
-           a * std::log(n) + correction;
+    const double of_successes = j < 8 ? numerics::log_gamma(j + a) - numerics::log_gamma(j + 1)
+                                      : -numerics::toms708::algdiv(a, j) - std::log(j);
+    return of_successes - numerics::log_beta(a, b) - a * std::log(n) + correction;
+}
+
+/// ln of the beta-binomial mass where both the n failures and their shape b are so large beside j successes and theirs, a,
+/// that the successes are negative binomial.
+inline double log_scarce(double j, double n, double a, double b) {
+    const double p = 1 / (1 + n / b), q = 1 / (1 + b / n);
+    return numerics::log_beta_density(a, j + 1, p, q) + std::log(p) - std::log(a + j);
 }
 
 /// ln of the beta-binomial mass of k successes and m failures, C(k + m, k) B(k + a, m + b)/B(a, b), for real arguments:
 /// three beta densities at one point, where the powers of the point cancel. No difference of large log-gammas.
 inline double log_beta_binomial(double k, double m, double a, double b) {
     const double of_successes = k + a + b + 1, of_failures = m + a + b + 1;
+    const double of_succeeded = k + a + 1, of_failed = m + b + 1;
     if (m > 1e8 * of_successes * of_successes) return log_beta_binomial_far(k, m, a, b);
     if (k > 1e8 * of_failures * of_failures) return log_beta_binomial_far(m, k, b, a);
+    if (std::min(k, a) > 1e16 * of_failed * of_failed) return log_scarce(m, k, b, a);
+    if (std::min(m, b) > 1e16 * of_succeeded * of_succeeded) return log_scarce(k, m, a, b);
     if (std::min(a, b) > 1e16 * (k + m + 1) * (k + m + 1))  // the probability is all but certain
         return numerics::log_beta_density(k + 1, m + 1, a / (a + b), b / (a + b)) - numerics::log1p_fn(k + m);
     const double total = (k + a) + (m + b), x = (k + a) / total, y = (m + b) / total;
@@ -35,7 +51,8 @@ inline double log_beta_binomial(double k, double m, double a, double b) {
 struct BetaBinomial : SummedTails<BetaBinomial> {
     double n, alpha, beta;
 
-    BetaBinomial(double n_, double alpha_, double beta_) : n(n_), alpha(alpha_), beta(beta_) {}
+    BetaBinomial(double n_, double alpha_, double beta_)
+        : n(n_), alpha(beta_shape(alpha_)), beta(beta_shape(beta_)) {}
     Message check() const {
         if (const Message objection = check_range()) return objection;
         return n == std::floor(n) ? nullptr : "Error: n must be an integer";
@@ -51,17 +68,44 @@ struct BetaBinomial : SummedTails<BetaBinomial> {
 
     double log_density(double k) const { return log_beta_binomial(k, n - k, alpha, beta); }
     double mass_ratio(double k) const { return (n - k) / (k + 1) * ((k + alpha) / (n - k - 1 + beta)); }
-    /// So many values that k/n is as good as continuous, the beta variable itself.
-    bool continuous(double values) const { return values > 1e16 * (alpha + beta + 1); }
     double up_to(double k) const {
-        return continuous(k) ? numerics::beta_lower(alpha, beta, k / n, (n - k) / n) : SummedTails::up_to(k);
+        const auto tails = limiting(k);
+        return tails ? tails->lower : SummedTails::up_to(k);
     }
     double above(double k) const {
-        return continuous(n - k) ? numerics::beta_upper(alpha, beta, k / n, (n - k) / n)
-                                 : SummedTails::above(k);
+        const auto tails = limiting(k);
+        return tails ? tails->upper : SummedTails::above(k);
     }
     double pivot() const { return std::floor(n * (alpha / (alpha + beta))); }
     double start(double u) const { return std::floor(n * numerics::beta_lower_inverse(alpha, beta, u).x); }
+
+  private:
+    /// The tails where a limit of the distribution is as good as the distribution.
+    std::optional<Tails> limiting(double k) const {
+        const double all = 1e16 * (alpha + beta + 1), p = alpha / (alpha + beta), q = beta / (alpha + beta);
+        if (std::min(k, n - k) > all) {  // k/n is as good as continuous, the beta variable itself
+            const double x = k / n, y = (n - k) / n;
+            return Tails{numerics::beta_lower(alpha, beta, x, y), numerics::beta_upper(alpha, beta, x, y)};
+        }
+        if (std::min(alpha, beta) > 1e16 * (n + 1) * (n + 1))  // the probability is all but certain
+            return Tails{numerics::beta_upper(k + 1, n - k, p, q), numerics::beta_lower(k + 1, n - k, p, q)};
+        if (scarce(k, alpha, beta)) return scarce_tails(k, alpha, beta);
+        if (scarce(n - k, beta, alpha)) {
+            const auto [lower, upper] = scarce_tails(n - k - 1, beta, alpha);
+            return Tails{upper, lower};
+        }
+        return std::nullopt;
+    }
+    /// Successes of shape a so few beside failures of shape b that they are negative binomial, up to j and as far beyond
+    /// as their tail counts.
+    bool scarce(double j, double a, double b) const {
+        const double reach = j + (a + 1) * (1 + 50 * (n / b));
+        return std::min(n, b) > 1e16 * reach * reach;
+    }
+    Tails scarce_tails(double j, double a, double b) const {
+        const double p = 1 / (1 + n / b), q = 1 / (1 + b / n);
+        return {numerics::beta_lower(a, j + 1, p, q), numerics::beta_upper(a, j + 1, p, q)};
+    }
 };
 
 /// Failures before the s-th success, s > 0 an integer, with a success probability that is Beta(a, b), a, b > 0. The s-th
@@ -71,7 +115,7 @@ struct BetaNegBin : SummedTails<BetaNegBin> {
     static constexpr Tie kTie = Tie::stay;
     double s, a, b;
 
-    BetaNegBin(double s_, double a_, double b_) : s(s_), a(a_), b(b_) {}
+    BetaNegBin(double s_, double a_, double b_) : s(s_), a(beta_shape(a_)), b(beta_shape(b_)) {}
     Message check() const {
         if (const Message objection = check_range()) return objection;
         return s == std::floor(s) ? nullptr : "Error: \"s\" must be a positive integer";
@@ -94,11 +138,11 @@ struct BetaNegBin : SummedTails<BetaNegBin> {
     bool whole() const { return s == std::floor(s); }
 
     double up_to(double k) const {
-        const auto tails = continuous(k);
+        const auto tails = limiting(k);
         return tails ? tails->lower : SummedTails::up_to(k);
     }
     double above(double k) const {
-        if (const auto tails = continuous(k)) return tails->upper;
+        if (const auto tails = limiting(k)) return tails->upper;
         return whole() ? BetaBinomial(k + s, a, b).up_to(s - 1) : SummedTails::above(k);
     }
     double start(double u) const {
@@ -107,10 +151,18 @@ struct BetaNegBin : SummedTails<BetaNegBin> {
     }
 
   private:
-    /// With a huge b, k/b is as good as continuous, the quotient of a gamma variable of shape s by one of shape a; with a
+    /// The tails where a limit of the distribution is as good as the distribution. With a huge b, k/b is as good as continuous, the quotient of a gamma variable of shape s by one of shape a; with a
     /// huge s, k/s is the odds against success.
-    std::optional<Tails> continuous(double k) const {
-        constexpr double kHuge = 1e9;  // for a relative error of 1/kHuge^2
+    std::optional<Tails> limiting(double k) const {
+        constexpr double kHuge = 1e9;                     // for a relative error of 1/kHuge^2
+        if (std::min(s, b) / (a + 1) > 1e32 * (a + 1)) {  // both: k is s b over a gamma variable
+            const double x = s / std::max(k, 1.0) * b;
+            return Tails{numerics::gamma_upper(a, x), numerics::gamma_lower(a, x)};
+        }
+        if (std::min(a, b) > 1e16 * (s + k + 1) * (s + k + 1)) {  // the probability is all but certain
+            const double p = a / (a + b), q = b / (a + b);
+            return Tails{numerics::beta_lower(s, k + 1, p, q), numerics::beta_upper(s, k + 1, p, q)};
+        }
         const auto huge_beside = [&](double value, double root) {
             return std::min(value, k) / root > kHuge * kHuge * root;
         };
@@ -132,7 +184,7 @@ struct BetaGeometric : SummedTails<BetaGeometric> {
     static constexpr Tie kTie = Tie::stay;
     double alpha, beta;
 
-    BetaGeometric(double alpha_, double beta_) : alpha(alpha_), beta(beta_) {}
+    BetaGeometric(double alpha_, double beta_) : alpha(beta_shape(alpha_)), beta(beta_shape(beta_)) {}
     Message check() const {
         if (!(alpha > 0)) return "Error: alpha must be >0";
         if (!(beta > 0)) return "Error: beta must be > 0";

@@ -37,7 +37,7 @@ class InversionWalk {
         double k = std::isnan(told) ? bottom_ : std::clamp(told, bottom_, top_);
         double tail = tail_at(k);
         const bool from_below = falls_short(tail);
-        approach(k, tail);
+        if (approach(k, tail)) return k;
         return falls_short(tail) ? upwards(k, tail, from_below) : downwards(k, tail, from_below);
     }
 
@@ -52,30 +52,52 @@ class InversionWalk {
         return std::fabs(tail - target) < 1e-11 * target;
     }
 
-    /// Newton steps on the logarithm of the tail, within the bracket that they leave, until the walk can do the rest. For
-    /// a family with a tail_exponent() the steps are taken in the logarithm of k.
-    void approach(double& k, double& tail) const {
+    /// Newton steps on the logarithm of the smaller tail, within the bracket that they leave, until the walk can do the
+    /// rest. For a family with a tail_exponent() those in the upper tail are taken in the logarithm of k. True when k is
+    /// the result, as near as the tails themselves tell: with masses below their rounding no walk could settle it.
+    bool approach(double& k, double& tail) const {
         double low = bottom_, high = top_;  // the result is not below low, nor above high
         for (int step = 0; step < kApproach; ++step) {
-            const double log_ratio = std::log((lower_ ? p_ : q_) / tail);
-            const double distance = (lower_ ? log_ratio : -log_ratio) * tail / std::exp(d_.log_density(k));
-            if (std::fabs(distance) <= kWalk || std::isnan(tail)) return;
-            (falls_short(tail) ? low : high) = k;
-            if (high - low <= kWalk) return;
+            if (step == kEndsFrom && at_an_end(k, tail)) return false;
+            const bool lower = lower_ == (tail < kSmaller);
+            const double newton_tail = lower == lower_ ? tail : lower ? d_.cumulative(k) : d_.survival(k);
+            const double log_ratio = std::log((lower ? p_ : q_) / newton_tail);
+            const double distance =
+                (lower ? log_ratio : -log_ratio) * newton_tail / std::exp(d_.log_density(k));
+            if (std::fabs(distance) <= kWalk || std::isnan(tail)) return false;
+            if (std::fabs(log_ratio) < kRounding) return true;
+            const bool is_short = falls_short(tail);
+            if (newton_tail == 0 && !is_short && short_at(neighbour_below(k))) return true;
+            (is_short ? low : high) = k;
+            if (high - low <= kWalk) return false;
             double next = k + std::trunc(distance);
             if constexpr (requires { d_.tail_exponent(); }) {
-                if (!lower_ && k > 1) next = std::floor(k * std::exp(std::min(distance / k, 700.0)));
+                if (!lower && k > 1) next = std::floor(k * std::exp(std::min(distance / k, 700.0)));
             }
-            if (next >= top_ && high == top_ && short_at(top_)) {
+            if (next >= top_ && high == top_ && short_at(neighbour_below(top_))) {
                 k = top_;
-                tail = tail_at(k);
-                return;
+                return true;
             }
             if (!(next > low && next < high)) next = middle(low, high);
-            if (next == k) return;  // beyond 2^53 integers have no neighbours
+            if (next <= low || next >= high) {  // beyond 2^53 integers have no neighbours
+                k = high;
+                return true;
+            }
             k = next;
             tail = tail_at(k);
         }
+        return false;
+    }
+    /// Whether the result is an end of the support, which k then is.
+    bool at_an_end(double& k, double& tail) const {
+        const bool at_bottom = !short_at(bottom_);
+        if (!at_bottom && !short_at(neighbour_below(top_))) return false;
+        k = at_bottom ? bottom_ : top_;
+        tail = tail_at(k);
+        return true;
+    }
+    double neighbour_below(double k) const {
+        return std::max(std::min(k - 1, std::nextafter(k, bottom_)), bottom_);
     }
 
     /// Between low and high, in the middle of their exponents when they differ much.
@@ -128,7 +150,7 @@ class InversionWalk {
     double gallop(double k, double direction) const {
         const double end = direction > 0 ? top_ : bottom_;
         for (double stride = std::max<double>(kWalk, std::fabs(k) * 0x1p-50); stride <= numerics::kInfinity;
-             stride *= 2) {
+             stride *= std::max(2.0, 0.125 * stride)) {
             k = direction > 0 ? std::min(k + stride, end) : std::max(k - stride, end);
             if (k == end || short_at(k) == (direction < 0)) return k;
         }
@@ -139,9 +161,9 @@ class InversionWalk {
     double first_reached(double low, double high) const {
         if (!short_at(low)) return low;
         while (high - low > 1) {
-            const double middle = low + std::floor((high - low) / 2);
-            if (middle <= low || middle >= high) break;  // beyond 2^53 integers have no neighbours
-            (short_at(middle) ? low : high) = middle;
+            const double between = middle(low, high);
+            if (between <= low || between >= high) break;  // beyond 2^53 integers have no neighbours
+            (short_at(between) ? low : high) = between;
         }
         return high;
     }
@@ -149,6 +171,12 @@ class InversionWalk {
     static constexpr int kWalk = 32;
     /// Newton's steps or halvings of the exponent: 2^1024 down to a factor of 4 in 10, then 50 bits of it at worst.
     static constexpr int kApproach = 100;
+    /// Steps after which the ends are tried, where most of the mass may be.
+    static constexpr int kEndsFrom = 1;
+    /// Tails are not known better than to this relative error.
+    static constexpr double kRounding = 4e-15;
+    /// A larger tail is so flat that the other one guides Newton's steps.
+    static constexpr double kSmaller = 0.7;
     /// A tail that has shrunk by subtractions to this part of what it was is computed anew.
     static constexpr double kFreshen = 0.0625;
 

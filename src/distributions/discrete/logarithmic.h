@@ -2,6 +2,7 @@
 #pragma once
 
 #include "distributions/discrete/mass_sum.h"
+#include "numerics/exponential_integral.h"
 
 namespace pral {
 
@@ -24,10 +25,47 @@ struct Logarithmic : SummedTails<Logarithmic> {
     double log_density(double k) const { return k * log_theta_ - std::log(k) - log_scale_; }
     double mass_ratio(double k) const { return theta * (k / (k + 1)); }
     double pivot() const { return 1; }
-    /// Small theta: the first value has nearly everything. Otherwise F(k) is about ln(k + 1)/(-ln(1 - theta)).
-    double start(double u) const { return std::floor(std::exp(u * std::exp(log_scale_))); }
+    double up_to(double k) const {
+        if (!near_one() || k <= kFew) return SummedTails::up_to(k);
+        return 1 - above(k);
+    }
+    double above(double k) const {
+        if (!near_one()) return SummedTails::above(k);
+        double sum = k < kFew ? tail_from(kFew + 1) : tail_from(k + 1);
+        for (double j = kFew; j > k; j -= 1) sum += std::exp(j * log_theta_) / j;
+        return sum * std::exp(-log_scale_);
+    }
+    /// Small theta: the first value has nearly everything, and the walk is short. Else the tail is that of E1.
+    double start(double u) const {
+        const double scale = std::exp(log_scale_);
+        if (!near_one()) return std::floor(std::exp(u * scale));
+        const double x = numerics::exponential_integral_inverse_estimate((1 - u) * scale);
+        return std::floor(x / -log_theta_ + 0.5);
+    }
 
   private:
+    static constexpr double kFew = 20;
+    /// Sums of theta^j/j take many terms, unless by the Euler-Maclaurin formula.
+    bool near_one() const { return theta > 0.9; }
+
+    /// The sum of theta^j/j from j = m on, for m > kFew: E1 and the derivatives of e^(-qx)/x at x = m - 1/2, where
+    /// -ln theta = q; n! e^(-y)/x^(n + 1) sum_(i <= n) y^i/i!, y = qx, is the n-th of them but for its sign.
+    double tail_from(double m) const {
+        // (1 - 2^(1 - 2r)) |B_2r|/2r
+        constexpr double kMidpoint[] = {1.0 / 24, 7.0 / 960, 31.0 / 8064, 127.0 / 30720, 511.0 / 67584};
+        const double x = m - 0.5, y = -log_theta_ * x;
+        double correction = 0, sum = 1, term = 1, power = 1, sign = 1;
+        for (int n = 1; n <= 9; ++n) {
+            term *= y / n;
+            sum += term;
+            power /= x;
+            if (n % 2 == 0) continue;
+            correction += sign * kMidpoint[n / 2] * power * sum;
+            sign = -sign;
+        }
+        return numerics::exponential_integral(y) - correction * std::exp(-y) / x;
+    }
+
     double log_theta_, log_scale_;
 };
 

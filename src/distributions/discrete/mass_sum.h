@@ -26,7 +26,7 @@ class MassSum {
           step_(from <= to ? 1 : -1),
           k_(from),
           singular_(singularity_behind()),
-          offset_(std::clamp(d.log_density(from), -300.0, 0.0)) {}
+          offset_(std::clamp(d.log_density(from), -650.0, 0.0)) {}
 
     double operator()() {
         add_all();
@@ -85,27 +85,36 @@ class MassSum {
     /// Adds the integral over the next panel, in the logarithm of the distance from the nearer end of the summed range,
     /// where f is singular; whether more panels count. `length` in that logarithm follows from the panel before.
     bool integrate(double& length) {
-        const double edge = k_ - 0.5 * step_, behind = std::fabs(edge - singular_), ahead = left() - 0.5;
+        const double edge = k_ - 0.5 * step_, behind = std::fabs(edge - singular_), ahead = left();
         const bool leaving = behind <= ahead;
         const double distance = leaving ? behind : ahead, growth = leaving ? 1 : -1;
         const double log_distance = std::log(distance), log_other = std::log((behind + ahead) / distance);
-        length = leaving ? std::min({length, kLongestPanel, log_distance, 0.5 * log_other})
-                         : std::min({length, kLongestPanel, 0.5 * log_distance, log_other});
+        length = leaving ? std::min({length, longest_panel(log_distance), log_distance, 0.5 * log_other})
+                         : std::min({length, longest_panel(log_distance), 0.5 * log_distance, log_other});
         const auto moved = [&](double t) { return growth * distance * numerics::expm1_fn(growth * t); };
         const auto log_at = [&](double t) {
-            return d_.log_density(edge + step_ * moved(t)) - offset_ + growth * t;
+            const double k =
+                leaving ? edge + step_ * moved(t) : to_ + step_ * (0.5 - distance * std::exp(-t));
+            return d_.log_density(k) - offset_ + growth * t;
         };
         const double at_edge = log_at(0);
-        double steps, middle, end, variation;
+        double steps, middle, end;
+        bool calm;
         for (;;) {
             steps = std::floor(moved(length));
-            length = growth * numerics::log1p_fn(growth * steps / distance);
+            length = leaving || steps < 0.5 * distance
+                         ? growth * numerics::log1p_fn(growth * steps / distance)
+                         : std::log(distance / (distance - steps));
             middle = log_at(0.5 * length);
             end = log_at(length);
-            variation = std::max({at_edge, middle, end}) - std::min({at_edge, middle, end});
-            if (!(variation > kVariation) || steps <= kShortestPanel) break;
+            const double variation = std::max({at_edge, middle, end}) - std::min({at_edge, middle, end});
+            const bool monotone = (at_edge <= middle) == (middle <= end);
+            const double allowed = monotone ? kMonotoneVariation : kVariation;
+            calm = variation < 0.5 * allowed;
+            if (!(variation > allowed) || steps <= kShortestPanel) break;
             length /= 2;
         }
+        if (k_ + step_ * steps == k_) return false;  // beyond 2^53: integers that doubles cannot tell apart
         sum_ += distance * numerics::integrate(length, 1, [&](double t) { return std::exp(log_at(t)); });
         k_ += step_ * steps;
         const double mass_left = std::exp(end - growth * length) * (steps - moved(0.5 * length)),
@@ -118,15 +127,24 @@ class MassSum {
                 return false;
             }
         }
-        if (variation < 0.5 * kVariation) length *= 2;
+        if (calm) length *= 2;
         return true;
     }
 
-    static constexpr int kFirst = 512, kShort = 2048, kMaxPanels = 400;
-    /// Panels in which f times the distance varies by e^3 are integrated to rounding, whatever its curvature; so are those
-    /// over a factor of e^6, since singularities at other distances are i pi off. Shorter ones than 32 steps are not
-    /// needed: the sum would have ended.
-    static constexpr double kVariation = 3, kLongestPanel = 6, kShortestPanel = 32;
+    /// Panels over a factor of e^6 are integrated to rounding, since singularities at other distances are i pi off; so are
+    /// longer ones where those are far away in the logarithm as well.
+    double longest_panel(double log_distance) const {
+        constexpr double kNearSingularities = 6, kLongest = 30;
+        if constexpr (requires { d_.tail_scale(); })
+            return std::clamp(0.5 * (log_distance - std::log(d_.tail_scale())), kNearSingularities, kLongest);
+        else
+            return kNearSingularities;
+    }
+
+    static constexpr int kFirst = 512, kShort = 2048, kMaxPanels = 60;
+    /// Panels in which f times the distance varies by e^5 around its mode, or by e^10 on one side of it, are integrated to
+    /// rounding by 20 points. Shorter ones than 32 steps are not needed: the sum would have ended.
+    static constexpr double kVariation = 5, kMonotoneVariation = 10, kShortestPanel = 32;
     static constexpr double kNegligible = 1e-17, kDenormalNear = 1e-280;
 
     const D& d_;
