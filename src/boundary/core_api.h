@@ -1088,6 +1088,36 @@ PRAL_FAMILY(BetaNegBin, discrete, (double s, double a, double b),
 PRAL_FAMILY(Logarithmic, discrete, (double theta),
     "theta in (0,1); support 1, 2, ...; f(x) = -theta^x/(x ln(1 - theta))")
 
+PRAL_FAMILY(Hypergeo, discrete, (double n, double D, double M),
+    "marked items among n drawn without replacement from M of which D are marked; integers 0 <= n, D <= M; support "
+    "max(0, n + D - M), ..., min(n, D); f(x) = C(D, x) C(M-D, n-x)/C(M, n)")
+
+PRAL_FAMILY(InvHypergeo, discrete, (double s, double D, double M),
+    "unmarked items drawn before the s-th marked one, without replacement from M of which D are marked; integers "
+    "0 <= s <= D <= M; support 0, ..., M-D; f(x) = C(s+x-1, x) C(M-s-x, D-s)/C(M, D); s = 0 is a point mass at 0")
+
+PRAL_FAMILY(HypergeoD, discrete, (double s, double n, double M),
+    "marked items among M of which a sample of n held s marked ones, all numbers of them equally likely before; integers "
+    "0 <= s <= n <= M; support s, ..., M-n+s; f(x) = C(x, s) C(M-x, n-s)/C(M+1, n+1)")
+
+PRAL_FAMILY(HypergeoM, discrete, (double s, double n, double D, double Max),
+    "size of a population with D marked items of which a sample of n held s marked ones, all sizes up to Max equally "
+    "likely before; integers 1 <= s <= n, D; Max >= D+n-s; support D+n-s, ..., Max; f(x) ~ C(x-D, n-s)/C(x, n)")
+
+PRAL_FAMILY(Skellam, discrete, (double Lambda1, double Lambda2),
+    "difference of two Poisson counts with rates Lambda1, Lambda2 > 0; support all integers; f(x) = exp(-Lambda1-Lambda2) "
+    "(Lambda1/Lambda2)^(x/2) I_|x|(2 sqrt(Lambda1 Lambda2)); a bare call takes one unused draw and two Poisson samples, "
+    "each of a draw of its own")
+
+PRAL_FAMILY(BurntFingerPoisson, discrete, (double Lambda1, double Lambda2),
+    "events within unit time, at rate Lambda1 until the first and Lambda2 afterwards; Lambda1 >= Lambda2 > 0, equal ones "
+    "being Poisson; support 0, 1, ...; percentiles from 0.99999999999999 on give DBL_MAX; a bare call takes one unused "
+    "draw, one for the time of the first event, and another for the later events if it is below 1")
+
+PRAL_FAMILY(PoissonUniform, discrete, (double Min, double Max),
+    "Poisson with a rate uniform on [Min, Max], 0 <= Min < Max; support 0, 1, ...; f(x) = (P(x+1, Max) - P(x+1, Min))/"
+    "(Max - Min), P the incomplete gamma ratio; a bare call takes one unused draw, one for the rate and one for the value")
+
 /* Variants of the counts. ZI: with probability pi a value of the family, else 0; pi in (0,1), "Error: pi should be on
  * (0,1)". A bare call draws whether, then a value. A percentile up to 1 - pi is 0; bounds rescale only those above, so
  * that the extra zeros keep their weight. ZT: the family given a value of 1 or more. Where a variant's checks let pass

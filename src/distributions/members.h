@@ -48,10 +48,10 @@ double value_at(double u, const Truncated<D>& kept, const double* shift, bool ba
     if (const auto point = d.point_mass(); point && !(at_an_end && requires { D::kEndsFirst; }))
         return shifted(*point, shift);
     if (at_an_end) return shifted(u == 0 ? kept.lower() : kept.upper(), shift);
+    if (rounds_after_shift(d) && shift != nullptr) return rounded_value(u, kept, *shift);
     if constexpr (requires { d.random(u, random_stream()); }) {
         if (bare) return shifted(d.random(u, random_stream()), shift);
     }
-    if (rounds_after_shift(d) && shift != nullptr) return rounded_value(u, kept, *shift);
     return shifted(kept.quantile(u), shift);
 }
 

@@ -20,10 +20,15 @@ enum class Tie { next, stay };
 ///
 ///   start(p)        where the walk begins
 ///   mass_ratio(k)   f(k + 1)/f(k)
-///   kTie            what an exact hit on the way up means
+///   kTie            what an exact hit on the way up means; kTieFromAbove, on the way down
+///
+/// and, where the ratio is costly,
+///
+///   masses(k, out)  f(k), f(k + 1), ... for a table
 ///
 /// Walking upwards from a start below, the result is the first k with F(k) > p (Tie::next) or F(k) >= p (Tie::stay);
-/// from a start at or above it is the first k with F(k) >= p. Tails are compared, not percentiles, above the median. A
+/// from a start at or above it is the first k with F(k) >= p, or with F(k) > p unless the start itself hits
+/// (kTieFromAbove = Tie::next). Tails are compared, not percentiles, above the median. A
 /// start that is far off is improved by Newton steps first; the side it lay on still decides about an exact hit.
 template <class D>
 class InversionWalk {
@@ -36,15 +41,22 @@ class InversionWalk {
         const double told = d_.start(std::min(p_, 1 - 0x1p-53));
         double k = std::isnan(told) ? bottom_ : std::clamp(told, bottom_, top_);
         double tail = tail_at(k);
-        const bool from_below = falls_short(tail);
+        const Origin origin = {k, falls_short(tail)};
         if (approach(k, tail)) return k;
-        return falls_short(tail) ? upwards(k, tail, from_below) : downwards(k, tail, from_below);
+        return falls_short(tail) ? upwards(k, tail, origin) : downwards(k, tail, origin);
     }
 
   private:
+    /// Where the walk began, and on which side of its end.
+    struct Origin {
+        double start;
+        bool below;
+    };
+
     /// The tail that is compared: F(k) below the median, 1 - F(k) above.
     double tail_at(double k) const { return lower_ ? d_.cumulative(k) : d_.survival(k); }
     bool falls_short(double tail) const { return lower_ ? tail < p_ : tail > q_; }
+    double mass_at(double k) const { return std::exp(d_.log_density(k)); }
     bool short_at(double k) const { return falls_short(tail_at(k)); }
     /// So near that the rounding of the recurrence may have decided.
     bool doubtful(double tail) const {
@@ -62,8 +74,7 @@ class InversionWalk {
             const bool lower = lower_ == (tail < kSmaller);
             const double newton_tail = lower == lower_ ? tail : lower ? d_.cumulative(k) : d_.survival(k);
             const double log_ratio = std::log((lower ? p_ : q_) / newton_tail);
-            const double distance =
-                (lower ? log_ratio : -log_ratio) * newton_tail / std::exp(d_.log_density(k));
+            const double distance = (lower ? log_ratio : -log_ratio) * newton_tail / mass_at(k);
             if (std::fabs(distance) <= kWalk || std::isnan(tail)) return false;
             if (std::fabs(log_ratio) < kRounding) return true;
             const bool is_short = falls_short(tail);
@@ -108,42 +119,43 @@ class InversionWalk {
     }
 
     /// From k, which falls short, up to the first that does not.
-    double upwards(double k, double tail, bool from_below) const {
-        double mass = std::exp(d_.log_density(k)), anchor = tail;
+    double upwards(double k, double tail, Origin origin) const {
+        double mass = mass_at(k), anchor = tail;
         bool doubt = doubtful(tail);
         for (int step = 0; step < kWalk; ++step) {
             if (k >= top_) return top_;
-            mass *= d_.mass_ratio(k);
+            mass = mass > kDenormalNear ? mass * d_.mass_ratio(k) : mass_at(k + 1);
             k += 1;
             tail += lower_ ? mass : -mass;
             if (!lower_ && tail < anchor * kFreshen) anchor = tail = tail_at(k);
             doubt = doubt || doubtful(tail);
-            if (!falls_short(tail)) return doubt ? settled(k, from_below) : k;
+            if (!falls_short(tail)) return doubt ? settled(k, origin) : k;
         }
-        return settled(first_reached(k, gallop(k, 1)), from_below);
+        return settled(first_reached(k, gallop(k, 1)), origin);
     }
 
     /// From k, which does not fall short, down to the last that does not.
-    double downwards(double k, double tail, bool from_below) const {
-        double mass = std::exp(d_.log_density(k)), anchor = tail;
+    double downwards(double k, double tail, Origin origin) const {
+        double mass = mass_at(k), anchor = tail;
         for (int step = 0; step < kWalk; ++step) {
             if (k <= bottom_) return bottom_;
             tail += lower_ ? -mass : mass;
             if (lower_ && tail < anchor * kFreshen) anchor = tail = tail_at(k - 1);
-            if (doubtful(tail)) return settled(k, from_below);
+            if (doubtful(tail)) return settled(k, origin);
             if (falls_short(tail)) return k;
             k -= 1;
-            mass /= d_.mass_ratio(k);
+            mass = mass > kDenormalNear ? mass / d_.mass_ratio(k) : mass_at(k);
         }
-        return settled(first_reached(gallop(k, -1), k), from_below);
+        return settled(first_reached(gallop(k, -1), k), origin);
     }
 
     /// The result next to k that the tails themselves give, and the rule for an exact hit.
-    double settled(double k, bool came_from_below) const {
+    double settled(double k, Origin origin) const {
         for (int step = 0; step < 3 && k > bottom_ && !short_at(k - 1); ++step) k -= 1;
         for (int step = 0; step < 3 && k < top_ && short_at(k); ++step) k += 1;
         const bool hit = tail_at(k) == (lower_ ? p_ : q_);
-        return hit && came_from_below && D::kTie == Tie::next && k < top_ ? k + 1 : k;
+        const Tie tie = origin.below ? D::kTie : k == origin.start ? Tie::stay : D::kTieFromAbove;
+        return hit && tie == Tie::next && k < top_ ? k + 1 : k;
     }
 
     /// From k in growing strides to a place on the other side of the percentile, or to the end of the support.
@@ -179,6 +191,8 @@ class InversionWalk {
     static constexpr double kSmaller = 0.7;
     /// A tail that has shrunk by subtractions to this part of what it was is computed anew.
     static constexpr double kFreshen = 0.0625;
+    /// A mass below it has lost digits, or all, and cannot be continued by ratios.
+    static constexpr double kDenormalNear = 1e-280;
 
     const D& d_;
     double bottom_, top_;
@@ -207,11 +221,10 @@ class InversionTable {
         }
         tails_.resize(static_cast<std::size_t>(last - first_) + 1);
         std::vector<double> mass(tails_.size());
-        for (std::size_t i = 0; i < mass.size(); ++i) {
-            const bool anchor = i % kAnchor == 0;
-            const double k = first_ + static_cast<double>(i);
-            mass[i] = anchor ? std::exp(d.log_density(k)) : mass[i - 1] * d.mass_ratio(k - 1);
-        }
+        if constexpr (requires { d.masses(first_, std::span(mass)); })
+            d.masses(first_, mass);
+        else
+            recur(mass);
         // Each tail is summed inwards from its own end: sums of positive terms that lose nothing.
         tails_.front().lower = d.cumulative(first_);
         for (std::size_t i = 1; i < tails_.size(); ++i) tails_[i].lower = tails_[i - 1].lower + mass[i];
@@ -243,6 +256,14 @@ class InversionTable {
     }
 
   private:
+    void recur(std::span<double> mass) const {
+        for (std::size_t i = 0; i < mass.size(); ++i) {
+            const bool anchor = i % kAnchor == 0;
+            const double k = first_ + static_cast<double>(i);
+            mass[i] = anchor ? std::exp(d_.log_density(k)) : mass[i - 1] * d_.mass_ratio(k - 1);
+        }
+    }
+
     /// Masses by their recurrence from exact ones in these intervals.
     static constexpr std::size_t kAnchor = 32;
 
@@ -257,7 +278,7 @@ template <class D>
 struct OnIntegers {
     static constexpr bool kDiscrete = true;
     static constexpr bool kIntegers = true;
-    static constexpr Tie kTie = Tie::next;
+    static constexpr Tie kTie = Tie::next, kTieFromAbove = Tie::stay;
     /// Percentiles above it give the upper end of the support.
     static constexpr double kLastPercentile = 1;
 

@@ -42,7 +42,9 @@ class Discrete(Family):
         total, term = m.mpf(0), self.mass(k)
         while self.support[0] <= k <= self.support[1]:
             total += term
-            following = term * self.ratio(k) if step > 0 else term / self.ratio(k - 1) if k > self.support[0] else 0
+            if k == self.support[step > 0]:
+                break
+            following = term * self.ratio(k) if step > 0 else term / self.ratio(k - 1)
             if following < total * m.mpf(10) ** -32 and following < term:
                 break
             term, k = following, k + step

@@ -1,0 +1,38 @@
+#include "distributions/discrete/skellam.h"
+
+#include "distributions/discrete/poisson.h"
+#include "distributions/exports.h"
+#include "numerics/normal.h"
+
+namespace pral {
+
+double Skellam::start(double p) const {
+    const double z = numerics::normal_quantile(p), variance = Lambda1 + Lambda2;
+    const double mean = Lambda1 - Lambda2;
+    return std::floor(mean + z * std::sqrt(variance) + mean / variance * ((z * z - 1) / 6));
+}
+
+/// By the recurrence of the Bessel functions (DLMF 10.29.1), towards 0 from both sides, where it only adds.
+void Skellam::masses(double first, std::span<double> out) const {
+    constexpr std::size_t kAnchor = 1024;
+    const auto k = [&](std::size_t i) { return first + static_cast<double>(i); };
+    const auto exact = [&](std::size_t i) { return std::exp(log_density(k(i))); };
+    const auto below_zero =
+        static_cast<std::size_t>(std::clamp(-first, 0.0, static_cast<double>(out.size())));
+    for (std::size_t i = 0; i < below_zero; ++i) {
+        out[i] = i % kAnchor < 2 ? exact(i) : (Lambda1 * out[i - 2] - k(i - 1) * out[i - 1]) / Lambda2;
+    }
+    for (std::size_t n = 0; n < out.size() - below_zero; ++n) {
+        const std::size_t i = out.size() - 1 - n;
+        out[i] = n % kAnchor < 2 ? exact(i) : (Lambda2 * out[i + 2] + k(i + 1) * out[i + 1]) / Lambda1;
+    }
+}
+
+double Skellam::random(double, RandomStream& stream) const {
+    const double first = Poisson(Lambda1).quantile(stream.uniform());
+    return first - Poisson(Lambda2).quantile(stream.uniform());
+}
+
+}  // namespace pral
+
+PRAL_EXPORT_FAMILY(Skellam, (double Lambda1, double Lambda2), (Lambda1, Lambda2));

@@ -1,0 +1,139 @@
+// What is special among the families on the integers: exact hits of a percentile, large parameters against closed forms,
+// the generators of bare calls, and tables against single inversions where they have recurrences of their own.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <vector>
+
+#include "boundary/core_api.h"
+#include "distributions/families.h"
+#include "support/chi_square.h"
+
+namespace {
+
+using namespace pral;
+
+TEST(Discrete, ExactHitsFollowTheDirectionOfTheWalk) {
+    EXPECT_EQ(Hypergeo(1, 1, 2).quantile(0.5), 0);  // the start itself
+    EXPECT_EQ(Hypergeo(3, 3, 6).quantile(0.5), 1);  // from below: F(1) = 1/2 stops the walk
+    EXPECT_EQ(Hypergeo(3, 3, 6).quantile(0.5 + 0x1p-53), 2);
+    EXPECT_EQ(Hypergeo(3, 3, 6).quantile(0.5 - 0x1p-54), 1);
+    EXPECT_EQ(Hypergeo(501, 1001, 2002).quantile(0.5), 250);  // by symmetry
+    // From above, a hit is passed: the walk ends below it.
+    struct Above : Hypergeo {
+        using Hypergeo::Hypergeo;
+        double start(double) const { return 3; }
+    };
+    const Above above(3, 3, 6);
+    EXPECT_EQ(InversionWalk<Above>(above, 0.5)(), 2);
+    EXPECT_EQ(InvHypergeo(1, 1, 8).quantile(0.375), 2);  // uniform on 0 .. 7, F(2) = 3/8: the start itself
+    EXPECT_EQ(HypergeoD(0, 0, 7).quantile(0.375), 2);    // the smallest k with F(k) >= u
+    EXPECT_EQ(HypergeoD(0, 0, 7).quantile(0.375 + 0x1p-54), 3);
+}
+
+/// Closed forms where the sums are long: uniform distributions, and 1/C(M, 2) whose sum telescopes.
+TEST(Discrete, LongSumsHaveTheirClosedForms) {
+    double worst = 0;
+    const auto expect = [&](double actual, double exact) {
+        worst = std::max(worst, std::fabs(actual - exact) / exact);
+        EXPECT_NEAR(actual, exact, 1e-12 * exact);
+    };
+    for (const double M : {1e6, 1e9, 1e15}) {
+        for (const double part : {1e-5, 0.25, 0.875}) {
+            const double k = std::floor(part * M);
+            expect(InvHypergeo(1, 1, M).cumulative(k), (k + 1) / M);
+            expect(HypergeoD(0, 0, M).survival(k), (M - k) / (M + 1));
+            const HypergeoM pairs(2, 2, 2, M);  // f(x) ~ 1/(x (x - 1)), summed from 2: 1 - 1/x
+            expect(pairs.cumulative(k), (1 - 1 / k) / (1 - 1 / M));
+            expect(pairs.survival(k), (M - k) / k / M / (1 - 1 / M));
+            if (M == 1e6) expect(pairs.quantile(1 - 1 / (k + 0.5)), std::ceil(M * (k + 0.5) / (M + k - 0.5)));
+        }
+        // Half of the items drawn, half marked: the median by symmetry, and its mass from Stirling's series.
+        const double half = M / 2, k = M / 4;
+        const double mass = std::sqrt(8 / (M * numerics::kPi)) * (1 - 0.75 / M);
+        if (M == 1e6)
+            expect(Hypergeo(half, half, M).cumulative(k),
+                   0.5 + 0.5 * std::exp(Hypergeo(half, half, M).log_density(k)));
+        expect(std::exp(Hypergeo(half, half, M).log_density(std::floor(k))), mass);
+    }
+    std::printf("worst %.1e\n", worst);
+}
+
+template <class D>
+void expect_fits(const char* name, const D& d) {
+    RandomStream stream;
+    stream.seed(20240611);
+    std::vector<double> sample(20000);
+    for (double& value : sample) value = d.random(stream.uniform(), stream);
+    const double p = test::chi_square_p_value(sample, [&](double k) { return tails(d, k).lower; });
+    std::printf("%-20s p = %.3f\n", name, p);
+    EXPECT_GT(p, 1e-3) << name;
+    EXPECT_LT(p, 1 - 1e-3) << name;
+}
+
+TEST(Discrete, GeneratorsOfBareCallsHaveTheirDistribution) {
+    expect_fits("Skellam", Skellam(3.5, 8));
+    expect_fits("BurntFingerPoisson", BurntFingerPoisson(1.5, 0.75));
+    expect_fits("BurntFingerPoisson", BurntFingerPoisson(2, 2));
+    expect_fits("PoissonUniform", PoissonUniform(2, 9));
+    expect_fits("ZIPoisson", ZIPoisson(3, 0.7));
+}
+
+/// The call's own uniform is spent first; what is nested draws afresh.
+TEST(Discrete, BareCallsDrawInTheOrderTold) {
+    double out, u[4], first, second;
+    const auto draws = [&] {
+        RandomStream stream;
+        stream.seed(7);
+        for (double& value : u) value = stream.uniform();
+        PralSetRandomSeed(7);
+    };
+    draws();
+    ASSERT_TRUE(PralSkellam_Core(&out, 30, 20, nullptr, nullptr, nullptr, nullptr, nullptr));
+    PralPoisson_Core(&first, 30, &u[1], nullptr, nullptr, nullptr, nullptr);
+    PralPoisson_Core(&second, 20, &u[2], nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(out, first - second);
+    draws();
+    ASSERT_TRUE(PralPoissonUniform_Core(&out, 30, 50, nullptr, nullptr, nullptr, nullptr, nullptr));
+    PralPoisson_Core(&first, 30 + 20 * u[1], &u[2], nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(out, first);
+    draws();
+    ASSERT_TRUE(PralBurntFingerPoisson_Core(&out, 40, 30, nullptr, nullptr, nullptr, nullptr, nullptr));
+    PralExpon_Core(&first, 1.0 / 40, &u[1], nullptr, nullptr, nullptr, nullptr);
+    PralPoisson_Core(&second, (1 - first) * 30, &u[2], nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(out, first < 1 ? 1 + second : 0);
+    // Equal rates: the Poisson's call, its rounding after the shift included.
+    draws();
+    const double shift = 0.75;
+    ASSERT_TRUE(PralBurntFingerPoisson_Core(&out, 9000, 9000, nullptr, nullptr, nullptr, nullptr, &shift));
+    PralPoisson_Core(&first, 9000, &u[0], nullptr, nullptr, nullptr, &shift);
+    EXPECT_EQ(out, first);
+}
+
+TEST(Discrete, BurntFingerEndsAtItsLastPercentile) {
+    const BurntFingerPoisson d(3, 2);
+    EXPECT_EQ(d.quantile(0.99999999999999), DBL_MAX);
+    EXPECT_LT(d.quantile(std::nextafter(0.99999999999999, 0)), 40);
+    EXPECT_EQ(BurntFingerPoisson(3, 3).quantile(0.999999999999999), Poisson(3).quantile(0.999999999999999));
+}
+
+template <class D>
+void expect_table_equals_walk(const D& d) {
+    RandomStream stream;
+    stream.seed(5);
+    std::vector<double> p(400);
+    stream.fill(p);
+    std::vector<double> values = p;
+    d.quantiles(values);
+    for (std::size_t i = 0; i < p.size(); ++i) ASSERT_EQ(values[i], d.quantile(p[i])) << p[i];
+}
+
+TEST(Discrete, TablesEqualTheWalk) {
+    expect_table_equals_walk(Skellam(500, 300));
+    expect_table_equals_walk(Skellam(1e-3, 4000));
+    expect_table_equals_walk(PoissonUniform(100, 900));
+    expect_table_equals_walk(InvHypergeo(3, 5, 4000));
+}
+
+}  // namespace
