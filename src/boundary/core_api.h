@@ -290,9 +290,9 @@ PRAL_API bool PralAggregateDePrilProb10_Core(double* out, double* x, int count, 
  *
  * Models of prices live on log returns y_t, t = 0 .. n - 1. With LogReturn 0 the path is the price
  * S_t = S_(t-1) exp(y_t), S_(-1) being LastValue; otherwise it is y_t itself, and LastValue is not used. eps_t stands
- * for Normal(0, sigma) and z_t for Normal(0, 1). lastReturn is y_(-1), lastShock e_(-1), lastSigma sigma_(-1), the state
- * that was observed last. Shocks before the first step that are not arguments are drawn first, the earliest one before
- * the others.
+ * for Normal(0, sigma) and z_t for Normal(0, 1). lastReturn is y_(-1), lastShock e_(-1), lastSigma sigma_(-1), the
+ * state that was observed last. Shocks before the first step that are not arguments are drawn first, the earliest one
+ * before the others.
  *
  * Arguments without a range may have any value; a NaN among them, and a variance that a recurrence makes negative, give
  * NaN. The messages stand in the order of checking, after "Error: out must not be null"; the path is 0 then. A draw
@@ -309,6 +309,16 @@ PRAL_API bool PralTimeGBM_Core(double* out, int n, double mu, double sigma, doub
 PRAL_API bool PralTimeGBMVB_Core(SAFEARRAY** out, double mu, double sigma, double LastValue,
                                  const double* TimeStamps, int LogReturn, double LastTime);
 
+/* Geometric Brownian motion with jumps: first J_t ~ Bernoulli(1 - exp(-lambda)), then
+ * y_t ~ Normal(mu + J_t muJ, sqrt(J_t sigmaJ^2 + sigma^2)). sigma > 0; 0 < lambda < 0.16 jumps per step, so that a
+ * second one in a step may be left out; muJ and sigmaJ > 0 are mean and standard deviation of a jump. LastValue > 0.
+ * "Error: sigma must be >0", "Error: lambda must be between (0, 0.16)", "Error: sigmaj must be >0",
+ * "Error: LastValue must be >0" (LogReturn 0) */
+PRAL_API bool PralTimeGBMJD_Core(double* out, int n, double mu, double sigma, double lambda, double muJ,
+                                 double sigmaJ, int LogReturn, double LastValue);
+PRAL_API bool PralTimeGBMJDVB_Core(SAFEARRAY** out, double mu, double sigma, double lambda, double muJ,
+                                   double sigmaJ, int LogReturn, double LastValue);
+
 /* Log returns that revert to their mean (Ornstein-Uhlenbeck): y_t ~ Normal(mu + (y_(t-1) - mu) exp(-alpha dt_t),
  * sigma sqrt((1 - exp(-2 alpha dt_t))/(2 alpha))). sigma > 0 per unit time; alpha, the speed of reversion per unit
  * time, may have any value (0: a random walk; the root is sqrt(dt) then). TimeStamps, when not null, are n ascending
@@ -320,6 +330,20 @@ PRAL_API bool PralTimeGBMMR_Core(double* out, int n, double mu, double sigma, do
                                  double LastValue, const double* TimeStamps, int LogReturn);
 PRAL_API bool PralTimeGBMMRVB_Core(SAFEARRAY** out, double mu, double sigma, double alpha, double lastReturn,
                                    double LastValue, const double* TimeStamps, int LogReturn);
+
+/* Mean reversion with jumps, from y_(-1) = mu. R(y, s) = mu + (y - mu) exp(-alpha s) is the mean a time s after y, and
+ * V(s) = sigma^2 (1 - exp(-2 alpha s))/(2 alpha) the variance. Each step draws J_t ~ Bernoulli(1 - exp(-lambda)), then
+ *   without a jump   y_t ~ Normal(R(y_(t-1), 1), sqrt(V(1)))
+ *   with a jump      y' ~ Normal(R(y_(t-1), tau) + muJ, sqrt(V(tau) + sigmaJ^2)),
+ *                    y_t ~ Normal(R(y', 1 - tau), sqrt(V(1 - tau)))
+ * tau = 1/lambda - 1/(exp(lambda) - 1) being the mean time of a single jump in the step. sigma > 0; alpha > 0, the
+ * speed of reversion per step; lambda, muJ and sigmaJ as in GBMJD; LastValue > 0.
+ * "Error: sigma must be >0", "Error: alpha must be >0", "Error: lambda must be between (0, 0.16)",
+ * "Error: sigmaj must be >0", "Error: LastValue must be >0" (LogReturn 0) */
+PRAL_API bool PralTimeGBMJDMR_Core(double* out, int n, double mu, double sigma, double alpha, double lambda,
+                                   double muJ, double sigmaJ, int LogReturn, double LastValue);
+PRAL_API bool PralTimeGBMJDMRVB_Core(SAFEARRAY** out, double mu, double sigma, double alpha, double lambda,
+                                     double muJ, double sigmaJ, int LogReturn, double LastValue);
 
 /* Geometric Brownian motion with two seasonal cycles: y_t ~ Normal(mu + s1[t mod p1] + s2[t mod p2], sigma). The
  * seasonal terms add to the log return of their step (a month and a weekday, say), so that exp(s) is a factor of its
@@ -410,8 +434,12 @@ PRAL_API bool PralTimeAPARCHVB_Core(SAFEARRAY** out, double mu, double omega, do
 /* Counts X_0, X_1, ... of a population of N0 >= 1 individuals, an integer, after times t, 2 t, ...; beta > 0 is the
  * rate of each individual per unit of time, t > 0 the length of a step; p = exp(-beta t). When `logarithm` is not 0 the
  * path is log10 X_i, and -DBL_MAX for 0.
+ *   Yule    births:  X_i = X_(i-1) + NegBin(X_(i-1), p); at DBL_MAX the population stays
+ *           "n should be an positive integer", "beta should be >0", "t should be >0"
  *   Death   deaths:  X_i ~ Binomial(X_(i-1), p)
  *           "n should be an integer", "n should be >=1", "beta should be >0", "t should be >0" */
+PRAL_API bool PralTimeYule_Core(double* out, int n, double N0, double beta, double t, int logarithm);
+PRAL_API bool PralTimeYuleVB_Core(SAFEARRAY** out, double N0, double beta, double t, int logarithm);
 PRAL_API bool PralTimeDeath_Core(double* out, int n, double N0, double beta, double t, int logarithm);
 PRAL_API bool PralTimeDeathVB_Core(SAFEARRAY** out, double N0, double beta, double t, int logarithm);
 
@@ -429,7 +457,7 @@ PRAL_API bool PralTimeDeathVB_Core(SAFEARRAY** out, double N0, double beta, doub
  * value.
  * "Error: X must be greater or equal to 0!" for a standard deviation X, "Error: X must be in [-1,1] interval!" for the
  * others, in the order of the arguments. The A forms begin with "Error: {inflation} array length must be >= output
- * array length" and "Error: inflation must not be null". */
+ * array length" and "Error: inflation must not be null". "Error: Unknown error!" is for what has no text of its own. */
 
 /* The price index: out[0] = 1, out[t] = out[t-1] exp(I_t). */
 PRAL_API bool PralTimePriceInflation_Core(double* out, int n, double QMU, double QSD, double QA);

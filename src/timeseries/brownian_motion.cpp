@@ -1,4 +1,5 @@
 // Geometric Brownian motion and its kin: with jumps, with reversion to a mean, with both, with seasons.
+#include "distributions/discrete/negative_binomial.h"
 #include "numerics/elementary.h"
 #include "timeseries/exports.h"
 
@@ -6,8 +7,7 @@ namespace pral::timeseries {
 namespace {
 
 constexpr Message kSigmaMessage = "Error: sigma must be >0";
-constexpr Message kLambdaMessage = "Error: lambda must be between (0, 0.16)";
-constexpr Message kJumpSigmaMessage = "Error: sigmaj must be >0";
+constexpr Message kPositiveLastPrice = "Error: LastValue must be >0";
 
 /// y_t ~ Normal(mu dt, sigma sqrt(dt)): mu is the mean log return, without a correction by sigma^2/2.
 struct GBM {
@@ -22,6 +22,38 @@ struct GBM {
         length = dt;
         return normal(mu * dt, deviation);
     }
+};
+
+/// Jumps at the rate lambda a step, at most one in a step, which the rate is small enough for: Normal(mu, sigma) each.
+struct Jumps {
+    double lambda, mu, sigma;
+    Bernoulli indicator{-numerics::expm1_fn(-lambda)};
+
+    Message check() const {
+        if (!(lambda > 0 && lambda < 0.16)) return "Error: lambda must be between (0, 0.16)";
+        if (!(sigma > 0)) return "Error: sigmaj must be >0";
+        return nullptr;
+    }
+    bool one() const { return drawn(indicator) != 0; }
+    double variance() const { return sigma * sigma; }
+    /// The mean time of a single jump in the unit step, 1/lambda - 1/(e^lambda - 1), whose terms cancel for small lambda: its
+    /// series in Bernoulli numbers (DLMF 24.2.1), for lambda < 0.16 to the last bit.
+    double mean_time() const {
+        const double x = lambda * lambda;
+        return 0.5 -
+               lambda * (1 / 12.0 - x * (1 / 720.0 - x * (1 / 30240.0 - x * (1 / 1209600.0 - x / 47900160))));
+    }
+};
+
+/// y_t ~ Normal(mu + J_t muJ, sqrt(J_t sigmaJ^2 + sigma^2)), J_t = 1 with a jump and 0 without
+struct GBMJD {
+    static constexpr Message kLastValueMessage = kPositiveLastPrice;
+    double mu, sigma;
+    Jumps jumps;
+    double with_jump = std::sqrt(jumps.variance() + sigma * sigma);
+
+    Message check(int) const { return sigma > 0 ? jumps.check() : kSigmaMessage; }
+    double next() const { return jumps.one() ? normal(mu + jumps.mu, with_jump) : normal(mu, sigma); }
 };
 
 /// What an Ornstein-Uhlenbeck process keeps of its distance from the mean over a time dt, and the variance that unit noise
@@ -54,6 +86,36 @@ struct GBMMR {
         length = dt;
         y = normal(mu + (y - mu) * reversion.kept, sigma * std::sqrt(reversion.variance));
         return y;
+    }
+};
+
+/// Reversion and jumps: from the mean on, steps of GBMMR. A step with a jump is two, up to the jump, which adds to its mean
+/// and its variance, and from there to the end.
+struct GBMJDMR {
+    static constexpr Message kLastValueMessage = kPositiveLastPrice;
+    double mu, sigma, alpha;
+    Jumps jumps;
+    double y = mu;
+    double tau = jumps.mean_time();
+    Reversion whole{alpha, 1}, before{alpha, tau}, after{alpha, 1 - tau};
+
+    Message check(int) const {
+        if (!(sigma > 0)) return kSigmaMessage;
+        if (!(alpha > 0)) return "Error: alpha must be >0";
+        return jumps.check();
+    }
+    double next() {
+        if (jumps.one()) {
+            const double variance = sigma * sigma * before.variance + jumps.variance();
+            y = normal(mu + jumps.mu + (y - mu) * before.kept, std::sqrt(variance));
+            y = step(after);
+        } else {
+            y = step(whole);
+        }
+        return y;
+    }
+    double step(const Reversion& r) const {
+        return normal(mu + (y - mu) * r.kept, sigma * std::sqrt(r.variance));
     }
 };
 
@@ -95,12 +157,24 @@ PRAL_EXPORT_PATH(GBM,
                  (mu, sigma, LastValue, TimeStamps, LogReturn, LastTime),
                  price_path(out, n, GBM{mu, sigma, {TimeStamps, LastTime}}, {LogReturn, LastValue}))
 
+PRAL_EXPORT_PATH(GBMJD,
+                 (double mu, double sigma, double lambda, double muJ, double sigmaJ, int LogReturn,
+                  double LastValue),
+                 (mu, sigma, lambda, muJ, sigmaJ, LogReturn, LastValue),
+                 price_path(out, n, GBMJD{mu, sigma, {lambda, muJ, sigmaJ}}, {LogReturn, LastValue}))
+
 PRAL_EXPORT_PATH(GBMMR,
                  (double mu, double sigma, double alpha, double lastReturn, double LastValue,
                   const double* TimeStamps, int LogReturn),
                  (mu, sigma, alpha, lastReturn, LastValue, TimeStamps, LogReturn),
                  price_path(out, n, GBMMR{mu, sigma, alpha, lastReturn, {TimeStamps, 0}},
                             {LogReturn, LastValue}))
+
+PRAL_EXPORT_PATH(GBMJDMR,
+                 (double mu, double sigma, double alpha, double lambda, double muJ, double sigmaJ,
+                  int LogReturn, double LastValue),
+                 (mu, sigma, alpha, lambda, muJ, sigmaJ, LogReturn, LastValue),
+                 price_path(out, n, GBMJDMR{mu, sigma, alpha, {lambda, muJ, sigmaJ}}, {LogReturn, LastValue}))
 
 PRAL_EXPORT_PATH(SeasonalGBM,
                  (double mu, double sigma, const double* s1, int count_s1, int p1, const double* s2,

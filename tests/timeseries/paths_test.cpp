@@ -68,7 +68,9 @@ Series series(bool (*plain)(double*, int, P...), bool (*automation)(SAFEARRAY**,
 #define SERIES(X) \
     { #X, series(PralTime##X##_Core, PralTime##X##VB_Core) }
 const std::map<std::string, Series> kSeries = {SERIES(GBM),
+                                               SERIES(GBMJD),
                                                SERIES(GBMMR),
+                                               SERIES(GBMJDMR),
                                                SERIES(SeasonalGBM),
                                                SERIES(AR1),
                                                SERIES(AR2),
@@ -79,6 +81,7 @@ const std::map<std::string, Series> kSeries = {SERIES(GBM),
                                                SERIES(GARCH),
                                                SERIES(EGARCH),
                                                SERIES(APARCH),
+                                               SERIES(Yule),
                                                SERIES(Death),
                                                SERIES(PriceInflation),
                                                SERIES(WageInflation),
@@ -233,6 +236,9 @@ TEST(Paths, StayFinite) {
     ASSERT_TRUE(simulate("AR1", 1, Written("-1 0 0 0 0 inf").arguments, path));  // a fall leads back
     EXPECT_EQ(path[0], DBL_MAX);
     EXPECT_DOUBLE_EQ(path[1], DBL_MAX * std::exp(-1));
+    ASSERT_TRUE(simulate("Yule", 1, Written("1 600 1 0").arguments, path));  // 1e260 fold a step
+    EXPECT_EQ(path[1], DBL_MAX);
+    EXPECT_EQ(path[3], DBL_MAX);
     ASSERT_TRUE(simulate("ShareYields", 1, Written("0 0 0 0 0 0 1").arguments, path));  // ln 0
     EXPECT_EQ(path, (Values{0, -DBL_MAX, -DBL_MAX, -DBL_MAX}));
     ASSERT_TRUE(simulate("GARCH", 1, Written("0 0.1 1 10 -0.5 1 0").arguments, path));  // variance -2.65
