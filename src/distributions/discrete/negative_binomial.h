@@ -23,6 +23,9 @@ struct Bernoulli : OnIntegers<Bernoulli> {
     double log_density(double k) const { return k < 1 ? numerics::log1p_fn(-p) : std::log(p); }
     double mass_ratio(double) const { return p / (1 - p); }
     double start(double) const { return 0; }
+    /// One comparison with the smaller tail, in place of the walk with its logarithms: simulations draw these by the million.
+    double quantile(double u) const { return u <= 0.5 ? (u > 1 - p ? 1 : 0) : quantile_upper(1 - u); }
+    double quantile_upper(double q) const { return q < p ? 1 : 0; }
 };
 
 /// What the negative binomial families share: failures before the s-th success, real s > 0, each trial succeeding with
