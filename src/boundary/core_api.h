@@ -539,6 +539,245 @@ PRAL_API bool PralTimeShortTermInterestRateA_Core(double* out, int n, const doub
 PRAL_API bool PralTimeShortTermInterestRateAVB_Core(SAFEARRAY** out, const double* longTermRate, int rateN,
                                                     double BMU, double BSD, double BA);
 
+/* ----------------------------------------------------------------------------- Multivariate distributions
+ *
+ * Samplers write one vector of k values, elements beyond which are not touched; a failed call leaves zeros. They are made
+ * of univariate draws, each one bare call of its distribution, in the order told. Probability functions give the joint
+ * density or probability, Prob10 its base-10 logarithm. Counts are whole numbers in doubles. The VB forms take an
+ * automation array in place of `out` and its count.
+ */
+
+/* Normal vectors with means mu and the k x k covariance matrix cov, covN elements: mu + L z with its Cholesky factor L and
+ * k standard normals z (S sqrt(Lambda) of the eigen-decomposition in place of L where the matrix is singular). A matrix
+ * that is zero above its diagonal is completed in `cov` itself, also when the call then fails. Without elements (covN < 1),
+ * or with all of them 0, the result is mu, and nothing is drawn.
+ * "Error: the number of elements in otput array too small", "Error: cov_matrix must have as many rows and columns as there
+ * are means", "Error: cov_matrix must be positive semi-definite", "Error: Matrix must be positive semi-definite" (not
+ * symmetric) */
+PRAL_API bool PralMultiNormal_Core(double* out, int outN, const double* mu, int k, double* cov, int covN);
+PRAL_API bool PralMultiNormalVB_Core(SAFEARRAY** out, const double* mu, int k, double* cov, int covN);
+
+/* exp(-q/2)/sqrt(2 pi det cov), q = (x - mu)' cov^-1 (x - mu). The constant has 2 pi once, whatever k is: the usual density
+ * for k = 1 only.
+ * "Error: Data and Means arrays must contain same number of cells", those of the sampler, "Error: cov_matrix is singular" */
+PRAL_API bool PralMultiNormalProb_Core(double* result, const double* x, int nx, const double* mu, int nmu,
+                                       double* cov, int covN);
+PRAL_API bool PralMultiNormalProb10_Core(double* result, const double* x, int nx, const double* mu, int nmu,
+                                         double* cov, int covN);
+
+/* How n >= 0 items fall into k categories with probabilities p, which sum to 1 within k 1e-15. Conditional binomials.
+ * "Error: the number of elements in otput array must be equal w" (fewer than k), "Error: n must be a positive integer",
+ * "Error: p must be between [0,1]", "Error: p must sum up to 1" */
+PRAL_API bool PralMultinomial_Core(double* out, int outN, double n, const double* p, int k);
+PRAL_API bool PralMultinomialVB_Core(SAFEARRAY** out, double n, const double* p, int k);
+
+/* n!/prod s_i! prod p_i^s_i of the counts s, n = sum s.
+ * "Error: s and p arrays must contain same number of cells", "Error: p values must all be on [0,1]",
+ * "Error: s values must not be negative", "Error: Sum(s) must >0", "Error: Sum(p) must =1" (within k 1e-15),
+ * "Error: s values must be integers" */
+PRAL_API bool PralMultinomialProb_Core(double* result, const double* s, int ns, const double* p, int np);
+PRAL_API bool PralMultinomialProb10_Core(double* result, const double* s, int ns, const double* p, int np);
+
+/* k proportions that sum to 1: Gamma(alpha_i + 1, 1) over their sum. The shapes are alpha + 1, so that these are samples
+ * of the Dirichlet distribution with parameters alpha + 1, alpha > -1.
+ * "Error: return array size must be >= {alpha} size ", those of Gamma, "Error: alpha values must be > -1" (all -1) */
+PRAL_API bool PralDirichlet_Core(double* out, int outN, const double* alpha, int k);
+PRAL_API bool PralDirichletVB_Core(SAFEARRAY** out, const double* alpha, int k);
+
+/* Gamma(sum alpha)/prod Gamma(alpha_i) prod x_i^(alpha_i - 1).
+ * "Error: {x} and {alpha} must contain same number of elemens", "Error: alpha values must be >0",
+ * "Error: x values must all be on (0,1)", "Error: Sum(x) must =1" (within k 1e-15) */
+PRAL_API bool PralDirichletProb_Core(double* result, const double* x, int nx, const double* alpha,
+                                     int nalpha);
+PRAL_API bool PralDirichletProb10_Core(double* result, const double* x, int nx, const double* alpha,
+                                       int nalpha);
+
+/* How n items drawn without replacement fall into k groups of sizes D >= 0. Conditional hypergeometrics. outN is not
+ * looked at: `out` must hold k elements (an automation array is refused when it does not).
+ * "Error: D values must be integers", "Error: D values must all be >0" (negative), "Error: n must be less than Sum({D})"
+ * (greater), those of Hypergeo */
+PRAL_API bool PralMultiHypergeo_Core(double* out, int outN, double n, const double* D, int k);
+PRAL_API bool PralMultiHypergeoVB_Core(SAFEARRAY** out, double n, const double* D, int k);
+
+/* prod C(D_i, s_i)/C(sum D, sum s).
+ * "Error: s and D arrays must contain same number of cells", "Error: s values must be integers",
+ * "Error: s values must be >=0", "Error: D values must be integers", "Error: D values must all be >0" (negative),
+ * "Error: s[i] must be <= D(i)", "Error: Sum(s) must >0" */
+PRAL_API bool PralMultiHypergeoProb_Core(double* result, const double* s, int ns, const double* D, int nD);
+PRAL_API bool PralMultiHypergeoProb10_Core(double* result, const double* s, int ns, const double* D, int nD);
+
+/* Waiting times: items are drawn until every group i has at least s[i] of them, InvMultiHypergeo without replacement from
+ * groups of D[i] >= s[i] items, NegMultinomial in independent trials with probabilities p, which sum to 1 within 1e-15.
+ * The first forms give the total number of draws; the forms 2 a vector, the items of each group beyond its quota s[i].
+ *
+ * The groups are taken in order. One that lacks m items draws the number of other items that come before its m-th
+ * (InvHypergeo, NegBin; the first group also when its quota is 0), and these are shared among all other groups, those
+ * that have their quota included, in order by conditional hypergeometrics or binomials of what is left. NegBin's cut-off
+ * far in the tail (DBL_MAX) shows in the results.
+ * Urn: "Error: the number of elements in {s} and {d} must be equal", "Error: {s} values must be integers",
+ * "Error: {s} values must be >=0", "Error: {d} values must be integers", "Error: {d} values must all be >0" (negative),
+ * "Error: each s(i) must less than d(i)" (greater; form 2: "Error: each s(i) must be <= D(i)"), form 2:
+ * "Error: the number of elements in otput array must be equal w" (fewer)
+ * Trials: "Error: sizes of input arrays must be equal", "Error: all p must be between [0,1]", "Error: all s must be
+ * positive" (negative), "Error: all s must be integer", "Error: sum(p) must equal to 1", form 2:
+ * "Error: the number of elements in otput array too small" */
+PRAL_API bool PralInvMultiHypergeo_Core(double* out, const double* s, int ns, const double* D, int nD);
+PRAL_API bool PralInvMultiHypergeo2_Core(double* out, int outN, const double* s, int ns, const double* D,
+                                         int nD);
+PRAL_API bool PralInvMultiHypergeo2VB_Core(SAFEARRAY** out, const double* s, int ns, const double* D, int nD);
+PRAL_API bool PralNegMultinomial_Core(double* out, const double* s, int ns, const double* p, int np);
+PRAL_API bool PralNegMultinomial2_Core(double* out, int outN, const double* s, int ns, const double* p,
+                                       int np);
+PRAL_API bool PralNegMultinomial2VB_Core(SAFEARRAY** out, const double* s, int ns, const double* p, int np);
+
+/* ---------------------------------------------------------------------------------------------------- Copulas
+ *
+ * Vectors of percentiles in [0,1] with a given dependence, for the U of univariate distributions. A pair is two
+ * outputs (n = 2); many samples of d coordinates stand one after another: sample s at out[s d] .. out[s d + d - 1].
+ * A failed call leaves zeros in the output; elements beyond the last sample are not touched. The VB forms take an
+ * automation array in place of `out` and its count.
+ */
+
+/* Archimedean copulas, sampled by a frailty V common to the coordinates (Marshall and Olkin 1988), which is drawn
+ * before them:
+ *   Clayton  U = (1 - ln(u)/V)^(-1/alpha), V Gamma(1/alpha, 1); tau = alpha/(alpha + 2)
+ *   Gumbel   U = exp(-(-ln(u)/V)^(1/theta)), V positive stable of index 1/theta (two draws; Chambers, Mallows and
+ *            Stuck 1976); tau = 1 - 1/theta; theta = 1 is independence
+ *   Frank    U = -ln(1 - u^(1/V) (1 - e^-theta))/theta, V Logarithmic(1 - e^-theta);
+ *            tau = 1 - 4/theta (1 - D1(theta)), D1 being the first Debye function
+ * The parameter 0 is independence. A negative one, for pairs only, gives the vectors of its absolute value with the
+ * second coordinate mirrored. `direction` then turns the pair: 1 as it is (the dependence of Clayton is closest near
+ * (0,0), that of Gumbel near (1,1)), 2 mirrors the first coordinate, 3 the second, 4 both.
+ * "Error: output array size must be =2",
+ * "Error: Direction must be integer value in [1..4]" (Frank: "Error: Direction must be integer value in [1..2]"),
+ * "Error:  alpha must be between [-35:36] for bivariate case",
+ * "Error:  theta must be between [-35:-1] or [1:36] for bivariate case" (Gumbel),
+ * "Error:  theta must be between [-35:35] for bivariate case" (Frank) */
+PRAL_API bool PralCopulaBiClayton_Core(double* out, int n, double alpha, int direction);
+PRAL_API bool PralCopulaBiClaytonVB_Core(SAFEARRAY** out, double alpha, int direction);
+PRAL_API bool PralCopulaBiGumbel_Core(double* out, int n, double theta, int direction);
+PRAL_API bool PralCopulaBiGumbelVB_Core(SAFEARRAY** out, double theta, int direction);
+PRAL_API bool PralCopulaBiFrank_Core(double* out, int n, double theta, int direction);
+PRAL_API bool PralCopulaBiFrankVB_Core(SAFEARRAY** out, double theta, int direction);
+
+/* `nSamples` samples of d = outN/nSamples coordinates, cut to an integer. Pairs (d = 2) have the ranges and messages of
+ * the functions above, but "[-35:-1] or [1,36]" in Gumbel's; more coordinates take no negative parameter.
+ * "Error: output array size is not valid" (d < 2), "Error:  alpha must be between [0:36] for multivariate case",
+ * "Error:  theta must be between [1:36] for multivariate case" (Gumbel), "... [0:35] ..." (Frank) */
+PRAL_API bool PralCopulaMultiClayton_Core(double* out, int outN, double alpha, int nSamples);
+PRAL_API bool PralCopulaMultiClaytonVB_Core(SAFEARRAY** out, double alpha, int nSamples);
+PRAL_API bool PralCopulaMultiGumbel_Core(double* out, int outN, double theta, int nSamples);
+PRAL_API bool PralCopulaMultiGumbelVB_Core(SAFEARRAY** out, double theta, int nSamples);
+PRAL_API bool PralCopulaMultiFrank_Core(double* out, int outN, double theta, int nSamples);
+PRAL_API bool PralCopulaMultiFrankVB_Core(SAFEARRAY** out, double theta, int nSamples);
+
+/* The normal copula: the percentiles of correlated standard normals (two draws each). A correlation rho of 1 or -1 takes
+ * one uniform. "Error: output array size must be =2",
+ * "Error: cov_matrix must be positive semi-definite" (rho beyond [-1,1]) */
+PRAL_API bool PralCopulaBiNormal_Core(double* out, int n, double rho);
+PRAL_API bool PralCopulaBiNormalVB_Core(SAFEARRAY** out, double rho);
+
+/* Student's t copula with nu degrees of freedom, an integer > 0: the percentiles of correlated normals times
+ * sqrt(nu/W), W ChiSq(nu), which is drawn first. Messages as the normal copula's, then those of ChiSq. */
+PRAL_API bool PralCopulaBiT_Core(double* out, int n, double nu, double rho);
+PRAL_API bool PralCopulaBiTVB_Core(SAFEARRAY** out, double nu, double rho);
+
+/* The same with a d x d correlation matrix, of which the lower triangle is enough: it is completed in `corr` itself.
+ * outN = d nSamples; or d = 1 and outN = 2 nSamples, `corr` being the one correlation of pairs. Where all elements of the
+ * matrix are equal and >= 0, all outputs of the call are one and the same uniform. The diagonal is not looked at. The
+ * normals of T are by inversion, one draw each.
+ * "Error: nu must be a positive integer" (T, not a whole number), "Error: number of elements in the output must equal to
+ * the size of the matrix", "Error: cov_matrix must be positive semi-definite", "Error: Matrix must be positive
+ * semi-definite" (not symmetric), those of ChiSq */
+PRAL_API bool PralCopulaMultiNormal_Core(double* out, int outN, double* corr, int d, int nSamples);
+PRAL_API bool PralCopulaMultiNormalVB_Core(SAFEARRAY** out, double* corr, int d, int nSamples);
+PRAL_API bool PralCopulaMultiT_Core(double* out, int outN, double nu, double* corr, int d, int nSamples);
+PRAL_API bool PralCopulaMultiTVB_Core(SAFEARRAY** out, double nu, double* corr, int d, int nSamples);
+
+/* The empirical copula of a rows x cols matrix of data, with a variable in each column, or in each row when
+ * `dataInRows` is not 0. A sample draws an observation, then each coordinate uniformly within the cell of its rank: the
+ * k-th smallest of m values has [(k - 1)/m, k/m], equal values share the union of their cells. outN/d samples, cut to an
+ * integer. Series: only the first observation is drawn, and the samples follow the order of the data from there, the
+ * first observation coming after the last.
+ * "Error: {data} array length must be >=2" (observations), "Error: output array size is not valid" (no sample) */
+PRAL_API bool PralCopulaData_Core(double* out, int outN, const double* data, int rows, int cols,
+                                  int dataInRows);
+PRAL_API bool PralCopulaDataVB_Core(SAFEARRAY** out, const double* data, int rows, int cols, int dataInRows);
+PRAL_API bool PralCopulaDataSeries_Core(double* out, int outN, const double* data, int rows, int cols,
+                                        int dataInRows);
+PRAL_API bool PralCopulaDataSeriesVB_Core(SAFEARRAY** out, const double* data, int rows, int cols,
+                                          int dataInRows);
+
+/* ------------------------------------------------------------------------------------------ Fits of copulas
+ *
+ * By inversion of Kendall's tau (tau-a, of the ranks) of the data: a rows x cols matrix of at least 2 observations of at
+ * least 2 variables, with a variable in each column, or in each row when `dataInRows` is not 0; or nPairs >= 2 pairs
+ * x0, y0, x1, y1, ... With `uncertainty` not 0 the result is the fit to a synthetic data set of the same shape, drawn
+ * from the fitted copula: one replicate of the parametric bootstrap. FitP functions give the parameters; Fit functions
+ * one sample of the fitted copula (d values; two of a pair). An automation array must have room for the result, and is
+ * looked at after the counts ("Error: source array is not valid").
+ * "if Data_In_Rows=false, number of {data} rows must be >=2", "if Data_In_Rows=true number of {data} columns must be
+ * >=2" (fewer than 2 variables), "Error: {data} array length must be >=2" (observations), "Error: The number of copula
+ * pairs must be > 2" (fewer than 2) */
+
+/* From the mean of tau over all ordered pairs of variables (a, b), a not being the last variable:
+ *   Clayton  2 tau/(1 - tau), within [0,36]
+ *   Gumbel   1/(1 - tau), at most 36, and 1.0000000001 where it is below 1
+ *   Frank    by a table of tau at theta = 0, 0.36, ..., 34.92, linearly; 0 for tau < 0, 35 beyond the table. The synthetic
+ *            data come from the Clayton copula with Frank's theta. */
+PRAL_API bool PralCopulaMultiClaytonFitP_Core(double* alpha, const double* data, int rows, int cols,
+                                              int dataInRows, int uncertainty);
+PRAL_API bool PralCopulaMultiGumbelFitP_Core(double* theta, const double* data, int rows, int cols,
+                                             int dataInRows, int uncertainty);
+PRAL_API bool PralCopulaMultiFrankFitP_Core(double* theta, const double* data, int rows, int cols,
+                                            int dataInRows, int uncertainty);
+PRAL_API bool PralCopulaMultiClaytonFit_Core(double* out, const double* data, int rows, int cols,
+                                             int dataInRows, int uncertainty);
+PRAL_API bool PralCopulaMultiClaytonFitVB_Core(SAFEARRAY** out, const double* data, int rows, int cols,
+                                               int dataInRows, int uncertainty);
+PRAL_API bool PralCopulaMultiGumbelFit_Core(double* out, const double* data, int rows, int cols,
+                                            int dataInRows, int uncertainty);
+PRAL_API bool PralCopulaMultiGumbelFitVB_Core(SAFEARRAY** out, const double* data, int rows, int cols,
+                                              int dataInRows, int uncertainty);
+PRAL_API bool PralCopulaMultiFrankFit_Core(double* out, const double* data, int rows, int cols,
+                                           int dataInRows, int uncertainty);
+PRAL_API bool PralCopulaMultiFrankFitVB_Core(SAFEARRAY** out, const double* data, int rows, int cols,
+                                             int dataInRows, int uncertainty);
+
+/* Of pairs, without the limits 0 and 36. *direction 1 to 4 (Frank: 1 or 2) is used as given: the pairs are turned back
+ * by it, so that 2 and 3 change the sign of tau. 0, or a null pointer, asks for the direction that the data show: 1 or 4
+ * for tau >= 0, 2 or 3 for tau < 0, whichever puts the closest dependence into the copula's own corner (by the sign of
+ * the sum of (r + s)^3 over the centred ranks), 1 or 2 for Frank; it is written to *direction.
+ * "Error: Direction must be integer value in [1..4]" or "... [1..2]"; with `uncertainty`, and for a sample, the copula's
+ * own message when the fitted parameter is out of its range. */
+PRAL_API bool PralCopulaBiClaytonFitP_Core(double* alpha, int* direction, const double* pairs, int nPairs,
+                                           int uncertainty);
+PRAL_API bool PralCopulaBiGumbelFitP_Core(double* theta, int* direction, const double* pairs, int nPairs,
+                                          int uncertainty);
+PRAL_API bool PralCopulaBiFrankFitP_Core(double* theta, int* direction, const double* pairs, int nPairs,
+                                         int uncertainty);
+PRAL_API bool PralCopulaBiClaytonFit_Core(double* out, int* direction, const double* pairs, int nPairs,
+                                          int uncertainty);
+PRAL_API bool PralCopulaBiGumbelFit_Core(double* out, int* direction, const double* pairs, int nPairs,
+                                         int uncertainty);
+PRAL_API bool PralCopulaBiFrankFit_Core(double* out, int* direction, const double* pairs, int nPairs,
+                                        int uncertainty);
+
+/* The elliptical copulas: correlations sin(pi tau/2), of more than two variables made positive semi-definite as by
+ * PralValidCorrmat_Core; degrees of freedom nu the whole number in [1,256] with the largest likelihood of the t copula
+ * with these correlations at the ranks/(observations + 1). */
+PRAL_API bool PralCopulaBiNormalFitP_Core(double* rho, const double* pairs, int nPairs, int uncertainty);
+PRAL_API bool PralCopulaBiTFitP_Core(double* nu, double* rho, const double* pairs, int nPairs,
+                                     int uncertainty);
+PRAL_API bool PralCopulaMultiNormalFitP_Core(double* corr, const double* data, int rows, int cols,
+                                             int dataInRows, int uncertainty);
+PRAL_API bool PralCopulaMultiNormalFitPVB_Core(SAFEARRAY** corr, const double* data, int rows, int cols,
+                                               int dataInRows, int uncertainty);
+PRAL_API bool PralCopulaMultiTFitP_Core(double* nu, double* corr, const double* data, int rows, int cols,
+                                        int dataInRows, int uncertainty);
+PRAL_API bool PralCopulaMultiTFitPVB_Core(double* nu, SAFEARRAY** corr, const double* data, int rows,
+                                          int cols, int dataInRows, int uncertainty);
+
 /* ----------------------------------------------------------------------------------------------------- Fits
  *
  * Maximum-likelihood fits of a distribution X to n observations `data`. The families that can be fitted are listed

@@ -1,0 +1,76 @@
+// Fits of copulas to data by inversion of Kendall's tau.
+#pragma once
+
+#include <cmath>
+#include <cstddef>
+#include <vector>
+
+#include "multivariate/archimedean.h"
+#include "multivariate/elliptical.h"
+
+namespace pral::multivariate {
+
+/// Observations of d variables, kept by variable as ranks from 1 to their number m, ties averaged.
+class RankedData {
+  public:
+    /// From data by variable, d of them.
+    RankedData(std::vector<double> by_variable, int d);
+
+    int variables() const { return static_cast<int>(d_); }
+    int observations() const { return static_cast<int>(m_); }
+    std::span<const double> variable(std::size_t j) const { return {&ranks_[j * m_], m_}; }
+
+    /// Kendall's tau-a of two variables: exactly 1 and -1 for perfect concordance and discordance.
+    double tau(std::size_t a, std::size_t b) const;
+
+    /// The mean of tau over the ordered pairs (a, b) with a < d - 1 and b != a: pairs of which one is the last variable count
+    /// once, the others twice.
+    double mean_tau() const;
+
+    /// The sign of the mean of (r + s)^3 of a pair of variables, where r and s are the ranks less their mean, each times 1 or
+    /// -1: an estimate of the sign of E (u1 + u2 - 1)^3 (Rosco and Joe 2013).
+    int corner(double first_sign, double second_sign) const;
+
+  private:
+    std::size_t d_, m_;
+    std::vector<double> ranks_;
+};
+
+/// A copula of pairs with its direction.
+struct PairFit {
+    double parameter;
+    int direction;
+};
+
+/// The fit to pairs in a given direction, or, when that is 0, in the one that the data show: by the sign of tau, and by the
+/// corner in which the dependence is closest.
+template <class Copula>
+PairFit fit_pair(const RankedData& pairs, int direction) {
+    const double tau = pairs.tau(0, 1);
+    if (direction == 0) {
+        const bool falling = tau < 0;
+        const bool own = pairs.corner(falling ? -1 : 1, 1) * Copula::kOwnCorner >= 0;
+        direction = falling ? (own ? 2 : 3) : (own ? 1 : 4);
+    }
+    const bool mirrored = direction == 2 || direction == 3;  // one coordinate, which turns the sign of tau
+    return {numerics::finite_or_limit(Copula::from_tau(mirrored ? -tau : tau)), direction};
+}
+
+/// The fit to more variables.
+template <class Copula>
+double fit_all(const RankedData& data) {
+    return Copula::limited(Copula::from_tau(data.mean_tau()));
+}
+
+/// The correlation matrix sin(pi tau/2) of the elliptical copulas, made positive semi-definite where it is not (see
+/// matrix::valid_corrmat). Empty when that fails.
+std::vector<double> fit_correlations(const RankedData& data);
+
+/// The largest number of degrees of freedom that a fit gives; beyond it the t copula is normal for all that data can tell.
+inline constexpr int kMostDegrees = 256;
+
+/// The whole number of degrees of freedom, 1 to kMostDegrees, with the largest likelihood of the t copula with the given
+/// correlations, at the ranks over m + 1.
+int fit_degrees(const RankedData& data, const std::vector<double>& correlations);
+
+}  // namespace pral::multivariate
