@@ -810,7 +810,7 @@ PRAL_API bool PralCopulaMultiTFitPVB_Core(double* nu, SAFEARRAY** corr, const do
  *
  * A fit begins with an estimate from the data's moments or quantiles, which Newton's method takes to the maximum of the
  * likelihood in coordinates of the family's own; then Nelder and Mead's simplex searches over the parameters (GSL's
- * nmsimplex, steps 0.1, until its size is below 1e-5 or 1,000 iterations are done). The Normal without bounds is the
+ * nmsimplex, steps 0.1, until its size is below 1e-5, 1,000 iterations are done or the likelihood around is level). The Normal without bounds is the
  * mean and standard deviation of the sample (divisor n - 1). Integer parameters are real numbers during the search;
  * those of BetaBinomial, Binomial, Chi, ChiSq, Erlang (truncated), NCChiSq, NegBin, Student, Student3, ZIBetaBinomial
  * and ZTBetaBinomial are rounded after it. The base of LognormalB is 10 to begin with: no data can tell it.

@@ -195,7 +195,7 @@ void Fit::choose_shift() {
 void Fit::climb(Candidate& candidate, const Sample& x) {
     const Coordinates coordinates(ranges(), candidate.place, x_);
     // Where the likelihood grows without end, as it may for few data, it is not followed beyond these coordinates.
-    constexpr double kFar = 35;
+    constexpr double kFar = 17;
     const Point start = coordinates.point(candidate.place);
     const Objective objective = [&](std::span<const double> point) {
         for (std::size_t i = 0; i < point.size(); ++i) {
@@ -211,11 +211,12 @@ void Fit::climb(Candidate& candidate, const Sample& x) {
 /// Brings the start as near to the maximum as can be: the steps of the search itself suit parameters of order 1 only. The
 /// better places are climbed from, the best result remains. Of much data a part comes first.
 void Fit::approach() {
-    constexpr std::size_t kMany = 5000, kPart = 1500, kClimbs = 2;
+    constexpr std::size_t kClimbs = 2;
+    const std::size_t many = family_.costly ? 600 : 5000, part_size = family_.costly ? 250 : 1500;
     const bool at_maximum = family_.closed_form && !truncated() && !shifting();
     std::vector<double> part;
-    if (x_.size() > kMany && !at_maximum) {
-        for (std::size_t i = 0; i < x_.size(); i += x_.size() / kPart) part.push_back(x_.values()[i]);
+    if (x_.size() > many && !at_maximum) {
+        for (std::size_t i = 0; i < x_.size(); i += x_.size() / part_size) part.push_back(x_.values()[i]);
         part.insert(part.end(), {x_.min(), x_.max()});
     }
     const Sample first(part.empty() ? x_.values() : part);
@@ -243,8 +244,11 @@ bool Fit::MinimiseNegLogLikelihood() {
     Point point(descriptor_.params.begin() + first, descriptor_.params.begin() + end);
     if (point.empty()) return true;
     Parameters parameters = descriptor_.params;
+    const Coordinates ranges_of_search(ranges(), parameters, x_);
+    const bool keep_ranges = family_.costly && !shifting();
     const Objective objective = [&](std::span<const double> coordinates) {
         std::ranges::copy(coordinates, parameters.begin() + first);
+        if (keep_ranges && ranges_of_search.first_outside(parameters) >= 0) return kRefused;
         const double log = log_likelihood(parameters, x_);
         return log > -HUGE_VAL ? -log / numerics::kLn10 : kRefused;
     };

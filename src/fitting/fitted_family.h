@@ -81,6 +81,8 @@ struct FittedFamily {
     /// No search over the parameters as they are, and messages that begin with the family's name.
     bool own_search = false;
     Rounding rounding = {};
+    /// The density takes about a microsecond.
+    bool costly = false;
 
     int parameter_count = 0;
     /// The natural log-likelihood of values within the bounds; -inf where parameters are refused.

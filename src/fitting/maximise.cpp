@@ -15,10 +15,30 @@ struct FreeMinimiser {
     void operator()(gsl_multimin_fminimizer* minimiser) const { gsl_multimin_fminimizer_free(minimiser); }
 };
 
-/// For GSL, whose vectors of this file are contiguous.
-double call_objective(const gsl_vector* x, void* objective) {
-    return (*static_cast<const Objective*>(objective))({x->data, x->size});
-}
+/// The objective as GSL calls it, with vectors that are contiguous. It notices when nothing is left to tell points apart.
+class Watched {
+  public:
+    explicit Watched(const Objective& objective) : objective_(objective) {}
+
+    static double call(const gsl_vector* x, void* watched) {
+        return static_cast<Watched*>(watched)->value({x->data, x->size});
+    }
+    /// The last so many values have all been the lowest to rounding: the steps are too short for the parameters.
+    bool flat(std::size_t values) const { return level_ >= values; }
+
+  private:
+    double value(std::span<const double> x) {
+        constexpr double kRounding = 1e-12;
+        const double value = objective_(x);
+        level_ = std::fabs(value - lowest_) <= kRounding * std::fabs(lowest_) ? level_ + 1 : 0;
+        lowest_ = std::min(lowest_, value);
+        return value;
+    }
+
+    const Objective& objective_;
+    double lowest_ = HUGE_VAL;
+    std::size_t level_ = 0;
+};
 
 }  // namespace
 
@@ -31,7 +51,8 @@ Deadline Deadline::in(double seconds) {
 SimplexEnd minimise(const Objective& objective, Point& point, const SimplexRules& rules,
                     const Deadline& deadline) {
     const std::size_t dimension = point.size();
-    gsl_multimin_function function = {call_objective, dimension, const_cast<Objective*>(&objective)};
+    Watched watched(objective);
+    gsl_multimin_function function = {Watched::call, dimension, &watched};
     Point steps(dimension, rules.step);
     const auto start = gsl_vector_view_array(point.data(), dimension);
     const auto step = gsl_vector_view_array(steps.data(), dimension);
@@ -46,6 +67,7 @@ SimplexEnd minimise(const Objective& objective, Point& point, const SimplexRules
         if (gsl_multimin_fminimizer_iterate(minimiser.get()) != GSL_SUCCESS) break;
         const double size = gsl_multimin_fminimizer_size(minimiser.get());
         if (gsl_multimin_test_size(size, rules.tolerance) == GSL_SUCCESS) break;
+        if (watched.flat(4 * (dimension + 1))) break;
     }
     for (std::size_t i = 0; i < dimension; ++i) point[i] = gsl_vector_get(minimiser->x, i);
     return SimplexEnd::done;
@@ -155,17 +177,22 @@ bool climb(const Objective& objective, const LocalModel& model, Maximum& best, d
     return false;
 }
 
-/// Newton's method from `best` upwards; whether it ends where the gradient vanishes.
+/// Newton's method from `best` upwards; whether it ends where the gradient vanishes, or on a slope towards infinity that has
+/// become level.
 bool newton(const Objective& objective, Maximum& best, const Deadline& deadline) {
-    constexpr int kMostSteps = 60;
+    constexpr int kMostSteps = 60, kLevelSteps = 2;
+    constexpr double kLevel = 1e-6;
     double damping = 0;
-    for (int i = 0; i < kMostSteps && !deadline.passed(); ++i) {
+    for (int i = 0, level = 0; i < kMostSteps && !deadline.passed(); ++i) {
         const LocalModel model(objective, best.point, best.value);
         if (!model.valid()) return false;
         Row full = {};
         const bool concave = model.step(0, full);
         if (concave && model.gain(full) < kNegligible) return true;
+        const double before = best.value;
         if (!climb(objective, model, best, damping)) return false;
+        level = best.value - before < kLevel ? level + 1 : 0;
+        if (level == kLevelSteps) return true;
     }
     return false;
 }

@@ -40,7 +40,8 @@ struct SimplexRules {
 
 enum class SimplexEnd { done, timeout };
 
-/// Moves `point` to the lowest vertex that the simplex finds. Ends early, with what it has, when GSL reports an error.
+/// Moves `point` to the lowest vertex that the simplex finds. Ends early, with what it has, when GSL reports an error or
+/// when the values around are the same to rounding.
 SimplexEnd minimise(const Objective& objective, Point& point, const SimplexRules& rules,
                     const Deadline& deadline);
 

@@ -261,6 +261,8 @@ Starts start_ncf(const StartData& data) {
     return starts;
 }
 
+/// Beyond, the family is as good as its limits, and its density takes long.
+constexpr Range kNotHuge = between(0, 1e4);
 constexpr std::array<Range, 4> kAllPositive = {kPositive, kPositive, kPositive, kPositive};
 
 const FittedFamily kFamilies[] = {
@@ -331,8 +333,10 @@ const FittedFamily kFamilies[] = {
     fitted<RealCounts<NCChiSq>, 2>({.name = "NCChiSq",
                                     .ranges = kAllPositive,
                                     .starts = start_nc_chi_square,
-                                    .rounding = {0, false, 1}}),
-    fitted<NCF, 3>({.name = "NCF", .ranges = kAllPositive, .starts = start_ncf}),
+                                    .rounding = {0, false, 1},
+                                    .costly = true}),
+    fitted<NCF, 3>(
+        {.name = "NCF", .ranges = {kNotHuge, kNotHuge, kNotHuge}, .starts = start_ncf, .costly = true}),
 };
 
 }  // namespace
