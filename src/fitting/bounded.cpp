@@ -179,39 +179,26 @@ Starts start_log_triangle(const StartData& data) {
 constexpr ParameterNames kJohnsonNames = {"alpha1", "alpha2", "minimum", "maximum"};
 constexpr ParameterNames kEnds = {nullptr, nullptr, "minimum", "maximum"};
 
+// clang-format off
 const FittedFamily kFamilies[] = {
-    fitted<Uniform, 2>({.name = "Uniform", .starts = start_ends, .closed_form = true}),
-    fitted<LogUniform, 2>({.name = "LogUniform", .starts = start_positive_ends, .closed_form = true}),
-    fitted<Reciprocal, 2>({.name = "Reciprocal", .starts = start_positive_ends, .closed_form = true}),
-    fitted<Bradford, 3>({.name = "Bradford", .ranges = {kPositive, kHeld, kHeld}, .starts = start_bradford}),
-    fitted<Beta, 2>({.name = "Beta", .ranges = {kPositive, kPositive}, .starts = start_beta}),
-    fitted<Kumaraswamy, 2>(
-        {.name = "Kumaraswamy", .ranges = {kPositive, kPositive}, .starts = start_kumaraswamy}),
-    fitted<Beta4, 4>({.name = "Beta4",
-                      .ranges = {kPositive, kPositive, kBelowMin, kAboveMax},
-                      .starts = start_beta4,
-                      .names = kEnds}),
-    fitted<BetaSubj, 4>({.name = "BetaSubj",
-                         .ranges = {kBelowMin, kLocation, kLocation, kAboveMax},
-                         .starts = start_beta_subj,
-                         .names = {"minimum", nullptr, nullptr, "maximum"}}),
-    fitted<JohnsonB, 4>({.name = "JohnsonB",
-                         .ranges = {kReal, kPositive, kBelowMin, kAboveMax},
-                         .starts = start_johnson_b,
-                         .names = kJohnsonNames}),
-    fitted<Kumaraswamy4, 4>({.name = "Kumaraswamy4",
-                             .ranges = {kPositive, kPositive, kBelowMin, kAboveMax},
-                             .starts = start_kumaraswamy4,
-                             .own_search = true}),
-    fitted<Triangle, 3>({.name = "Triangle",
-                         .ranges = {kBelowMin, kLocation, kAboveMax},
-                         .starts = start_triangle,
-                         .closed_form = true}),
-    fitted<LogTriangle, 3>({.name = "LogTriangle",
-                            .ranges = {kPositiveBelowMin, kLocation, kAboveMax},
-                            .starts = start_log_triangle,
-                            .closed_form = true}),
+    fitted<Uniform, 2>("Uniform", {}, start_ends, {.closed_form = true}),
+    fitted<LogUniform, 2>("LogUniform", {}, start_positive_ends, {.closed_form = true}),
+    fitted<Reciprocal, 2>("Reciprocal", {}, start_positive_ends, {.closed_form = true}),
+    fitted<Bradford, 3>("Bradford", {kPositive, kHeld, kHeld}, start_bradford),
+    fitted<Beta, 2>("Beta", {kPositive, kPositive}, start_beta),
+    fitted<Kumaraswamy, 2>("Kumaraswamy", {kPositive, kPositive}, start_kumaraswamy),
+    fitted<Beta4, 4>("Beta4", {kPositive, kPositive, kBelowMin, kAboveMax}, start_beta4, {.names = kEnds}),
+    fitted<BetaSubj, 4>("BetaSubj", {kBelowMin, kLocation, kLocation, kAboveMax}, start_beta_subj,
+        {.names = {"minimum", nullptr, nullptr, "maximum"}}),
+    fitted<JohnsonB, 4>("JohnsonB", {kReal, kPositive, kBelowMin, kAboveMax}, start_johnson_b,
+        {.names = kJohnsonNames}),
+    fitted<Kumaraswamy4, 4>("Kumaraswamy4", {kPositive, kPositive, kBelowMin, kAboveMax}, start_kumaraswamy4,
+        {.own_search = true}),
+    fitted<Triangle, 3>("Triangle", {kBelowMin, kLocation, kAboveMax}, start_triangle, {.closed_form = true}),
+    fitted<LogTriangle, 3>("LogTriangle", {kPositiveBelowMin, kLocation, kAboveMax}, start_log_triangle,
+        {.closed_form = true}),
 };
+// clang-format on
 
 }  // namespace
 

@@ -22,9 +22,9 @@ Coordinates::Coordinates(std::span<const Range> ranges, const Parameters& origin
 
 int Coordinates::first_outside(const Parameters& parameters) const {
     for (std::size_t i = 0; i < ranges_.size(); ++i) {
-        const auto& [kind, lower, upper, power] = ranges_[i];
-        if (kind == Kind::between && !(parameters[i] > lower && parameters[i] < upper))
-            return static_cast<int>(i);
+        const auto& [kind, lower, upper, power, closed] = ranges_[i];
+        const bool below = closed ? parameters[i] < lower : parameters[i] <= lower;
+        if (kind == Kind::between && (below || !(parameters[i] < upper))) return static_cast<int>(i);
     }
     return -1;
 }
@@ -32,7 +32,7 @@ int Coordinates::first_outside(const Parameters& parameters) const {
 Point Coordinates::point(const Parameters& parameters) const {
     Point point;
     for (std::size_t i = 0; i < ranges_.size(); ++i) {
-        const auto& [kind, lower, upper, power] = ranges_[i];
+        const auto& [kind, lower, upper, power, closed] = ranges_[i];
         const double p = parameters[i];
         if (kind == Kind::location) point.push_back((p - origin_[i]) / std::pow(spread_, power));
         if (kind == Kind::real) point.push_back(p);
@@ -52,7 +52,7 @@ Parameters Coordinates::parameters(std::span<const double> point) const {
     Parameters parameters = origin_;
     auto next = point.begin();
     for (std::size_t i = 0; i < ranges_.size(); ++i) {
-        const auto& [kind, lower, upper, power] = ranges_[i];
+        const auto& [kind, lower, upper, power, closed] = ranges_[i];
         if (kind == Kind::held) continue;
         const double t = *next++;
         if (kind == Kind::location)

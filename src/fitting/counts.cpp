@@ -72,13 +72,34 @@ Places places_logarithmic(const CountMoments& m) {
     return places;
 }
 
+/// Half the sum and half the difference of variance and mean are the two rates.
+Places places_skellam(const CountMoments& m) {
+    const double least = 1e-3 * m.variance;
+    return {place(
+        {std::fmax(0.5 * (m.variance + m.mean), least), std::fmax(0.5 * (m.variance - m.mean), least)})};
+}
+/// The first rate by the share of zeros.
+Places places_burnt_finger(const CountMoments& m) {
+    const double first = std::fmax(-std::log(std::clamp(m.zeros, 1e-12, 0.99)), 0.01);
+    Places places;
+    for (const double part : {0.9, 0.5, 0.1}) places.push_back(place({first, part * first}));
+    return places;
+}
+
+/// The ends of the uniform rate by mean and variance.
+Starts start_poisson_uniform(const StartData& data) {
+    const double n = data.x.count(), m = data.x.mean(), variance = data.x.variance() * n / (n - 1);
+    if (m >= variance) return "Fit not possible as variance < mean";
+    const double low = std::fmax(m - std::sqrt(3 * (variance - m)), 0), high = 2 * m - low;
+    return {place({low, high}), place({0.05 * m, 1.95 * m}), place({0.5 * m, 1.5 * m})};
+}
 Starts start_mean(const StartData& data) { return one({data.x.mean()}); }
 
-/// The families that begin at 0.
+/// The families that begin at 0, and Skellam's on all integers.
 template <CountEstimator estimator>
 Starts by_moments(const StartData& data) {
     const Sample& x = data.x;
-    if (const Message objection = not_negative(x)) return objection;
+    if (const Message objection = estimator == places_skellam ? nullptr : not_negative(x)) return objection;
     Starts starts;
     starts.places = estimator({x.mean(), x.variance(), x.share_of(0), x.max(), data.first});
     return starts;
@@ -127,105 +148,57 @@ Starts start_zt_geometric(const StartData& data) {
 
 constexpr ParameterNames kInflated1 = {"1", "pi"}, kInflated2 = {"1", "2", "pi"},
                          kInflated3 = {"1", "2", "3", "pi"};
-constexpr Range kCount = kAboveMax;
+constexpr Range kCount = kAboveMax, kNotNegative = {Range::Kind::between, 0, HUGE_VAL, 1, true};
 
+// clang-format off
 const FittedFamily kFamilies[] = {
-    fitted<Bernoulli, 1>(
-        {.name = "Bernoulli", .ranges = {kProbability}, .starts = start_mean, .closed_form = true}),
-    fitted<Poisson, 1>({.name = "Poisson", .ranges = {kPositive}, .starts = start_mean, .closed_form = true}),
-    fitted<Geometric, 1>({.name = "Geometric",
-                          .ranges = {kProbability},
-                          .starts = by_moments<places_geometric>,
-                          .closed_form = true}),
-    fitted<Logarithmic, 1>({.name = "Logarithmic", .ranges = {kProbability}, .starts = start_logarithmic}),
-    fitted<RealCounts<Binomial>, 2>({.name = "Binomial",
-                                     .ranges = {kCount, kProbability},
-                                     .starts = by_moments<places_binomial>,
-                                     .begins_with_count = true,
-                                     .rounding = {0}}),
-    fitted<RealCounts<BetaBinomial>, 3>({.name = "BetaBinomial",
-                                         .ranges = {kCount, kPositive, kPositive},
-                                         .starts = by_moments<places_beta_binomial>,
-                                         .begins_with_count = true,
-                                         .rounding = {0}}),
-    fitted<RealCounts<NegBin>, 2>({.name = "NegBin",
-                                   .ranges = {kPositive, kProbability},
-                                   .starts = by_moments<places_neg_bin>,
-                                   .rounding = {0}}),
-    fitted<Polya, 2>({.name = "Polya", .ranges = {kPositive, kPositive}, .starts = by_moments<places_polya>}),
-    fitted<BetaGeometric, 2>({.name = "BetaGeometric",
-                              .ranges = {kPositive, kPositive},
-                              .starts = by_moments<places_beta_geometric>}),
-    fitted<RealCounts<BetaNegBin>, 3>({.name = "BetaNegBin",
-                                       .ranges = {kPositive, kPositive, kPositive},
-                                       .starts = by_moments<places_beta_neg_bin>}),
-
-    fitted<ZIPoisson, 2>({.name = "ZIPoisson",
-                          .ranges = {kPositive, kProbability},
-                          .starts = inflated<places_poisson, 1>,
-                          .names = {"lambda", "pi"}}),
-    fitted<ZIGeometric, 2>({.name = "ZIGeometric",
-                            .ranges = {kProbability, kProbability},
-                            .starts = inflated<places_geometric, 1>,
-                            .names = kInflated1}),
-    fitted<ZILogarithmic, 2>({.name = "ZILogarithmic",
-                              .ranges = {kProbability, kProbability},
-                              .starts = inflated<places_logarithmic, 1>,
-                              .names = kInflated1}),
-    fitted<ZeroInflated<RealCounts<Binomial>>, 3>({.name = "ZIBinomial",
-                                                   .ranges = {kCount, kProbability, kProbability},
-                                                   .starts = inflated<places_binomial, 2>,
-                                                   .names = kInflated2,
-                                                   .begins_with_count = true}),
-    fitted<ZeroInflated<RealCounts<NegBin>, NegBinChecks>, 3>(
-        {.name = "ZINegBin",
-         .ranges = {kPositive, kProbability, kProbability},
-         .starts = inflated<places_neg_bin, 2>,
-         .names = kInflated2}),
-    fitted<ZIPolya, 3>({.name = "ZIPolya",
-                        .ranges = {kPositive, kPositive, kProbability},
-                        .starts = inflated<places_polya, 2>,
-                        .names = kInflated2}),
-    fitted<ZeroInflated<RealCounts<BetaBinomial>>, 4>({.name = "ZIBetaBinomial",
-                                                       .ranges = {kCount, kPositive, kPositive, kProbability},
-                                                       .starts = inflated<places_beta_binomial, 3>,
-                                                       .names = kInflated3,
-                                                       .begins_with_count = true,
-                                                       .rounding = {0}}),
-    fitted<ZIBetaGeometric, 3>({.name = "ZIBetaGeometric",
-                                .ranges = {kPositive, above(2), kProbability},
-                                .starts = inflated<places_beta_geometric, 2>,
-                                .names = kInflated2}),
-    fitted<ZeroInflated<RealCounts<BetaNegBin>, BetaNegBinChecks>, 4>(
-        {.name = "ZIBetaNegBin",
-         .ranges = {kPositive, kPositive, kPositive, kProbability},
-         .starts = inflated<places_beta_neg_bin, 3>,
-         .names = kInflated3}),
-
-    fitted<ZTPoisson, 1>({.name = "ZTPoisson", .ranges = {kPositive}, .starts = truncated<places_poisson>}),
-    fitted<ZTGeometric, 1>(
-        {.name = "ZTGeometric", .ranges = {kProbability}, .starts = start_zt_geometric, .closed_form = true}),
-    fitted<ZeroTruncated<RealCounts<Binomial>>, 2>({.name = "ZTBinomial",
-                                                    .ranges = {kCount, kProbability},
-                                                    .starts = truncated<places_binomial>,
-                                                    .begins_with_count = true}),
-    fitted<ZeroTruncated<RealCounts<NegBin>, NegBinChecks>, 2>(
-        {.name = "ZTNegBin", .ranges = {kPositive, kProbability}, .starts = truncated<places_neg_bin>}),
-    fitted<ZTPolya, 2>(
-        {.name = "ZTPolya", .ranges = {kPositive, kPositive}, .starts = truncated<places_polya>}),
-    fitted<ZeroTruncated<RealCounts<BetaBinomial>>, 3>({.name = "ZTBetaBinomial",
-                                                        .ranges = {kCount, kPositive, kPositive},
-                                                        .starts = truncated<places_beta_binomial>,
-                                                        .begins_with_count = true,
-                                                        .rounding = {0}}),
-    fitted<ZTBetaGeometric, 2>({.name = "ZTBetaGeometric",
-                                .ranges = {kPositive, above(2)},
-                                .starts = truncated<places_beta_geometric>}),
-    fitted<ZeroTruncated<RealCounts<BetaNegBin>, BetaNegBinChecks>, 3>(
-        {.name = "ZTBetaNegBin",
-         .ranges = {kPositive, kPositive, kPositive},
-         .starts = truncated<places_beta_neg_bin>}),
+    fitted<Bernoulli, 1>("Bernoulli", {kProbability}, start_mean, {.closed_form = true}),
+    fitted<Poisson, 1>("Poisson", {kPositive}, start_mean, {.closed_form = true}),
+    fitted<PoissonUniform, 2>("PoissonUniform", {kNotNegative, kPositive}, start_poisson_uniform),
+    fitted<BurntFingerPoisson, 2>("BurntFingerPoisson", {kPositive, kPositive}, by_moments<places_burnt_finger>),
+    fitted<Skellam, 2>("Skellam", {kPositive, kPositive}, by_moments<places_skellam>),
+    fitted<Geometric, 1>("Geometric", {kProbability}, by_moments<places_geometric>, {.closed_form = true}),
+    fitted<Logarithmic, 1>("Logarithmic", {kProbability}, start_logarithmic),
+    fitted<RealCounts<Binomial>, 2>("Binomial", {kCount, kProbability},
+        by_moments<places_binomial>, {.begins_with_count = true, .rounding = {0}}),
+    fitted<RealCounts<BetaBinomial>, 3>("BetaBinomial", {kCount, kPositive, kPositive},
+        by_moments<places_beta_binomial>, {.begins_with_count = true, .rounding = {0}}),
+    fitted<RealCounts<NegBin>, 2>("NegBin", {kPositive, kProbability}, by_moments<places_neg_bin>, {.rounding = {0}}),
+    fitted<Polya, 2>("Polya", {kPositive, kPositive}, by_moments<places_polya>),
+    fitted<BetaGeometric, 2>("BetaGeometric", {kPositive, kPositive}, by_moments<places_beta_geometric>),
+    fitted<RealCounts<BetaNegBin>, 3>("BetaNegBin", {kPositive, kPositive, kPositive}, by_moments<places_beta_neg_bin>),
+    fitted<ZIPoisson, 2>("ZIPoisson", {kPositive, kProbability},
+        inflated<places_poisson, 1>, {.names = {"lambda", "pi"}}),
+    fitted<ZIGeometric, 2>("ZIGeometric", {kProbability, kProbability},
+        inflated<places_geometric, 1>, {.names = kInflated1}),
+    fitted<ZILogarithmic, 2>("ZILogarithmic", {kProbability, kProbability},
+        inflated<places_logarithmic, 1>, {.names = kInflated1}),
+    fitted<ZeroInflated<RealCounts<Binomial>>, 3>("ZIBinomial", {kCount, kProbability, kProbability},
+        inflated<places_binomial, 2>, {.names = kInflated2, .begins_with_count = true}),
+    fitted<ZeroInflated<RealCounts<NegBin>, NegBinChecks>, 3>("ZINegBin", {kPositive, kProbability, kProbability},
+        inflated<places_neg_bin, 2>, {.names = kInflated2}),
+    fitted<ZIPolya, 3>("ZIPolya", {kPositive, kPositive, kProbability},
+        inflated<places_polya, 2>, {.names = kInflated2}),
+    fitted<ZeroInflated<RealCounts<BetaBinomial>>, 4>("ZIBetaBinomial", {kCount, kPositive, kPositive, kProbability},
+        inflated<places_beta_binomial, 3>, {.names = kInflated3, .begins_with_count = true, .rounding = {0}}),
+    fitted<ZIBetaGeometric, 3>("ZIBetaGeometric", {kPositive, above(2), kProbability},
+        inflated<places_beta_geometric, 2>, {.names = kInflated2}),
+    fitted<ZeroInflated<RealCounts<BetaNegBin>, BetaNegBinChecks>, 4>("ZIBetaNegBin",
+        {kPositive, kPositive, kPositive, kProbability}, inflated<places_beta_neg_bin, 3>, {.names = kInflated3}),
+    fitted<ZTPoisson, 1>("ZTPoisson", {kPositive}, truncated<places_poisson>),
+    fitted<ZTGeometric, 1>("ZTGeometric", {kProbability}, start_zt_geometric, {.closed_form = true}),
+    fitted<ZeroTruncated<RealCounts<Binomial>>, 2>("ZTBinomial", {kCount, kProbability},
+        truncated<places_binomial>, {.begins_with_count = true}),
+    fitted<ZeroTruncated<RealCounts<NegBin>, NegBinChecks>, 2>("ZTNegBin", {kPositive, kProbability},
+        truncated<places_neg_bin>),
+    fitted<ZTPolya, 2>("ZTPolya", {kPositive, kPositive}, truncated<places_polya>),
+    fitted<ZeroTruncated<RealCounts<BetaBinomial>>, 3>("ZTBetaBinomial", {kCount, kPositive, kPositive},
+        truncated<places_beta_binomial>, {.begins_with_count = true, .rounding = {0}}),
+    fitted<ZTBetaGeometric, 2>("ZTBetaGeometric", {kPositive, above(2)}, truncated<places_beta_geometric>),
+    fitted<ZeroTruncated<RealCounts<BetaNegBin>, BetaNegBinChecks>, 3>("ZTBetaNegBin",
+        {kPositive, kPositive, kPositive}, truncated<places_beta_neg_bin>),
 };
+// clang-format on
 
 }  // namespace
 

@@ -30,6 +30,7 @@ struct Range {
     Kind kind = Kind::held;
     double lower = -HUGE_VAL, upper = HUGE_VAL;
     double power = 1;
+    bool closed = false;  ///< `lower` itself is allowed to start from
 };
 inline constexpr Range kLocation = {Range::Kind::location}, kReal = {Range::Kind::real},
                        kBelowMin = {Range::Kind::below_min}, kAboveMax = {Range::Kind::above_max},
@@ -67,10 +68,8 @@ struct Rounding {
     double least = -HUGE_VAL;
 };
 
-struct FittedFamily {
-    std::string_view name;
-    std::array<Range, 4> ranges = {};
-    Starts (*starts)(const StartData&);
+/// What is special to the fit of a family.
+struct Peculiarities {
     /// The starts are the maximum of the likelihood, truncation apart.
     bool closed_form = false;
     ParameterNames names = {};
@@ -83,11 +82,16 @@ struct FittedFamily {
     Rounding rounding = {};
     /// The density takes about a microsecond.
     bool costly = false;
+};
 
-    int parameter_count = 0;
+struct FittedFamily : Peculiarities {
+    std::string_view name;
+    int parameter_count;
+    std::array<Range, 4> ranges;
+    Starts (*starts)(const StartData&);
     /// The natural log-likelihood of values within the bounds; -inf where parameters are refused.
-    double (*log_likelihood)(const double* parameters, const Sample&, const Modifiers&) = nullptr;
-    bool (*values)(std::span<double> out, const double* parameters, const Modifiers&) = nullptr;
+    double (*log_likelihood)(const double* parameters, const Sample&, const Modifiers&);
+    bool (*values)(std::span<double> out, const double* parameters, const Modifiers&);
 };
 
 namespace detail {
@@ -115,13 +119,17 @@ struct Member {
 
 }  // namespace detail
 
-/// What can be made of the family's type; the row adds the rest.
+/// A family with N parameters: how they move, where they start, and what else is special.
 template <Family D, int N>
-constexpr FittedFamily fitted(FittedFamily row) {
-    row.parameter_count = N;
-    row.log_likelihood = detail::Member<D, N>::log_likelihood;
-    row.values = detail::Member<D, N>::values;
-    return row;
+constexpr FittedFamily fitted(std::string_view name, const std::array<Range, 4>& ranges,
+                              Starts (*starts)(const StartData&), const Peculiarities& peculiarities = {}) {
+    return {peculiarities,
+            name,
+            N,
+            ranges,
+            starts,
+            detail::Member<D, N>::log_likelihood,
+            detail::Member<D, N>::values};
 }
 
 /// The families by kin.

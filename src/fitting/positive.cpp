@@ -263,81 +263,47 @@ Starts start_ncf(const StartData& data) {
 
 /// Beyond, the family is as good as its limits, and its density takes long.
 constexpr Range kNotHuge = between(0, 1e4);
+constexpr Range kSquaredRate = {Range::Kind::location, -HUGE_VAL, HUGE_VAL, -2};
 constexpr std::array<Range, 4> kAllPositive = {kPositive, kPositive, kPositive, kPositive};
 
+// clang-format off
 const FittedFamily kFamilies[] = {
-    fitted<Expon, 1>({.name = "Expon", .ranges = kAllPositive, .starts = start_mean, .closed_form = true}),
-    fitted<Gamma, 2>({.name = "Gamma", .ranges = kAllPositive, .starts = start_gamma}),
-    fitted<Gamma, 2>(
-        {.name = "Erlang", .ranges = kAllPositive, .starts = start_gamma, .rounding = {0, true, 1}}),
-    fitted<RealCounts<ChiSq>, 1>(
-        {.name = "ChiSq", .ranges = kAllPositive, .starts = start_chi_square, .rounding = {0, false, 1}}),
-    fitted<RealCounts<Chi>, 1>({.name = "Chi", .ranges = {above(1)}, .starts = start_chi, .rounding = {0}}),
-    fitted<Rayleigh, 1>({.name = "Rayleigh",
-                         .ranges = kAllPositive,
-                         .starts = start_root_mean_square<2>,
-                         .closed_form = true}),
-    fitted<Maxwell, 1>({.name = "Maxwell",
-                        .ranges = kAllPositive,
-                        .starts = start_root_mean_square<3>,
-                        .closed_form = true}),
-    fitted<Pearson5, 2>({.name = "Pearson5", .ranges = kAllPositive, .starts = start_pearson5}),
-    fitted<InvGauss, 2>({.name = "InvGauss",
-                         .ranges = kAllPositive,
-                         .starts = start_inverse_gauss,
-                         .closed_form = true,
-                         .names = {"mu", "lambda"}}),
-    fitted<LognormalE, 2>({.name = "LognormalE",
-                           .ranges = {kReal, kPositive},
-                           .starts = start_lognormal_e,
-                           .closed_form = true,
-                           .names = {"mu", "sigma"}}),
-    fitted<Lognormal, 2>({.name = "Lognormal",
-                          .ranges = kAllPositive,
-                          .starts = start_lognormal,
-                          .closed_form = true,
-                          .names = {"mu", "sigma"}}),
-    fitted<LognormalB, 3>({.name = "LognormalB",
-                           .ranges = {kReal, kPositive, kHeld},
-                           .starts = start_lognormal_b,
-                           .closed_form = true,
-                           .names = {"mu", "sigma"}}),
-    fitted<Weibull, 2>({.name = "Weibull", .ranges = kAllPositive, .starts = start_weibull}),
-    fitted<Weibull3, 3>(
-        {.name = "Weibull3", .ranges = {kPositive, kPositive, kPositiveBelowMin}, .starts = start_weibull3}),
-    fitted<LogLogistic, 2>({.name = "LogLogistic", .ranges = kAllPositive, .starts = start_log_logistic}),
-    fitted<Pareto, 2>(
-        {.name = "Pareto", .ranges = {kPositive, kHeld}, .starts = start_pareto, .closed_form = true}),
-    fitted<Pareto2, 2>({.name = "Pareto2", .ranges = kAllPositive, .starts = start_pareto2}),
-    fitted<Dagum, 3>({.name = "Dagum", .ranges = kAllPositive, .starts = start_dagum}),
-    fitted<Burr, 4>(
-        {.name = "Burr", .ranges = {kBelowMin, kPositive, kPositive, kPositive}, .starts = start_burr}),
-    fitted<Fatigue, 3>(
-        {.name = "Fatigue", .ranges = {kBelowMin, kPositive, kPositive}, .starts = start_fatigue}),
-    fitted<Levy, 2>({.name = "Levy", .ranges = {kPositive, kBelowMin}, .starts = start_levy}),
-    fitted<LogGamma, 3>(
-        {.name = "LogGamma", .ranges = {kPositive, kPositive, kBelowMin}, .starts = start_log_gamma}),
-    fitted<LogLaplace, 3>(
-        {.name = "LogLaplace", .ranges = kAllPositive, .starts = start_log_laplace, .closed_form = true}),
-    fitted<Lifetime2, 2>({.name = "Lifetime2", .ranges = kAllPositive, .starts = start_lifetime2}),
-    fitted<Lifetime3, 3>({.name = "Lifetime3",
-                          .ranges = {kPositive, {Range::Kind::location, 0, 0, -2}, kPositive},
-                          .starts = start_lifetime3}),
-    fitted<LifetimeExp, 2>(
-        {.name = "LifetimeExp", .ranges = {kReal, kPositive}, .starts = start_lifetime_exp}),
-    fitted<Pearson6, 3>({.name = "Pearson6",
-                         .ranges = kAllPositive,
-                         .starts = start_pearson6,
-                         .names = {"alpha1", "alpha2"}}),
-    fitted<F, 2>({.name = "F", .ranges = kAllPositive, .starts = start_f}),
-    fitted<RealCounts<NCChiSq>, 2>({.name = "NCChiSq",
-                                    .ranges = kAllPositive,
-                                    .starts = start_nc_chi_square,
-                                    .rounding = {0, false, 1},
-                                    .costly = true}),
-    fitted<NCF, 3>(
-        {.name = "NCF", .ranges = {kNotHuge, kNotHuge, kNotHuge}, .starts = start_ncf, .costly = true}),
+    fitted<Expon, 1>("Expon", kAllPositive, start_mean, {.closed_form = true}),
+    fitted<Gamma, 2>("Gamma", kAllPositive, start_gamma),
+    fitted<Gamma, 2>("Erlang", kAllPositive, start_gamma, {.rounding = {0, true, 1}}),
+    fitted<RealCounts<ChiSq>, 1>("ChiSq", kAllPositive, start_chi_square, {.rounding = {0, false, 1}}),
+    fitted<RealCounts<Chi>, 1>("Chi", {above(1)}, start_chi, {.rounding = {0}}),
+    fitted<Rayleigh, 1>("Rayleigh", kAllPositive, start_root_mean_square<2>, {.closed_form = true}),
+    fitted<Maxwell, 1>("Maxwell", kAllPositive, start_root_mean_square<3>, {.closed_form = true}),
+    fitted<Pearson5, 2>("Pearson5", kAllPositive, start_pearson5),
+    fitted<InvGauss, 2>("InvGauss", kAllPositive, start_inverse_gauss,
+        {.closed_form = true, .names = {"mu", "lambda"}}),
+    fitted<LognormalE, 2>("LognormalE", {kReal, kPositive}, start_lognormal_e,
+        {.closed_form = true, .names = {"mu", "sigma"}}),
+    fitted<Lognormal, 2>("Lognormal", kAllPositive, start_lognormal, {.closed_form = true, .names = {"mu", "sigma"}}),
+    fitted<LognormalB, 3>("LognormalB", {kReal, kPositive, kHeld}, start_lognormal_b,
+        {.closed_form = true, .names = {"mu", "sigma"}}),
+    fitted<Weibull, 2>("Weibull", kAllPositive, start_weibull),
+    fitted<Weibull3, 3>("Weibull3", {kPositive, kPositive, kPositiveBelowMin}, start_weibull3),
+    fitted<LogLogistic, 2>("LogLogistic", kAllPositive, start_log_logistic),
+    fitted<Pareto, 2>("Pareto", {kPositive, kHeld}, start_pareto, {.closed_form = true}),
+    fitted<Pareto2, 2>("Pareto2", kAllPositive, start_pareto2),
+    fitted<Dagum, 3>("Dagum", kAllPositive, start_dagum),
+    fitted<Burr, 4>("Burr", {kBelowMin, kPositive, kPositive, kPositive}, start_burr),
+    fitted<Fatigue, 3>("Fatigue", {kBelowMin, kPositive, kPositive}, start_fatigue),
+    fitted<Levy, 2>("Levy", {kPositive, kBelowMin}, start_levy),
+    fitted<LogGamma, 3>("LogGamma", {kPositive, kPositive, kBelowMin}, start_log_gamma),
+    fitted<LogLaplace, 3>("LogLaplace", kAllPositive, start_log_laplace, {.closed_form = true}),
+    fitted<Lifetime2, 2>("Lifetime2", kAllPositive, start_lifetime2),
+    fitted<Lifetime3, 3>("Lifetime3", {kPositive, kSquaredRate, kPositive}, start_lifetime3),
+    fitted<LifetimeExp, 2>("LifetimeExp", {kReal, kPositive}, start_lifetime_exp),
+    fitted<Pearson6, 3>("Pearson6", kAllPositive, start_pearson6, {.names = {"alpha1", "alpha2"}}),
+    fitted<F, 2>("F", kAllPositive, start_f),
+    fitted<RealCounts<NCChiSq>, 2>("NCChiSq", kAllPositive, start_nc_chi_square,
+        {.rounding = {0, false, 1}, .costly = true}),
+    fitted<NCF, 3>("NCF", {kNotHuge, kNotHuge, kNotHuge}, start_ncf, {.costly = true}),
 };
+// clang-format on
 
 }  // namespace
 

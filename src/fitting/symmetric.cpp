@@ -99,54 +99,29 @@ Starts start_johnson_u(const StartData& data) {
 constexpr std::array<Range, 4> kLocationScale = {kLocation, kPositive};
 constexpr ParameterNames kMoments = {"mu", "sigma", "nu"};
 
+// clang-format off
 const FittedFamily kFamilies[] = {
-    fitted<Normal, 2>({.name = "Normal",
-                       .ranges = kLocationScale,
-                       .starts = start_normal,
-                       .closed_form = true,
-                       .sample_moments = true}),
-    fitted<Erf, 1>({.name = "Erf", .ranges = {kPositive}, .starts = start_erf, .closed_form = true}),
-    fitted<Laplace, 2>(
-        {.name = "Laplace", .ranges = kLocationScale, .starts = start_laplace, .closed_form = true}),
-    fitted<Cauchy, 2>({.name = "Cauchy", .ranges = kLocationScale, .starts = start_location_scale<Cauchy>}),
-    fitted<Logistic, 2>(
-        {.name = "Logistic", .ranges = kLocationScale, .starts = start_location_scale<Logistic>}),
-    fitted<HS, 2>({.name = "HS", .ranges = kLocationScale, .starts = start_location_scale<HS>}),
-    fitted<Slash, 2>({.name = "Slash", .ranges = kLocationScale, .starts = start_location_scale<Slash>}),
-    fitted<ExtValueMax, 2>(
-        {.name = "ExtValueMax", .ranges = kLocationScale, .starts = start_location_scale<ExtValueMax>}),
-    fitted<ExtValueMin, 2>(
-        {.name = "ExtValueMin", .ranges = kLocationScale, .starts = start_location_scale<ExtValueMin>}),
-    fitted<GEV, 3>({.name = "GEV", .ranges = {kLocation, kPositive, kReal}, .starts = start_gev}),
-    fitted<GLogistic, 3>(
-        {.name = "GLogistic", .ranges = {kLocation, kPositive, kPositive}, .starts = start_glogistic}),
-    fitted<Error, 3>({.name = "Error",
-                      .ranges = {kLocation, kPositive, kPositive},
-                      .starts = start_error,
-                      .names = kMoments}),
-    fitted<NormalMix, 3>({.name = "NormalMix",
-                          .ranges = {kLocation, kPositive, between(0, 3)},
-                          .starts = start_normal_mix,
-                          .names = {"mu", "sigma"}}),
-    fitted<SkewNormal, 3>({.name = "SkewNormal",
-                           .ranges = {kLocation, kPositive, kReal},
-                           .starts = start_skew_normal,
-                           .names = {"mu", "sigma"}}),
-    fitted<RealCounts<Student>, 1>({.name = "Student",
-                                    .ranges = {kPositive},
-                                    .starts = start_student,
-                                    .names = {"nu"},
-                                    .rounding = {0}}),
-    fitted<RealCounts<Student3>, 3>({.name = "Student3",
-                                     .ranges = {kLocation, kPositive, above(3)},
-                                     .starts = start_student3,
-                                     .names = kMoments,
-                                     .rounding = {2}}),
-    fitted<JohnsonU, 4>({.name = "JohnsonU",
-                         .ranges = {kReal, kPositive, kPositive, kLocation},
-                         .starts = start_johnson_u,
-                         .own_search = true}),
+    fitted<Normal, 2>("Normal", kLocationScale, start_normal, {.closed_form = true, .sample_moments = true}),
+    fitted<Erf, 1>("Erf", {kPositive}, start_erf, {.closed_form = true}),
+    fitted<Laplace, 2>("Laplace", kLocationScale, start_laplace, {.closed_form = true}),
+    fitted<Cauchy, 2>("Cauchy", kLocationScale, start_location_scale<Cauchy>),
+    fitted<Logistic, 2>("Logistic", kLocationScale, start_location_scale<Logistic>),
+    fitted<HS, 2>("HS", kLocationScale, start_location_scale<HS>),
+    fitted<Slash, 2>("Slash", kLocationScale, start_location_scale<Slash>),
+    fitted<ExtValueMax, 2>("ExtValueMax", kLocationScale, start_location_scale<ExtValueMax>),
+    fitted<ExtValueMin, 2>("ExtValueMin", kLocationScale, start_location_scale<ExtValueMin>),
+    fitted<GEV, 3>("GEV", {kLocation, kPositive, kReal}, start_gev),
+    fitted<GLogistic, 3>("GLogistic", {kLocation, kPositive, kPositive}, start_glogistic),
+    fitted<Error, 3>("Error", {kLocation, kPositive, kPositive}, start_error, {.names = kMoments}),
+    fitted<NormalMix, 3>("NormalMix", {kLocation, kPositive, between(0, 3)}, start_normal_mix,
+        {.names = {"mu", "sigma"}}),
+    fitted<SkewNormal, 3>("SkewNormal", {kLocation, kPositive, kReal}, start_skew_normal, {.names = {"mu", "sigma"}}),
+    fitted<RealCounts<Student>, 1>("Student", {kPositive}, start_student, {.names = {"nu"}, .rounding = {0}}),
+    fitted<RealCounts<Student3>, 3>("Student3", {kLocation, kPositive, above(3)}, start_student3,
+        {.names = kMoments, .rounding = {2}}),
+    fitted<JohnsonU, 4>("JohnsonU", {kReal, kPositive, kPositive, kLocation}, start_johnson_u, {.own_search = true}),
 };
+// clang-format on
 
 }  // namespace
 
