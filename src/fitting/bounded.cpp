@@ -151,28 +151,27 @@ class TriangleLikelihood {
     std::vector<double> from_below_, from_above_;
 };
 
-TriangleLikelihood::Triangle best_triangle(const Sample& x) {
-    constexpr double kSeconds = 10;
+TriangleLikelihood::Triangle best_triangle(const Sample& x, const Deadline& deadline) {
     TriangleLikelihood likelihood(x);
     const Objective objective = [&](std::span<const double> point) { return likelihood(point); };
     constexpr double kNear = -3, kAtTheData = -30;  // the mode may be the end itself
     Maximum best = {{kNear, kNear}, -HUGE_VAL};
     for (const Point& start : {Point{kNear, kNear}, {kAtTheData, kNear}, {kNear, kAtTheData}}) {
-        const Maximum found = maximise(objective, start, Deadline::in(kSeconds));
+        const Maximum found = maximise(objective, start, deadline);
         if (found.value > best.value) best = found;
     }
     return likelihood.at(best.point);
 }
 Starts start_triangle(const StartData& data) {
     if (data.x.constant()) return one({data.x.min(), data.x.min(), data.x.min()});
-    const auto [min, mode, max] = best_triangle(data.x);
+    const auto [min, mode, max] = best_triangle(data.x, data.deadline);
     return one({min, mode, max});
 }
 Starts start_log_triangle(const StartData& data) {
     if (const Message objection = positive(data.x)) return objection;
     if (data.x.constant()) return start_triangle(data);
     const std::vector<double> logs = logarithms(data.x);
-    const auto [min, mode, max] = best_triangle(Sample(logs));
+    const auto [min, mode, max] = best_triangle(Sample(logs), data.deadline);
     return one({std::exp(min), std::exp(mode), std::exp(max)});
 }
 

@@ -145,7 +145,8 @@ bool Fit::EstimateStartParameters() {
         else
             *request_.firstParameter = x.max();
     }
-    Starts starts = std::isfinite(x.mean()) ? family_.starts({x, first}) : Starts{Parameters{numerics::kNaN}};
+    Starts starts =
+        std::isfinite(x.mean()) ? family_.starts({x, first, deadline_}) : Starts{Parameters{numerics::kNaN}};
     if (starts.objection != nullptr) return starts.objection[0] != '\0' && fail_fit(starts.objection);
     if (starts.places.empty()) starts.places = {Parameters{numerics::kNaN}};
     places_ = std::move(starts.places);

@@ -10,6 +10,7 @@
 
 #include "distributions/members.h"
 #include "distributions/sample.h"
+#include "fitting/maximise.h"
 
 namespace pral::fitting {
 
@@ -55,7 +56,9 @@ struct Starts {
 struct StartData {
     const Sample& x;
     /// The first parameter where the caller has fixed it; families of counts build the others on it.
-    const double* first = nullptr;
+    const double* first;
+    /// For estimators that search.
+    Deadline deadline;
 };
 
 /// The names of the messages "can't estimate ... start parameter", by place; null for the number.
