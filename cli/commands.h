@@ -41,4 +41,17 @@ struct ProbabilityOptions : FamilyOptions {
 };
 void probability(const ProbabilityOptions& options);
 
+/// By what fits are ranked, smallest first.
+enum class Criterion { aic, aicc, bic };
+
+struct FitOptions {
+    std::string file, column, kind;     // column, kind: chosen by the data when empty
+    std::vector<std::string> families;  // empty: all that suit the data
+    std::optional<double> min, max, timeout, top;
+    bool shift = false, verbose = false;
+    Criterion rank = Criterion::aicc;
+    Format format = Format::table;
+};
+void fit(const FitOptions& options);
+
 }  // namespace cli

@@ -23,6 +23,7 @@ constexpr const char* kFooter = R"(Examples:
   pral sample Normal 0 1 -n 5 --seed 7
   pral quantile Normal 0 1 -u 0.05 -u 0.95 --min 0
   pral prob Normal 0 1 -x 1.96 --cumulative --format json
+  pral fit losses.csv --top 5
 
 A table of numbers is given as a comma list, 1,2.5,4, or as @FILE.csv:COLUMN. "inf" and "-inf" are numbers, too.
 Exit codes: 0 success; 1 the library refused (its error text is on the standard error); 2 wrong usage.)";
@@ -31,18 +32,31 @@ constexpr const char* kFamilyFooter =
     R"(PARAMETERS are those that "pral describe FAMILY" tells, in that order: numbers, which may be negative, and tables as a
 comma list (1,2.5,4) or @FILE.csv:COLUMN. JSON has no infinities: there they are the strings "inf" and "-inf".)";
 
-void add_format(CLI::App* command, Format& format) {
-    static const std::map<std::string, Format> names = {
-        {"table", Format::table}, {"csv", Format::csv}, {"json", Format::json}};
-    const auto store = [&format](const std::string& given) {
-        const auto found = names.find(given);
-        if (found == names.end()) throw UsageError("--format: table, csv or json is wanted, not " + given);
-        format = found->second;
+constexpr const char* kFitFooter =
+    R"(Whole numbers are fitted by discrete families, others by continuous ones; --kind and --dist choose otherwise. Families
+that cannot have the data are left out; --verbose tells why. A table shows rounded numbers; csv and json have all digits.
+AIC, AICc and BIC count the free parameters: all of them, the shift as one more, the base of LognormalB (LognormalE
+in other words, fitted only by name) as none. A shift adds nothing to families that have a location of their own; they
+rank behind their fit without one. Bounds hold before the shift, as in the other commands.)";
+
+/// An option whose value is one of a few words, in any case.
+template <class Value>
+void add_choice(CLI::App* command, const std::string& name, Value& target,
+                const std::map<std::string, Value>& choices, const std::string& wanted,
+                const std::string& text, const std::string& type) {
+    const auto store = [=, &target](const std::string& given) {
+        const auto found = choices.find(lower_case(given));
+        if (found == choices.end())
+            throw UsageError(fmt::format("{}: {} is wanted, not {}", name, wanted, given));
+        target = found->second;
     };
-    command
-        ->add_option_function<std::string>("--format", store,
-                                           "How to write: table (aligned, the default), csv or json")
-        ->type_name("FORMAT");
+    command->add_option_function<std::string>(name, store, text)->type_name(type);
+}
+
+void add_format(CLI::App* command, Format& format) {
+    add_choice<Format>(
+        command, "--format", format, {{"table", Format::table}, {"csv", Format::csv}, {"json", Format::json}},
+        "table, csv or json", "How to write: table (aligned, the default), csv or json", "FORMAT");
 }
 
 CLI::Option* add_number(CLI::App* command, const std::string& name, std::optional<double>& target,
@@ -86,6 +100,7 @@ struct CommandLine {
     SampleOptions sample_options;
     QuantileOptions quantile_options;
     ProbabilityOptions probability_options;
+    FitOptions fit_options;
 
     CommandLine() {
         app.name("pral");
@@ -103,6 +118,7 @@ struct CommandLine {
         add_sample();
         add_quantile();
         add_probability();
+        add_fit();
         app.add_subcommand("version", "The version of the library")->callback([] {
             write(std::string("pral_core ") + PralVersion() + "\n");
         });
@@ -179,6 +195,39 @@ struct CommandLine {
                           "Its base-10 logarithm; -inf for probability 0");
         command->add_flag("--joint", probability_options.joint, "One line: the joint value of all");
         command->callback([this] { probability(probability_options); });
+    }
+
+    void add_fit() {
+        FitOptions& options = fit_options;
+        auto* command = app.add_subcommand("fit", "Families fitted to a column of numbers, the best first");
+        command->footer(kFitFooter);
+        command->add_option("FILE", options.file, "CSV file with the data")->required()->type_name("");
+        command
+            ->add_option("--column", options.column,
+                         "Its column, by name or number (default: the first with numbers)")
+            ->type_name("COLUMN");
+        auto* named =
+            command->add_option("--dist", options.families, "Only this family; may be given more than once")
+                ->expected(1)
+                ->allow_extra_args(false)
+                ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+                ->type_name("FAMILY");
+        command->add_option("--kind", options.kind, "All families of this kind: continuous or discrete")
+            ->excludes(named)
+            ->type_name("KIND");
+        add_choice<Criterion>(command, "--rank", options.rank,
+                              {{"aic", Criterion::aic}, {"aicc", Criterion::aicc}, {"bic", Criterion::bic}},
+                              "AIC, AICc or BIC", "Rank by AIC, AICc (the default) or BIC", "CRITERION");
+        add_number(command, "--top", options.top, "Only so many, the best")->type_name("COUNT");
+        add_number(command, "--min", options.min,
+                   "The data are a truncated sample: none was kept below this");
+        add_number(command, "--max", options.max, "Likewise: none was kept above this");
+        command->add_flag("--shift", options.shift, "Fit a shift as well");
+        add_number(command, "--timeout", options.timeout, "Give a family up after this long (default 60)")
+            ->type_name("SECONDS");
+        command->add_flag("--verbose", options.verbose, "Tell which families were left out, and why");
+        add_format(command, options.format);
+        command->callback([this] { fit(fit_options); });
     }
 };
 

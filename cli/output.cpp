@@ -8,6 +8,8 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "text.h"
+
 namespace cli {
 
 namespace {
@@ -24,15 +26,37 @@ std::string csv_text(const std::string& text) {
     return quoted + "\"";
 }
 
-std::string cell_text(const Cell& cell) {
-    const double* const value = std::get_if<double>(&cell);
-    return value ? number_text(*value) : std::get<std::string>(cell);
-}
+struct PlainText {
+    bool for_people = false;  // with the digits that tell people something, no more
 
-std::string json_cell(const Cell& cell) {
-    const double* const value = std::get_if<double>(&cell);
-    return value && is_finite(*value) ? number_text(*value) : json_text(cell_text(cell));
-}
+    std::string operator()(double value) const { return number_text(value); }
+    std::string operator()(const std::string& text) const { return text; }
+    std::string operator()(const Rounded& number) const {
+        const bool rounded = for_people && is_finite(number.value);
+        return rounded ? fmt::format("{:.{}f}", number.value, number.digits) : number_text(number.value);
+    }
+    std::string operator()(const NamedNumbers& numbers) const {
+        return joined(numbers, " ", [&](const auto& number) {
+            const bool rounded = for_people && is_finite(number.second);
+            return number.first + '=' +
+                   (rounded ? fmt::format("{:.6g}", number.second) : number_text(number.second));
+        });
+    }
+};
+
+struct JsonText {
+    std::string operator()(double value) const {
+        return is_finite(value) ? number_text(value) : json_text(number_text(value));
+    }
+    std::string operator()(const std::string& text) const { return json_text(text); }
+    std::string operator()(const Rounded& number) const { return (*this)(number.value); }
+    std::string operator()(const NamedNumbers& numbers) const {
+        const auto member = [&](const auto& number) {
+            return json_text(number.first) + ": " + (*this)(number.second);
+        };
+        return '{' + joined(numbers, ", ", member) + '}';
+    }
+};
 
 }  // namespace
 
@@ -64,10 +88,12 @@ void Rows::add(const std::vector<Cell>& row) {
         add_json(row);
     } else {
         if (!any_) {
-            for (const Cell& cell : row) is_number_.push_back(std::holds_alternative<double>(cell));
+            for (const Cell& cell : row)
+                is_number_.push_back(std::holds_alternative<double>(cell) ||
+                                     std::holds_alternative<Rounded>(cell));
         }
         std::vector<std::string> texts;
-        for (const Cell& cell : row) texts.push_back(cell_text(cell));
+        for (const Cell& cell : row) texts.push_back(std::visit(PlainText{true}, cell));
         if (settled_) {
             add_table(texts);
         } else {
@@ -87,7 +113,8 @@ void Rows::end() {
 
 void Rows::add_csv(const std::vector<Cell>& row) {
     for (std::size_t i = 0; i < row.size(); ++i) {
-        fmt::format_to(std::back_inserter(buffer_), "{}{}", i > 0 ? "," : "", csv_text(cell_text(row[i])));
+        fmt::format_to(std::back_inserter(buffer_), "{}{}", i > 0 ? "," : "",
+                       csv_text(std::visit(PlainText{}, row[i])));
     }
     buffer_.push_back('\n');
 }
@@ -96,7 +123,7 @@ void Rows::add_json(const std::vector<Cell>& row) {
     buffer_.append(std::string_view(any_ ? ",\n  {" : "[\n  {"));
     for (std::size_t i = 0; i < row.size(); ++i) {
         fmt::format_to(std::back_inserter(buffer_), "{}{}: {}", i > 0 ? ", " : "", json_text(columns_[i]),
-                       json_cell(row[i]));
+                       std::visit(JsonText{}, row[i]));
     }
     buffer_.push_back('}');
 }

@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -12,7 +13,16 @@ namespace cli {
 
 enum class Format { table, csv, json };
 
-using Cell = std::variant<double, std::string>;
+/// A number that a table shows with so many digits behind the point; CSV and JSON have all of it.
+struct Rounded {
+    double value;
+    int digits;
+};
+
+/// Numbers with names: "mu=1.5 sigma=2", to six digits in a table; an object in JSON.
+using NamedNumbers = std::vector<std::pair<std::string, double>>;
+
+using Cell = std::variant<double, std::string, Rounded, NamedNumbers>;
 
 /// The shortest text that reads back as the same double; "inf" and "-inf" for the library's infinities.
 std::string number_text(double value);
