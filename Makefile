@@ -11,8 +11,8 @@ build:  ## the library, the companion and the example, for Linux (build/release)
 	cmake --preset release
 	cmake --build --preset release --parallel $(JOBS) --target product
 
-demo: build  ## a small risk model computed through the library, with a verdict
-	@build/release/pral_demo && echo "demo: passed" || { echo "demo: FAILED"; exit 1; }
+demo: build  ## a small risk model, and distributions fitted to public data, with a verdict
+	@scripts/demo.sh build/release && echo "demo: passed" || { echo "demo: FAILED"; exit 1; }
 
 test:  ## all tests on Linux and, under Wine, on Windows
 	@scripts/install-deps.sh windows

@@ -59,6 +59,8 @@ Candidates named(const std::vector<std::string>& names) {
 }
 
 Candidates choose_candidates(const FitOptions& options, const std::vector<double>& values) {
+    if (!options.families.empty() && !options.kind.empty())
+        throw UsageError("--dist and --kind: only one of them can be given");
     if (!options.families.empty()) return named(options.families);
     const bool whole = std::ranges::all_of(values, is_whole);
     if (options.kind == "discrete" && !whole)

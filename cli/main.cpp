@@ -35,9 +35,11 @@ comma list (1,2.5,4) or @FILE.csv:COLUMN. JSON has no infinities: there they are
 constexpr const char* kFitFooter =
     R"(Whole numbers are fitted by discrete families, others by continuous ones; --kind and --dist choose otherwise. Families
 that cannot have the data are left out; --verbose tells why. A table shows rounded numbers; csv and json have all digits.
-AIC, AICc and BIC count the free parameters: all of them, the shift as one more, the base of LognormalB (LognormalE
-in other words, fitted only by name) as none. A shift adds nothing to families that have a location of their own; they
-rank behind their fit without one. Bounds hold before the shift, as in the other commands.)";
+AIC, AICc and BIC count the free parameters: all of them, the shift as one more, the base of LognormalB (LognormalE in
+other words, fitted only by name) as none. A shift adds nothing to a family that has a location of its own, and counts all
+the same. Where the range of a family may begin at the smallest value, its likelihood may have no bound there: a shape
+below 1 and a range from the smallest value on tell of a first rank that means nothing.
+Bounds hold before the shift, as in the other commands.)";
 
 /// An option whose value is one of a few words, in any case.
 template <class Value>
@@ -206,14 +208,12 @@ struct CommandLine {
             ->add_option("--column", options.column,
                          "Its column, by name or number (default: the first with numbers)")
             ->type_name("COLUMN");
-        auto* named =
-            command->add_option("--dist", options.families, "Only this family; may be given more than once")
-                ->expected(1)
-                ->allow_extra_args(false)
-                ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-                ->type_name("FAMILY");
+        command->add_option("--dist", options.families, "Only this family; may be given more than once")
+            ->expected(1)
+            ->allow_extra_args(false)
+            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+            ->type_name("FAMILY");
         command->add_option("--kind", options.kind, "All families of this kind: continuous or discrete")
-            ->excludes(named)
             ->type_name("KIND");
         add_choice<Criterion>(command, "--rank", options.rank,
                               {{"aic", Criterion::aic}, {"aicc", Criterion::aicc}, {"bic", Criterion::bic}},

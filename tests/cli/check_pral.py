@@ -8,6 +8,7 @@ import csv
 import io
 import json
 import math
+import os
 import re
 import shlex
 import subprocess
@@ -15,6 +16,7 @@ import sys
 
 PROGRAM = sys.argv[1:]
 COLUMN = "@cli/losses.csv:"
+LOSSES, KICKS, FIRES = "fit cli/losses.csv", "fit ../examples/horse_kicks.csv", "fit ../examples/danish_fire_losses.csv"
 
 # Command line; column that is looked at; its values.
 VALUES = [
@@ -41,6 +43,21 @@ VALUES = [
     ("sample Uniform 3 4 -n 0", "value", []),
 ]
 
+# Command line; the best families; numbers of the first. Closed forms; LognormalE as R's fitdistrplus 1.1.8 has it.
+FITS = [
+    (f"{KICKS} --top 1", ["Poisson"], {"lambda": 0.61, "log_likelihood": -206.10672147175408, "AIC": 414.21344294350816,
+                                       "AICc": 414.21364496371018, "BIC": 417.51176031005620}),
+    (f"{FIRES} --dist expon --column loss --dist LognormalE", ["LognormalE", "Expon"],
+     {"mu": 0.78695007983834892, "sigma": 0.71655451311764233, "AICc": 8119.8004678173928, "BIC": 8131.1571205339546}),
+    (f"{FIRES} --dist LognormalB", ["LognormalB"], {"AICc": 8119.8004678173928, "BIC": 8131.1571205339546}),
+    (f"{FIRES} --dist Expon --min 1", ["Expon"], {"beta": 2.3850883036455930, "log_likelihood": -4050.6347332453082}),
+    (f"{FIRES} --dist Expon --shift", ["Expon"], {"shift": 1, "AIC": 8105.27}),
+    (f"{FIRES} --dist Student3 --dist Normal --dist Uniform", ["Student3", "Normal", "Uniform"], {"nu": 3}),
+    (f"{LOSSES} --dist Uniform", ["Uniform"], {"min": 2021, "max": 2024}),
+    (f"{LOSSES} --dist Uniform --column probability", ["Uniform"], {"min": 0.2, "max": 0.8}),
+    (f"{LOSSES} --dist Uniform --column 3 --max inf", ["Uniform"], {"log_likelihood": 4 * math.log(1 / 0.6)}),
+]
+
 # Command line; exit code; what stands on the standard error.
 REFUSALS = [
     ("sample Normal 0 -1", 1, "Error: sigma must be >= 0\n"),
@@ -61,6 +78,20 @@ REFUSALS = [
     ("prob Normal 0 1 -x @cli/absent.csv", 2, "cannot read the file cli/absent.csv"),
     (f"prob Normal 0 1 -x {COLUMN}gain", 2, "has no column gain"),
     ("list --kind frob", 2, "the kinds are"),
+    (f"{LOSSES} --column 'loss, gross'", 2, "cli/losses.csv:5: the cell of column loss, gross is empty"),
+    (f"{LOSSES} --column gain", 2, "has no column gain"),
+    (f"{FIRES} --column date", 2, 'danish_fire_losses.csv:2: "1980-01-03" is not a number'),
+    ("fit ../LICENSE", 2, "LICENSE holds no numbers"),
+    (f"{LOSSES} --column 3 --kind discrete", 2, "0.2 is not a whole number"),
+    (f"{LOSSES} --kind data", 2, "continuous or discrete is wanted"),
+    (f"{LOSSES} --kind continuous --dist Normal", 2, "only one of them"),
+    (f"{LOSSES} --dist Discrete", 2, "Discrete cannot be fitted"),
+    (f"{LOSSES} --dist Norml", 2, "did you mean Normal?"),
+    (f"{LOSSES} --rank best", 2, "AIC, AICc or BIC is wanted"),
+    (f"{LOSSES} --top 0", 2, "a whole number, 1 or more"),
+    (f"{KICKS} --shift", 2, "only continuous families are shifted"),
+    (f"{KICKS} --dist ZTPoisson", 1, "Error: 0 - in input data\n"),
+    (f"{FIRES} --dist Normal --dist Gamma --min 2", 1, "Error: TruncData minimum must be <= min(data)\n"),
 ]
 
 
@@ -81,8 +112,9 @@ def read_back(output, form):
         return json.loads(output)
     if form == "csv":
         return list(csv.DictReader(io.StringIO(output)))
-    names, *lines = [line.split() for line in output.splitlines()]
-    return [dict(zip(names, line, strict=True)) for line in lines]
+    names, *lines = output.splitlines()
+    columns = names.split()
+    return [dict(zip(columns, line.split(maxsplit=len(columns) - 1), strict=True)) for line in lines]
 
 
 def check_values(line, column, expected):
@@ -96,6 +128,41 @@ def check_refusal(line, code, text):
     found_code, output, error = run(line)
     assert (found_code, output) == (code, ""), (found_code, output)
     assert (error == text) if code == 1 else (error.startswith("pral: ") and text in error), error
+
+
+def check_fits(line, families, expected):
+    for form, tolerance in ("csv", 1e-4), ("json", 1e-4), ("table", 1e-2):
+        rows = read_back(output_of(f"{line} --format {form}"), form)
+        assert [row["family"] for row in rows] == families, (form, rows)
+        told = rows[0]["parameters"] if form == "json" else dict(x.split("=") for x in rows[0]["parameters"].split())
+        found = {name: float({**rows[0], **told}[name]) for name in expected}
+        assert all(math.isclose(found[x], expected[x], rel_tol=tolerance) for x in expected), (form, found)
+
+
+def check_ranking():
+    """By each criterion, of all families that suit; the smallest first, what has none (AICc of 4 data) at the end."""
+    for criterion in "AIC", "AICc", "BIC":
+        code, output, told = run(f"{LOSSES} --column probability --rank {criterion.lower()} --verbose --format csv")
+        rows = read_back(output, "csv")
+        values = [float(row[criterion]) for row in rows]
+        assert code == 0 and values == sorted(values) and (values[-1] == math.inf) == (criterion == "AICc"), values
+        assert [int(row["rank"]) for row in rows] == list(range(1, len(rows) + 1))
+        count, left_out = (int(re.search(rf"(\d+) {words}", told)[1]) for words in ("continuous families", "of"))
+        assert len(rows) == count - left_out and f"{left_out} of {count} left out\n  Error: " in told, told
+        assert {"Normal", "Uniform", "Student3"} < {row["family"] for row in rows} and "LognormalB" not in output
+    assert {row["family"] for row in read_back(output_of(f"{KICKS} --format csv"), "csv")} > {"Poisson", "Geometric"}
+    code, output, told = run(f"{KICKS} --dist ZTPoisson --dist Poisson")
+    assert code == 0 and "Poisson" in output and told == "1 of 2 left out\n  Error: 0 - in input data (1): ZTPoisson\n"
+
+
+def check_progress():
+    """A bar where the standard error is a terminal, wiped out at the end."""
+    if os.name != "posix" or len(PROGRAM) > 1:
+        return
+    ours, theirs = os.openpty()
+    subprocess.run(PROGRAM + shlex.split(KICKS), stdout=subprocess.DEVNULL, stderr=theirs, timeout=60)
+    bar = os.read(ours, 1 << 16).decode()
+    assert re.match(r"\r\[\.+\] 1/\d+ \w+ *\r", bar) and re.search(r"\r +\r$", bar), bar
 
 
 def check_list_and_describe():
@@ -141,13 +208,15 @@ def check_samples():
 
 def check_version_and_help():
     assert re.fullmatch(r"pral_core \d+\.\d+\.\d+\n", output_of("version"))
-    for command in ("", "list ", "describe ", "sample ", "quantile ", "prob "):
+    for command in ("", "list ", "describe ", "sample ", "quantile ", "prob ", "fit "):
         assert f"Usage: pral {command}[OPTIONS]" in output_of(command + "--help")
 
 
 def main():
     checks = [(check_values, row) for row in VALUES] + [(check_refusal, row) for row in REFUSALS]
-    checks += [(check, ()) for check in (check_list_and_describe, check_search, check_samples, check_version_and_help)]
+    checks += [(check_fits, row) for row in FITS]
+    checks += [(check, ()) for check in (check_ranking, check_progress, check_list_and_describe, check_search,
+                                         check_samples, check_version_and_help)]
     failures = 0
     for check, row in checks:
         try:
