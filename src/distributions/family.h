@@ -56,7 +56,8 @@ concept Distribution = requires(const D& d, double x) {
 ///   random(u, stream)       a generator of its own for bare calls; u is a uniform already drawn
 ///   check_probability()     the objection in the probability members, where it differs from check()
 ///   kEndsFirst = true       percentiles 0 and 1 give the ends even where there is a point mass
-///   quantile_within(...)    the quantile between bounds, where it is not that of the rescaled percentile
+///   quantile_within(...)    the quantile between bounds, where it is not that of the rescaled percentile; percentile 0
+///                           need not be an end then. With quantiles_within(...) for arrays
 ///   rounds_after_shift()    with quantile_unrounded(p): values are rounded to integers after the shift
 ///   kIntegers = true        values are integers; the probability members count those within 1e-8 of one
 ///   kDiscrete = true        values are a countable set: the percentile that is inverted is exactly the one that the

@@ -44,7 +44,7 @@ double rounded_value(double u, const Truncated<D>& kept, double shift) {
 template <Family D>
 double value_at(double u, const Truncated<D>& kept, const double* shift, bool bare) {
     const D& d = kept.base();
-    const bool at_an_end = u == 0 || u == 1;
+    const bool at_an_end = u == 1 || (u == 0 && !Truncated<D>::kOwnBounds);
     if (const auto point = d.point_mass(); point && !(at_an_end && requires { D::kEndsFirst; }))
         return shifted(*point, shift);
     if (at_an_end) return shifted(u == 0 ? kept.lower() : kept.upper(), shift);

@@ -32,6 +32,9 @@ struct Bound {
 template <Family D>
 class Truncated {
   public:
+    /// Whether the family itself tells its quantiles between bounds.
+    static constexpr bool kOwnBounds = requires(const D& d, double x) { d.quantile_within(x, x, x); };
+
     /// Completes the bounds; `valid` tells that the parameters are in order. Where they are not, what would
     /// have to be computed from them counts as 0, so that contradicting bounds are still found first.
     Truncated(const D& base, bool valid, const Modifiers& given)
@@ -77,8 +80,7 @@ class Truncated {
     /// The quantile of what is kept, 0 < u < 1: that of the whole at percentile(u), taken from the smaller tail.
     double quantile(double u) const {
         if (!bounded_) return base_.quantile(u);
-        if constexpr (requires { base_.quantile_within(u, u, u, support_); })
-            return base_.quantile_within(u, min_.tails.lower, mass_, {lower_, upper_});
+        if constexpr (kOwnBounds) return base_.quantile_within(u, min_.tails.lower, mass_);
         const auto [side, tail] = base_tail(u);
         return limited(side == Side::lower ? pral::quantile(base_, tail) : pral::quantile_upper(base_, tail));
     }
@@ -87,10 +89,8 @@ class Truncated {
     void quantiles(std::span<double> u) const {
         if constexpr (requires { base_.quantiles(u); }) {
             if (!bounded_) return base_.quantiles(u);
-            constexpr bool own_bounds = requires(const D& d, double x, Support s) {
-                d.quantile_within(x, x, x, s);
-            };
-            if (requires { D::kDiscrete; } && !own_bounds && !above_median()) {
+            if constexpr (kOwnBounds) return base_.quantiles_within(u, min_.tails.lower, mass_);
+            if (requires { D::kDiscrete; } && !above_median()) {
                 for (double& value : u) value = percentile(value);
                 base_.quantiles(u);
                 for (double& value : u) value = limited(value);

@@ -15,6 +15,12 @@ TEST(Counts, PercentilesThatAreSpecial) {
     EXPECT_EQ(out, DBL_MAX);
     ASSERT_TRUE(PralGeometric_Core(&out, 0.5, &u, nullptr, nullptr, nullptr, nullptr));
     EXPECT_EQ(out, DBL_MAX);
+    for (const double percentile : {0.0, 0.5, 1.0}) {  // 0 when p <= 1 - u
+        for (const double p : {0.0, 0.5, 1.0}) {
+            ASSERT_TRUE(PralBernoulli_Core(&out, p, &percentile, nullptr, nullptr, nullptr, nullptr));
+            EXPECT_EQ(out, p <= 1 - percentile ? 0 : 1) << p << ' ' << percentile;
+        }
+    }
     const struct {
         double pi, u, value;
     } rows[] = {{0.3, 0.5, 0}, {0.3, 0.85, 3}, {0.5, 0.5, 0}, {0.5, 0, 0}, {0.5, 1, DBL_MAX}};
@@ -26,13 +32,40 @@ TEST(Counts, PercentilesThatAreSpecial) {
         ASSERT_TRUE(PralZTPoisson_Core(&out, 3.5, &lowest, nullptr, nullptr, nullptr, nullptr));
         EXPECT_EQ(out, 1);
     }
-    // Between bounds the percentile above the zeros is rescaled: 0.2 + 0.5 (0.9 - 0.2) of the Poisson.
-    const int by_percentile = 3;
-    const double low = 0.2, high = 0.9, above = 0.85, same = 0.2 + 0.5 * 0.7;
-    double poisson;
-    ASSERT_TRUE(PralZIPoisson_Core(&out, 350, 0.3, &above, &by_percentile, &low, &high, nullptr));
-    ASSERT_TRUE(PralPoisson_Core(&poisson, 350, &same, nullptr, nullptr, nullptr, nullptr));
-    EXPECT_EQ(out, poisson);
+}
+
+TEST(Counts, BoundsOfAnInflatedFamilyRescaleThePercentileAboveItsZeros) {
+    constexpr double kRate = 350, kWeight = 0.3, kValues[] = {330, 352}, kPercentiles[] = {0.75, 0.9};
+    const int cumulative = 1;
+    for (const int mode : {0, 1, 2, 3}) {
+        const double low = (mode & 2) != 0 ? kPercentiles[0] : kValues[0];
+        const double high = (mode & 1) != 0 ? kPercentiles[1] : kValues[1];
+        double at[2], array[400], out;
+        for (const int side : {0, 1}) {
+            double x = kValues[side];
+            ASSERT_TRUE(PralZIPoissonProb_Core(&at[side], &x, 1, kRate, kWeight, &cumulative, nullptr,
+                                               nullptr, nullptr, nullptr));
+            if ((mode & (2 >> side)) != 0) at[side] = kPercentiles[side];
+        }
+        for (const double u : {0.0, 0.5, 0.7, 0.85, 0.99}) {
+            const double rescaled = at[0] + (u - 0.7) / 0.3 * (at[1] - at[0]);
+            double expected = 0;
+            if (u > 0.7) {
+                ASSERT_TRUE(
+                    PralPoisson_Core(&expected, kRate, &rescaled, nullptr, nullptr, nullptr, nullptr));
+            }
+            ASSERT_TRUE(PralZIPoisson_Core(&out, kRate, kWeight, &u, &mode, &low, &high, nullptr));
+            EXPECT_EQ(out, expected) << "mode " << mode << ", percentile " << u;
+        }
+        PralSetRandomSeed(5);
+        ASSERT_TRUE(
+            PralZIPoissonArray_Core(array, 400, kRate, kWeight, nullptr, &mode, &low, &high, nullptr));
+        PralSetRandomSeed(5);
+        for (const double value : array) {
+            ASSERT_TRUE(PralZIPoisson_Core(&out, kRate, kWeight, nullptr, &mode, &low, &high, nullptr));
+            EXPECT_EQ(value, out);
+        }
+    }
 }
 
 TEST(Counts, BareCallOfAnInflatedFamilyDrawsTwice) {

@@ -8,14 +8,16 @@
 
 namespace pral {
 
-/// One trial: 1 with probability 0 <= p <= 1, else 0. p = 0 and p = 1 are point masses.
+/// One trial: 1 with probability 0 <= p <= 1, else 0; a percentile u is 0 when p <= 1 - u. p = 0 and p = 1 are point
+/// masses, but for the percentile 0 of the latter, which is 0.
 struct Bernoulli : OnIntegers<Bernoulli> {
     static constexpr Tie kTie = Tie::stay;
+    static constexpr bool kEndsFirst = true;
     double p;
 
     explicit Bernoulli(double p_) : p(p_) {}
     Message check() const { return p >= 0 && p <= 1 ? nullptr : "Error: p must be between [0,1]"; }
-    Support support() const { return {0, 1}; }
+    Support support() const { return {0, p > 0 ? 1.0 : 0.0}; }
     std::optional<double> point_mass() const { return p == 0 || p == 1 ? std::optional(p) : std::nullopt; }
 
     double cumulative(double k) const { return k < 1 ? 1 - p : 1; }

@@ -29,8 +29,9 @@ struct BaseChecks {
 /// still refuse.
 ///
 /// A bare call draws a Bernoulli(pi) and then a bare call of the base family, whatever the Bernoulli gave. A percentile
-/// u <= 1 - pi is 0, and any other that of the base family at (u - 1 + pi)/pi; bounds rescale this second percentile, so
-/// that the extra zeros keep their weight between any bounds.
+/// u <= 1 - pi is 0, and any other that of the base family at (u - 1 + pi)/pi. Bounds rescale this second percentile by
+/// this family's own percentiles there: the extra zeros keep their weight between any bounds, and since the base family
+/// has more above a bound than this one, values may lie beyond the upper one.
 template <class Base, class Checks = BaseChecks>
 struct ZeroInflated {
     static constexpr bool kDiscrete = true;
@@ -70,22 +71,22 @@ struct ZeroInflated {
         return at_zero < 0.5 ? std::log(at_zero) : numerics::log1p_fn(pi * numerics::expm1_fn(log_base));
     }
 
-    double quantile(double u) const { return quantile_within(u, 0, 1, support()); }
+    double quantile(double u) const { return quantile_within(u, 0, 1); }
     double quantile_upper(double q) const { return q >= pi ? 0 : base_quantile(1 - q / pi, q / pi); }
     /// The quantile between bounds where this family's cumulative is min_percentile, with `mass` between them.
-    double quantile_within(double u, double min_percentile, double mass, Support kept) const {
+    double quantile_within(double u, double min_percentile, double mass) const {
         const double excess = above_zeros(u);
         if (!(excess > 0)) return 0;
         const double p = min_percentile + excess / pi * mass;
-        const double upper = mass == 1 ? (1 - u) / pi : 1 - p;
-        return std::clamp(base_quantile(p, upper), std::min(kept.lower, kept.upper), kept.upper);
+        return base_quantile(p, mass == 1 ? (1 - u) / pi : 1 - p);
     }
-    void quantiles(std::span<double> u) const {
+    void quantiles(std::span<double> u) const { quantiles_within(u, 0, 1); }
+    void quantiles_within(std::span<double> u, double min_percentile, double mass) const {
         std::vector<double> of_base;
         for (double& value : u) {
             const double excess = above_zeros(value);
             value = excess > 0 ? 1 : 0;
-            if (excess > 0) of_base.push_back(std::min(excess / pi, 1 - 0x1p-53));
+            if (excess > 0) of_base.push_back(std::min(min_percentile + excess / pi * mass, 1 - 0x1p-53));
         }
         if (const auto point = base.point_mass())
             std::ranges::fill(of_base, *point);
