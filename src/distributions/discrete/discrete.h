@@ -99,10 +99,12 @@ class InversionWalk {
         }
         return false;
     }
-    /// Whether the result is an end of the support, which k then is.
+    /// Whether the result is an end of the support, which k then is. Infinity can be the result where the upper tail falls
+    /// as a power of k, and only there.
     bool at_an_end(double& k, double& tail) const {
-        const bool at_bottom = !short_at(bottom_);
-        if (!at_bottom && !short_at(neighbour_below(top_))) return false;
+        const bool bounded_above = top_ < numerics::kInfinity || requires { d_.tail_exponent(); };
+        const bool at_bottom = bottom_ > -numerics::kInfinity && !short_at(bottom_);
+        if (!at_bottom && !(bounded_above && short_at(neighbour_below(top_)))) return false;
         k = at_bottom ? bottom_ : top_;
         tail = tail_at(k);
         return true;

@@ -7,16 +7,21 @@ PRAL_EXPORT_FAMILY(ZIBetaGeometric, (double alpha, double beta, double pi), (alp
 PRAL_EXPORT_FAMILY(ZIBetaNegBin, (double s, double alpha, double beta, double pi), (s, alpha, beta, pi));
 PRAL_EXPORT_FAMILY(ZIBinomial, (double n, double p, double pi), (n, p, pi));
 PRAL_EXPORT_FAMILY(ZIGeometric, (double p, double pi), (p, pi));
+PRAL_EXPORT_FAMILY(ZIHypergeo, (double n, double D, double M, double pi), (n, D, M, pi));
+PRAL_EXPORT_FAMILY(ZIInvHypergeo, (double s, double D, double M, double pi), (s, D, M, pi));
 PRAL_EXPORT_FAMILY(ZILogarithmic, (double theta, double pi), (theta, pi));
 PRAL_EXPORT_FAMILY(ZINegBin, (double s, double p, double pi), (s, p, pi));
 PRAL_EXPORT_FAMILY(ZIPoisson, (double lambda, double pi), (lambda, pi));
 PRAL_EXPORT_FAMILY(ZIPolya, (double alpha, double beta, double pi), (alpha, beta, pi));
+PRAL_EXPORT_FAMILY(ZISkellam, (double Lambda1, double Lambda2, double P), (Lambda1, Lambda2, P));
 
 PRAL_EXPORT_FAMILY(ZTBetaBinomial, (double n, double alpha, double beta), (n, alpha, beta));
 PRAL_EXPORT_FAMILY(ZTBetaGeometric, (double alpha, double beta), (alpha, beta));
 PRAL_EXPORT_FAMILY(ZTBetaNegBin, (double s, double alpha, double beta), (s, alpha, beta));
 PRAL_EXPORT_FAMILY(ZTBinomial, (double n, double p), (n, p));
 PRAL_EXPORT_FAMILY(ZTGeometric, (double p), (p));
+PRAL_EXPORT_FAMILY(ZTHypergeo, (double n, double D, double M), (n, D, M));
+PRAL_EXPORT_FAMILY(ZTInvHypergeo, (double s, double D, double M), (s, D, M));
 PRAL_EXPORT_FAMILY(ZTNegBin, (double s, double p), (s, p));
 PRAL_EXPORT_FAMILY(ZTPoisson, (double lambda), (lambda));
 PRAL_EXPORT_FAMILY(ZTPolya, (double alpha, double beta), (alpha, beta));

@@ -13,7 +13,7 @@
 
 namespace pral {
 
-/// The checks of a variant where they are those of its base family.
+/// The checks of a variant where they are those of its base family's sampling members, in all members alike.
 struct BaseChecks {
     template <class Base>
     static Message check(const Base& base) {
@@ -23,6 +23,15 @@ struct BaseChecks {
         return pi > 0 && pi < 1 ? nullptr : "Error: pi should be on (0,1)";
     }
 };
+
+/// The checks of a variant's probability members: those of the sampling ones unless it tells others.
+template <class Checks, class Base>
+Message variant_check_probability(const Base& base) {
+    if constexpr (requires { Checks::check_probability(base); })
+        return Checks::check_probability(base);
+    else
+        return Checks::check(base);
+}
 
 /// With probability pi a value of the base family, else 0: F(x) = 1 - pi + pi F_base(x) from 0 on. The base family's
 /// parameters come first, pi last. `Checks` holds the variant's own checks; what they let pass, the base family may
@@ -46,8 +55,14 @@ struct ZeroInflated {
                  double pi_) requires std::constructible_from<Base, double, double, double> : base(a, b, c),
                                                                                               pi(pi_) {}
 
-    Message check() const { return objection_or(base.check()); }
-    Message check_probability() const { return objection_or(pral::check_probability(base)); }
+    Message check() const {
+        if (const Message objection = Checks::check(base)) return objection;
+        return weight_or(base.check());
+    }
+    Message check_probability() const {
+        if (const Message objection = variant_check_probability<Checks>(base)) return objection;
+        return weight_or(pral::check_probability(base));
+    }
     Support support() const {
         const auto point = base.point_mass();
         const auto [lower, upper] = point ? Support{*point, *point} : base.support();
@@ -105,10 +120,9 @@ struct ZeroInflated {
     }
 
   private:
-    Message objection_or(Message of_base) const {
-        if (const Message objection = Checks::check(base)) return objection;
-        if (const Message objection = Checks::check_weight(pi)) return objection;
-        return of_base;
+    Message weight_or(Message of_base) const {
+        const Message objection = Checks::check_weight(pi);
+        return objection != nullptr ? objection : of_base;
     }
     /// u - (1 - pi), rounded once.
     double above_zeros(double u) const {

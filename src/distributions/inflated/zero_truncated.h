@@ -32,10 +32,13 @@ struct ZeroTruncated {
         return objection != nullptr ? objection : base.check();
     }
     Message check_probability() const {
-        const Message objection = Checks::check(base);
+        const Message objection = variant_check_probability<Checks>(base);
         return objection != nullptr ? objection : pral::check_probability(base);
     }
-    Support support() const { return {1, std::max(base.support().upper, 1.0)}; }
+    Support support() const {
+        const auto [lower, upper] = base.support();
+        return {std::max(lower, 1.0), std::max(upper, 1.0)};
+    }
     std::optional<double> point_mass() const {
         const auto point = base.point_mass();
         return point ? std::optional(std::max(*point, 1.0)) : std::nullopt;
@@ -44,6 +47,7 @@ struct ZeroTruncated {
     /// Near 0 the sum of the masses, which is no difference of two percentiles close to each other.
     double cumulative(double x) const {
         constexpr int kFew = 32;
+        if (zero_ == 0) return base.cumulative(x);
         if (x <= kFew) {
             double mass = std::exp(base.log_density(1)), sum = mass;
             for (double k = 1; k < x; k += 1) sum += mass *= base.mass_ratio(k);
@@ -70,8 +74,9 @@ struct ZeroTruncated {
   private:
     void complete() {
         if (base.check() != nullptr || base.point_mass()) return;
-        zero_ = base.cumulative(0);
-        not_zero_ = base.survival(0);
+        const auto [lower, upper] = tails(base, 0);
+        zero_ = lower;
+        not_zero_ = upper;
         log_not_zero_ = not_zero_ > 0.5 ? numerics::log1p_fn(-zero_) : std::log(not_zero_);
     }
     double at(double p, double q) const {

@@ -5,9 +5,12 @@ from beta_mixtures import FAMILIES as BETA
 from logarithmic import FAMILIES as LOGARITHMIC
 from negative_binomial import FAMILIES as NEGATIVE_BINOMIAL
 from poisson_kin import FAMILIES as POISSON
-from reference import Family
+from poisson_mixtures import FAMILIES as POISSON_MIXTURES
+from reference import INF, Family
+from urns import FAMILIES as URNS
 
-BASES = {name: told[0] for kin in (POISSON, NEGATIVE_BINOMIAL, BETA, LOGARITHMIC) for name, told in kin.items()}
+KINS = (POISSON, NEGATIVE_BINOMIAL, BETA, LOGARITHMIC, POISSON_MIXTURES, URNS)
+BASES = {name: told[0] for kin in KINS for name, told in kin.items()}
 
 
 class Variant(Family):
@@ -18,7 +21,8 @@ class Variant(Family):
         self.base = base
 
     def points(self):
-        return sorted({float(self.support[0]), *(x for x in self.base.points() if x >= self.support[0])})
+        lowest = {float(self.support[0])} if self.support[0] > -INF else {0.0}
+        return sorted(lowest | {x for x in self.base.points() if x >= self.support[0]})
 
 
 def inflated(name):
@@ -26,33 +30,36 @@ def inflated(name):
         base, pi = BASES[name](*parameters[:-1]), parameters[-1]
         inside = lambda x: x >= base.support[0]
         mass = lambda x: (pi * base.mass(x) if inside(x) else 0) + (1 - pi if x == 0 else 0)
-        return Variant(base, 0, lambda x: 1 - pi + (pi * base.cdf(x) if inside(x) else 0),
-                       lambda x: pi * (base.sf(x) if inside(x) else 1), lambda x: m.log(mass(x)))
+        return Variant(base, min(0, base.support[0]),
+                       lambda x: (1 - pi if x >= 0 else 0) + (pi * base.cdf(x) if inside(x) else 0),
+                       lambda x: (1 - pi if x < 0 else 0) + pi * (base.sf(x) if inside(x) else 1),
+                       lambda x: m.log(mass(x)))
     return told
 
 
 def truncated(name):
     def told(*parameters):
         base = BASES[name](*parameters)
-        rest = base.sf(m.mpf(0))
-        lower = lambda x: m.fsum(base.mass(m.mpf(k)) for k in range(1, int(x) + 1)) if x < 50 else rest - base.sf(x)
-        return Variant(base, 1, lambda x: lower(x) / rest, lambda x: base.sf(x) / rest,
+        first = max(1, int(base.support[0]))
+        rest = base.sf(m.mpf(0)) if base.support[0] == 0 else m.mpf(1)
+        lower = lambda x: m.fsum(base.mass(m.mpf(k)) for k in range(first, int(x) + 1)) if x < 50 else rest - base.sf(x)
+        return Variant(base, first, lambda x: lower(x) / rest, lambda x: base.sf(x) / rest,
                        lambda x: m.log(base.mass(x) / rest))
     return told
 
 
 ORDINARY = {
     "BetaBinomial": (10, 2, 3), "BetaGeometric": (3, 4), "BetaNegBin": (2, 6, 2), "Binomial": (10, 0.25),
-    "Geometric": (0.25,), "Logarithmic": (0.5,), "NegBin": (3, 0.25), "Poisson": (3.5,), "Polya": (2.5, 3),
+    "Geometric": (0.25,), "Hypergeo": (5, 6, 20), "InvHypergeo": (2, 5, 20), "Skellam": (3.5, 2), "Logarithmic": (0.5,), "NegBin": (3, 0.25), "Poisson": (3.5,), "Polya": (2.5, 3),
 }
-EXTREME = {"Poisson": (1e-9,), "Polya": (1e-9, 5), "Binomial": (1000, 0.01)}
+EXTREME = {"Poisson": (1e-9,), "Polya": (1e-9, 5), "Binomial": (1000, 0.01), "Hypergeo": (60, 90, 100)}
 
 FAMILIES = {
     f"ZI{name}": (inflated(name), [(*p, 0.3)], [(*EXTREME[name], 1 - 2.0**-40)] if name in EXTREME else [])
     for name, p in ORDINARY.items()
 } | {
     f"ZT{name}": (truncated(name), [p], [EXTREME[name]] if name in EXTREME else [])
-    for name, p in ORDINARY.items() if name != "Logarithmic"
+    for name, p in ORDINARY.items() if name not in ("Logarithmic", "Skellam")
 }
 
 TRUNCATED = [("ZTPoisson", (3.5,), 0, 2, 6, 4), ("ZTPoisson", (3.5,), 0, 30, 40, 33), ("ZTNegBin", (3, 0.25), 2, 0.25, 9, 5),
