@@ -146,6 +146,10 @@ void fit(const FitOptions& options) {
     const auto discrete = [](const Family* family) { return family->kind == "discrete"; };
     if (options.shift && std::ranges::any_of(candidates, discrete))
         throw UsageError("--shift: only continuous families are shifted (--kind continuous chooses them)");
+    const auto [least, greatest] = std::ranges::minmax(data.values);
+    if (least == greatest && !std::ranges::all_of(candidates, discrete))
+        throw UsageError(fmt::format("{}: all values are {}, too few for a continuous family", options.file,
+                                     number_text(least)));
     if (options.timeout) PralSetFitTimeout(*options.timeout);
 
     Results results = fit_all(candidates, data);
@@ -156,10 +160,9 @@ void fit(const FitOptions& options) {
     }
     if (options.verbose) {
         std::fprintf(stderr, "%s, column %s: %zu values from %s to %s, %zu %s families\n",
-                     options.file.c_str(), column.c_str(), data.values.size(),
-                     number_text(std::ranges::min(data.values)).c_str(),
-                     number_text(std::ranges::max(data.values)).c_str(), candidates.size(),
-                     candidates.front()->kind.c_str());
+                     options.file.c_str(), column.c_str(), data.values.size(), number_text(least).c_str(),
+                     number_text(greatest).c_str(), candidates.size(),
+                     options.families.empty() ? candidates.front()->kind.c_str() : "named");
     }
     if (!refused.empty() && (options.verbose || !options.families.empty())) {
         std::fprintf(stderr, "%zu of %zu left out%s\n", candidates.size() - results.fitted.size(),

@@ -38,7 +38,8 @@ that cannot have the data are left out; --verbose tells why. A table shows round
 AIC, AICc and BIC count the free parameters: all of them, the shift as one more, the base of LognormalB (LognormalE in
 other words, fitted only by name) as none. A shift adds nothing to a family that has a location of its own, and counts all
 the same. Where the range of a family may begin at the smallest value, its likelihood may have no bound there: a shape
-below 1 and a range from the smallest value on tell of a first rank that means nothing.
+below 1 and a range from the smallest value on tell of a first rank that means nothing. The zero-inflated and zero-truncated
+Binomial and NegBin keep a real n or s, which only fits know: round it for the other commands.
 Bounds hold before the shift, as in the other commands.)";
 
 /// An option whose value is one of a few words, in any case.

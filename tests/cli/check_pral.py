@@ -82,6 +82,7 @@ REFUSALS = [
     (f"{LOSSES} --column gain", 2, "has no column gain"),
     (f"{FIRES} --column date", 2, 'danish_fire_losses.csv:2: "1980-01-03" is not a number'),
     ("fit ../LICENSE", 2, "LICENSE holds no numbers"),
+    (f"{LOSSES} --column limit --kind continuous", 2, "all values are 5,"),
     (f"{LOSSES} --column 3 --kind discrete", 2, "0.2 is not a whole number"),
     (f"{LOSSES} --kind data", 2, "continuous or discrete is wanted"),
     (f"{LOSSES} --kind continuous --dist Normal", 2, "only one of them"),
