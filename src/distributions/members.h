@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "boundary/call.h"
-#include "distributions/family.h"
+#include "distributions/sample.h"
 #include "distributions/truncated.h"
 
 namespace pral {
@@ -159,6 +159,13 @@ inline std::vector<double> counted_values(std::span<const double> values, bool d
     return counted;
 }
 
+/// Whether so many values are better counted than taken one by one: a mass costs more than counting.
+template <Family D>
+bool counts_repay(std::size_t size) {
+    return requires { D::kIntegers; }
+    &&size >= 32;
+}
+
 /// PralXProb_Core and, on the logarithmic scale, PralXProb10_Core. The shift is taken off the caller's x
 /// before all checks.
 template <Family D>
@@ -189,12 +196,14 @@ bool probability_member(double* out, double* x, int count, const D& d, const int
         all_numbers &= value == value;
         if constexpr (requires { D::kIntegers; }) all_countable &= value == std::trunc(value);
     }
+    const auto density_of = [&](const auto& of) { return joint_density(of, smallest, largest, kept, scale); };
     double joint = numerics::kNaN;
     if (smallest < kept.lower() || smallest == -numerics::kInfinity || (all_numbers && !all_countable))
         joint = impossible(scale);
     else if (all_numbers)
-        joint = density ? joint_density(values, smallest, largest, kept, scale)
-                        : joint_cumulative(values, smallest, kept, scale);
+        joint = !density                ? joint_cumulative(values, smallest, kept, scale)
+                : counts_repay<D>(size) ? density_of(Sample(values))
+                                        : density_of(values);
     *out = numerics::finite_or_limit(scale == Scale::plain ? joint : joint / numerics::kLn10);
     return true;
 }

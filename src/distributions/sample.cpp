@@ -108,8 +108,8 @@ std::span<const Sample::Count> Sample::counts() const {
         x = nearest;
     }
     auto& counts = counts_.emplace();
-    constexpr double kDense = 1 << 16;  // so few integers are counted, others are sorted
-    if (const double low = std::round(min_); range() < kDense) {
+    const bool dense = range() < 4 * count() + 64;  // so few integers are counted, others are sorted
+    if (const double low = std::round(min_); dense) {
         std::vector<double> times(static_cast<std::size_t>(std::round(max_) - low) + 1);
         for (const double x : integers) times[static_cast<std::size_t>(x - low)] += 1;
         for (std::size_t i = 0; i < times.size(); ++i) {
@@ -123,6 +123,19 @@ std::span<const Sample::Count> Sample::counts() const {
         counts.back().times += 1;
     }
     return counts;
+}
+
+std::span<const double> Sample::exceedances() const {
+    if (exceedances_) return *exceedances_;
+    auto& exceeding = exceedances_.emplace();
+    constexpr double kMost = 1 << 14;
+    if (!whole() || min_ < 0 || max_ > kMost) return exceeding;
+    exceeding.resize(static_cast<std::size_t>(std::round(max_)));
+    for (const auto& [value, times] : counts()) {
+        if (value > 0) exceeding[static_cast<std::size_t>(value) - 1] = times;
+    }
+    for (std::size_t j = exceeding.size(); j-- > 1;) exceeding[j - 1] += exceeding[j];
+    return exceeding;
 }
 
 double Sample::share_of(double integer) const {

@@ -56,6 +56,8 @@ class Sample {
     bool whole() const { return !counts().empty(); }
     /// The distinct integers in ascending order; empty when not all values are.
     std::span<const Count> counts() const;
+    /// How many of the values exceed j, for j = 0, 1, ..., max - 1; empty where they are not counts, or large ones.
+    std::span<const double> exceedances() const;
     /// The share of the values that equal `integer`, which are integers.
     double share_of(double integer) const;
 
@@ -71,10 +73,20 @@ class Sample {
         log_complement_below_mean_;
     mutable std::vector<double> sorted_;
     mutable std::optional<std::vector<Count>> counts_;
+    mutable std::optional<std::vector<double>> exceedances_;
 };
 
 /// factor * mean, 0 for a factor of 0 whatever the mean.
 inline double times(double factor, double mean) { return factor == 0 ? 0 : factor * mean; }
+
+/// The sum of the log masses, one for each distinct integer; -inf when not all values are integers.
+template <Distribution D>
+double sum_over_counts(const D& d, const Sample& x) {
+    if (!x.whole()) return -HUGE_VAL;
+    double sum = 0;
+    for (const auto& [value, times] : x.counts()) sum += times * d.log_density(value);
+    return sum;
+}
 
 /// The sum of the log densities of a sample inside the support: from its statistics where the family has
 /// log_likelihood(const Sample&), from the distinct values of a family on the integers.
@@ -83,10 +95,7 @@ double log_likelihood(const D& d, const Sample& x) {
     if constexpr (requires { d.log_likelihood(x); }) {
         return d.log_likelihood(x);
     } else if constexpr (requires { D::kIntegers; }) {
-        if (!x.whole()) return -HUGE_VAL;
-        double sum = 0;
-        for (const auto& [value, times] : x.counts()) sum += times * d.log_density(value);
-        return sum;
+        return sum_over_counts(d, x);
     } else {
         return log_likelihood(d, x.values());
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "distributions/discrete/discrete.h"
+#include "distributions/sample.h"
 #include "numerics/beta_ratio.h"
 #include "numerics/gamma_ratio.h"
 #include "numerics/normal.h"
@@ -45,6 +46,18 @@ struct NegativeBinomial : OnIntegers<D> {
     /// The beta density of shapes s and k + 1 times p/(s + k): no difference of large log-gammas.
     double log_density(double k) const {
         return numerics::log_beta_density(s, k + 1, p, q) + std::log(p) - std::log(s + k);
+    }
+    /// C(s + k - 1, k) is the product of (s + j)/(1 + j) over j < k: how many of the values exceed j is all that is needed.
+    double log_likelihood(const Sample& x) const {
+        const std::span<const double> exceeding = x.exceedances();
+        if (exceeding.empty()) return sum_over_counts(*static_cast<const D*>(this), x);
+        double sum = 0, j = 0;
+        for (const double times : exceeding) {
+            sum += times * std::log((s + j) / (1 + j));
+            ++j;
+        }
+        const double log_p = q < 0.5 ? numerics::log1p_fn(-q) : std::log(p);
+        return sum + x.count() * (s * log_p + x.mean() * std::log(q));
     }
     double mass_ratio(double k) const { return (s + k) / (k + 1) * q; }
     /// The gamma distribution with the same mean and variance.
