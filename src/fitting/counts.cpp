@@ -179,6 +179,8 @@ const FittedFamily kFamilies[] = {
         inflated<places_neg_bin, 2>, {.names = kInflated2}),
     fitted<ZIPolya, 3>("ZIPolya", {kPositive, kPositive, kProbability},
         inflated<places_polya, 2>, {.names = kInflated2}),
+    fitted<ZISkellam, 3>("ZISkellam", {kPositive, kPositive, kProbability},
+        inflated<places_skellam, 2>, {.names = kInflated2}),
     fitted<ZeroInflated<RealCounts<BetaBinomial>>, 4>("ZIBetaBinomial", {kCount, kPositive, kPositive, kProbability},
         inflated<places_beta_binomial, 3>, {.names = kInflated3, .begins_with_count = true, .rounding = {0}}),
     fitted<ZIBetaGeometric, 3>("ZIBetaGeometric", {kPositive, above(2), kProbability},

@@ -54,17 +54,17 @@ PRAL_EXPORT_FAMILY(ZTPolya, (double alpha, double beta), (alpha, beta));
     }                                                                                                        \
     static_assert(pral::Family<FAMILY>)
 
-using ZIBetaBinomialForFit = pral::ZeroInflated<pral::RealBetaBinomial>;
+using ZIBetaBinomialForFit = pral::ZeroInflated<pral::RealCounts<pral::BetaBinomial>>;
 PRAL_EXPORT_FOR_FIT(ZIBetaBinomial, ZIBetaBinomialForFit, (double n, double alpha, double beta, double pi),
                     (n, alpha, beta, pi));
-using ZTBetaBinomialForFit = pral::ZeroTruncated<pral::RealBetaBinomial>;
+using ZTBetaBinomialForFit = pral::ZeroTruncated<pral::RealCounts<pral::BetaBinomial>>;
 PRAL_EXPORT_FOR_FIT(ZTBetaBinomial, ZTBetaBinomialForFit, (double n, double alpha, double beta),
                     (n, alpha, beta));
-using ZIBinomialForFit = pral::ZeroInflated<pral::RealBinomial>;
+using ZIBinomialForFit = pral::ZeroInflated<pral::RealCounts<pral::Binomial>>;
 PRAL_EXPORT_FOR_FIT(ZIBinomial, ZIBinomialForFit, (double n, double p, double pi), (n, p, pi));
-using ZTBinomialForFit = pral::ZeroTruncated<pral::RealBinomial>;
+using ZTBinomialForFit = pral::ZeroTruncated<pral::RealCounts<pral::Binomial>>;
 PRAL_EXPORT_FOR_FIT(ZTBinomial, ZTBinomialForFit, (double n, double p), (n, p));
-using ZINegBinForFit = pral::ZeroInflated<pral::RealNegBin, pral::NegBinChecks>;
+using ZINegBinForFit = pral::ZeroInflated<pral::RealCounts<pral::NegBin>, pral::NegBinChecks>;
 PRAL_EXPORT_FOR_FIT(ZINegBin, ZINegBinForFit, (double s, double p, double pi), (s, p, pi));
-using ZTNegBinForFit = pral::ZeroTruncated<pral::RealNegBin, pral::NegBinChecks>;
+using ZTNegBinForFit = pral::ZeroTruncated<pral::RealCounts<pral::NegBin>, pral::NegBinChecks>;
 PRAL_EXPORT_FOR_FIT(ZTNegBin, ZTNegBinForFit, (double s, double p), (s, p));

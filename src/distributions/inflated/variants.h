@@ -10,6 +10,7 @@
 #include "distributions/discrete/skellam.h"
 #include "distributions/inflated/zero_inflated.h"
 #include "distributions/inflated/zero_truncated.h"
+#include "distributions/real_counts.h"
 
 namespace pral {
 
@@ -85,20 +86,6 @@ struct NegBinChecks : BaseChecks {
         if (!(base.p >= 0 && base.p <= 1)) return "Error: p must be between [0,1]";
         return base.p > 0 ? base.check() : nullptr;
     }
-};
-
-/// The base families without the check for an integer, between whose values a likelihood is maximised.
-struct RealBinomial : Binomial {
-    using Binomial::Binomial;
-    Message check() const { return check_range(); }
-};
-struct RealNegBin : NegBin {
-    using NegBin::NegBin;
-    Message check() const { return check_range(); }
-};
-struct RealBetaBinomial : BetaBinomial {
-    using BetaBinomial::BetaBinomial;
-    Message check() const { return check_range(); }
 };
 
 using ZIBetaBinomial = ZeroInflated<BetaBinomial>;
