@@ -189,8 +189,9 @@ Starts start_log_laplace(const StartData& data) {
         const double both = std::sqrt(above * below), spread = above + below + 2 * both;
         if (!(spread < best)) continue;
         best = spread;
-        starts.places[0] =
-            place({data.x.count() / (above + both), data.x.count() / (below + both), std::exp(logs[i])});
+        // With Delta at an end of the data one of the sums is 0, and its rate as large as can be.
+        const auto rate = [&](double sum) { return std::fmin(data.x.count() / sum, 1e9); };
+        starts.places[0] = place({rate(above + both), rate(below + both), std::exp(logs[i])});
     }
     return starts;
 }
