@@ -78,6 +78,9 @@ TEST(Discrete, GeneratorsOfBareCallsHaveTheirDistribution) {
     expect_fits("BurntFingerPoisson", BurntFingerPoisson(2, 2));
     expect_fits("PoissonUniform", PoissonUniform(2, 9));
     expect_fits("ZIPoisson", ZIPoisson(3, 0.7));
+    expect_fits("ZISkellam", ZISkellam(3.5, 8, 0.4));
+    expect_fits("ZIHypergeo", ZIHypergeo(20, 30, 100, 0.9));
+    expect_fits("ZIBetaGeometric", ZIBetaGeometric(3, 4, 0.25));
 }
 
 /// The call's own uniform is spent first; what is nested draws afresh.
