@@ -33,6 +33,7 @@ struct TauTable {
 }  // namespace
 
 void Clayton::frailties(std::span<double> first, std::span<const double>) const {
+    // One that has underflowed counts as the smallest.
     invert(Gamma{std::min(1 / alpha_, numerics::kInfinity), 1}, first);
     for (double& v : first) v = std::clamp(v, 0x1p-1074, numerics::kInfinity);
 }

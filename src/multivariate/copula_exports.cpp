@@ -102,15 +102,13 @@ bool elliptical(double* out, int size, double* corr, int d, int samples, Sample 
         return true;
     }
     CovarianceFactor factor;
-    return succeeded(pral::multivariate::complete_covariance(correlation.matrix(), correlation.size())) &&
-           succeeded(factor.factorise(correlation.matrix(), correlation.size())) && sample(factor);
+    return succeeded(factor.prepare(correlation.matrix(), correlation.size())) && sample(factor);
 }
 
 /// The factor of the matrix of one correlation.
 Message factorise_pair(double rho, CovarianceFactor& factor) {
     double matrix[4] = {1, rho, rho, 1};
-    if (const Message objection = pral::multivariate::complete_covariance(matrix, 2)) return objection;
-    return factor.factorise(matrix, 2);
+    return factor.prepare(matrix, 2);
 }
 
 }  // namespace

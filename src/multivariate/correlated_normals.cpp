@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 
 #include "distributions/continuous/normal.h"
 #include "matrix/correlation_matrix.h"
@@ -16,6 +17,35 @@ Message complete_covariance(double* cov, int n) {
     std::vector<double> values(static_cast<std::size_t>(std::max(n, 0)));
     if (const Message problem = matrix::eigen_values(cov, n, values.data())) return problem;
     if (matrix::smallest(values) < 0) return "Error: cov_matrix must be positive semi-definite";
+    return nullptr;
+}
+
+namespace {
+
+/// The matrix of the call before and its factor: spreadsheets ask for one vector at a time.
+struct {
+    std::vector<double> matrix;
+    CovarianceFactor factor;
+} last;
+constexpr int kMostRemembered = 128;  // rows
+
+}  // namespace
+
+Message CovarianceFactor::prepare(double* cov, int n) {
+    matrix::complete_upper_triangle(cov, n);
+    const std::size_t elements = matrix::element_count(n);
+    if (n > 0 && last.matrix.size() == elements &&
+        std::memcmp(last.matrix.data(), cov, elements * sizeof *cov) == 0) {
+        *this = last.factor;
+        return nullptr;
+    }
+    if (const Message problem = complete_covariance(cov, n)) return problem;
+    if (const Message problem = factorise(cov, n)) return problem;
+    if (n <= kMostRemembered) {
+        last.matrix.clear();  // should memory run out, nothing is remembered
+        last.factor = *this;
+        last.matrix.assign(cov, cov + elements);
+    }
     return nullptr;
 }
 

@@ -17,7 +17,11 @@ Message complete_covariance(double* cov, int n);
 /// eigen-decomposition.
 class CovarianceFactor {
   public:
-    /// Factorises a matrix that complete_covariance() has passed; objects to one that is not symmetric.
+    /// Completes an n x n matrix that is zero above its diagonal, in place, and factorises it; objects to one that has a
+    /// negative eigenvalue or is not symmetric. The matrix of the call before is found again.
+    Message prepare(double* cov, int n);
+
+    /// Factorises a matrix without negative eigenvalues; objects to one that is not symmetric.
     Message factorise(const double* cov, int n);
 
     int size() const { return n_; }
