@@ -13,8 +13,9 @@
 namespace pral::multivariate {
 
 Message complete_covariance(double* cov, int n) {
+    if (n <= 0) return nullptr;
     matrix::complete_upper_triangle(cov, n);
-    std::vector<double> values(static_cast<std::size_t>(std::max(n, 0)));
+    std::vector<double> values(static_cast<std::size_t>(n));
     if (const Message problem = matrix::eigen_values(cov, n, values.data())) return problem;
     if (matrix::smallest(values) < 0) return "Error: cov_matrix must be positive semi-definite";
     return nullptr;
@@ -34,7 +35,7 @@ constexpr int kMostRemembered = 128;  // rows
 Message CovarianceFactor::prepare(double* cov, int n) {
     matrix::complete_upper_triangle(cov, n);
     const std::size_t elements = matrix::element_count(n);
-    if (n > 0 && last.matrix.size() == elements &&
+    if (elements > 0 && last.matrix.size() == elements &&
         std::memcmp(last.matrix.data(), cov, elements * sizeof *cov) == 0) {
         *this = last.factor;
         return nullptr;

@@ -81,15 +81,16 @@ bool multivariate_normal(double* out, const double* mu, int k, double* cov, int 
     const auto zero = [](double element) { return element == 0; };
     if (!matrix.empty() && matrix.size() < pral::matrix::element_count(k))
         return fail("Error: cov_matrix must have as many rows and columns as there are means");
+    if (k <= 0) return true;
     if (all(matrix, zero)) {
-        std::copy_n(mu, std::max(k, 0), out);
+        std::transform(mu, mu + k, out, pral::numerics::finite_or_limit);
         return true;
     }
     pral::multivariate::CovarianceFactor factor;
     if (!succeeded(factor.prepare(cov, k))) return false;
     std::vector<double> z(k);
     factor.draw(pral::random_stream(), z.data(), out);
-    for (int i = 0; i < k; ++i) out[i] += mu[i];
+    for (int i = 0; i < k; ++i) out[i] = pral::numerics::finite_or_limit(out[i] + mu[i]);
     return true;
 }
 

@@ -1,22 +1,36 @@
-// What samples of vectors show of their distribution: margins, rank correlation, closeness in a corner.
+// What is known of the vector functions (reference/multivariate.tsv), and what samples show: margins, rank correlation,
+// closeness in a corner, moments.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <cmath>
-#include <cstddef>
-#include <string>
-#include <vector>
 
-#include "boundary/core_api.h"
+#include "multivariate/exports.h"
 
 namespace pral::test {
 
-using Values = std::vector<double>;
+/// The rows of a kind.
+inline std::vector<std::vector<std::string>> known(const std::string& kind) {
+    auto rows = table("reference/multivariate.tsv");
+    std::erase_if(rows, [&](const auto& row) { return row[0] != kind; });
+    EXPECT_FALSE(rows.empty()) << kind;
+    return rows;
+}
+
+/// `count` vectors of k elements, one call each.
+inline Values sampled(const std::string& name, const std::string& arguments, std::size_t k, std::size_t count,
+                      unsigned seed) {
+    const Written written(arguments);
+    Values samples(k * count);
+    PralSetRandomSeed(seed);
+    for (std::size_t i = 0; i < count; ++i) {
+        EXPECT_TRUE(kVectorFunctions.at(name).plain(&samples[i * k], static_cast<int>(k), written.arguments))
+            << name << PralCoreError();
+    }
+    return samples;
+}
 
 /// Coordinate j of samples of d coordinates.
-inline Values coordinate(const Values& samples, int d, int j) {
+inline Values coordinate(const Values& samples, std::size_t d, std::size_t j) {
     Values values;
     for (std::size_t i = j; i < samples.size(); i += d) values.push_back(samples[i]);
     return values;
@@ -40,28 +54,27 @@ inline double kendall(const Values& x, const Values& y) {
     return tau;
 }
 
-/// Five standard deviations of tau, which has the largest variance without dependence.
-inline double tau_margin(std::size_t n) { return 5 * 2 / (3 * std::sqrt(n / 1.0)) * std::sqrt(2.0); }
-
-/// The share of samples with the second coordinate beyond `q` among those with the first: both below q < 1/2, or above.
-inline double closeness(const Values& x, const Values& y, double q) {
+/// The share of samples with the second coordinate beyond `q` among those with the first, below it or above it, against the
+/// probability p: within five standard deviations and three samples.
+inline void expect_closeness(const Values& x, const Values& y, double q, bool below, double p,
+                             const std::string& what) {
     double first = 0, both = 0;
     for (std::size_t i = 0; i < x.size(); ++i) {
-        const auto beyond = [q](double value) { return q < 0.5 ? value < q : value > q; };
+        const auto beyond = [=](double value) { return below ? value < q : value > q; };
         first += beyond(x[i]);
         both += beyond(x[i]) && beyond(y[i]);
     }
-    return both / first;
+    EXPECT_NEAR(both / first, p, 5 * std::sqrt(std::fabs(p * (1 - p)) / first) + 3 / first) << what << below;
 }
 
-inline double mean(const Values& x) {
+inline double mean_of(const Values& x) {
     double sum = 0;
     for (const double value : x) sum += value;
     return sum / static_cast<double>(x.size());
 }
 
-inline double covariance(const Values& x, const Values& y) {
-    const double mx = mean(x), my = mean(y);
+inline double covariance_of(const Values& x, const Values& y) {
+    const double mx = mean_of(x), my = mean_of(y);
     double sum = 0;
     for (std::size_t i = 0; i < x.size(); ++i) sum += (x[i] - mx) * (y[i] - my);
     return sum / static_cast<double>(x.size());
