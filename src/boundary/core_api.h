@@ -1385,6 +1385,10 @@ PRAL_FAMILY(PoissonUniform, discrete, (double Min, double Max),
     "Poisson with a rate uniform on [Min, Max], 0 <= Min < Max; support 0, 1, ...; f(x) = (P(x+1, Max) - P(x+1, Min))/"
     "(Max - Min), P the incomplete gamma ratio; a bare call takes one unused draw, one for the rate and one for the value")
 
+PRAL_FAMILY(Delaporte, discrete, (double alpha, double beta, double lambda),
+    "Polya(alpha, beta) + Poisson(lambda), all >= 0: a Poisson rate with a gamma part and a constant one; support 0, 1, ...; "
+    "alpha or beta 0 leaves the Poisson, lambda 0 the Polya, both a point mass at 0")
+
 /* Variants of the counts. ZI: with probability pi a value of the family, else 0; pi in (0,1), "Error: pi should be on
  * (0,1)". A bare call draws whether, then a value. A percentile up to 1 - pi is 0; bounds rescale only those above, so
  * that the extra zeros keep their weight. ZT: the family given a value of 1 or more. Where a variant's checks let pass

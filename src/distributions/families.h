@@ -27,6 +27,7 @@
 #include "distributions/data/step_uniform.h"
 #include "distributions/discrete/beta_mixtures.h"
 #include "distributions/discrete/binomial.h"
+#include "distributions/discrete/delaporte.h"
 #include "distributions/discrete/hypergeometric.h"
 #include "distributions/discrete/logarithmic.h"
 #include "distributions/discrete/negative_binomial.h"

@@ -57,6 +57,13 @@ TEST(Discrete, LongSumsHaveTheirClosedForms) {
                    0.5 + 0.5 * std::exp(Hypergeo(half, half, M).log_density(k)));
         expect(std::exp(Hypergeo(half, half, M).log_density(std::floor(k))), mass);
     }
+    // Negative binomial rates of both widths: Poisson with a rate between alpha beta = 1 and none.
+    for (const double lambda : {1e4, 1e7, 1e9}) {
+        const Delaporte both(lambda, 1e-14, lambda);
+        const Poisson single(lambda * (1 + 1e-14));
+        const double k = lambda + 3 * std::sqrt(lambda);
+        EXPECT_NEAR(both.survival(std::floor(k)) / single.survival(std::floor(k)), 1, 1e-10);
+    }
     std::printf("worst %.1e\n", worst);
 }
 
@@ -136,6 +143,9 @@ TEST(Discrete, TablesEqualTheWalk) {
     expect_table_equals_walk(Skellam(500, 300));
     expect_table_equals_walk(Skellam(1e-3, 4000));
     expect_table_equals_walk(PoissonUniform(100, 900));
+    expect_table_equals_walk(Delaporte(0.01, 50, 30));
+    expect_table_equals_walk(Delaporte(400, 2, 0.001));
+    expect_table_equals_walk(Delaporte(20000, 2, 30000));
     expect_table_equals_walk(InvHypergeo(3, 5, 4000));
 }
 

@@ -85,12 +85,13 @@ class InversionWalk {
             if constexpr (requires { d_.tail_exponent(); }) {
                 if (!lower && k > 1) next = std::floor(k * std::exp(std::min(distance / k, 700.0)));
             }
+            if (next == k) return true;  // beyond 2^53 integers have no neighbours
             if (next >= top_ && high == top_ && short_at(neighbour_below(top_))) {
                 k = top_;
                 return true;
             }
             if (!(next > low && next < high)) next = middle(low, high);
-            if (next <= low || next >= high) {  // beyond 2^53 integers have no neighbours
+            if (next <= low || next >= high) {
                 k = high;
                 return true;
             }
@@ -182,7 +183,7 @@ class InversionWalk {
         return high;
     }
 
-    static constexpr int kWalk = 32;
+    static constexpr int kWalk = D::kWalk;
     /// Newton's steps or halvings of the exponent: 2^1024 down to a factor of 4 in 10, then 50 bits of it at worst.
     static constexpr int kApproach = 100;
     /// Steps after which the ends are tried, where most of the mass may be.
@@ -281,6 +282,8 @@ struct OnIntegers {
     static constexpr bool kDiscrete = true;
     static constexpr bool kIntegers = true;
     static constexpr Tie kTie = Tie::next, kTieFromAbove = Tie::stay;
+    /// Steps of the walk, after those of Newton.
+    static constexpr int kWalk = 32;
     /// Percentiles above it give the upper end of the support.
     static constexpr double kLastPercentile = 1;
 

@@ -43,6 +43,8 @@ struct NegativeBinomial : OnIntegers<D> {
 
     double cumulative(double k) const { return numerics::beta_lower(s, k + 1, p, q); }
     double survival(double k) const { return numerics::beta_upper(s, k + 1, p, q); }
+    double log_cumulative(double k) const { return numerics::log_beta_lower(s, k + 1, p, q); }
+    double log_survival(double k) const { return numerics::log_beta_upper(s, k + 1, p, q); }
     /// The beta density of shapes s and k + 1 times p/(s + k): no difference of large log-gammas.
     double log_density(double k) const {
         return numerics::log_beta_density(s, k + 1, p, q) + std::log(p) - std::log(s + k);
