@@ -723,8 +723,9 @@ PRAL_API bool PralCopulaDataSeriesVB_Core(SAFEARRAY** out, const double* data, i
 /* From the mean of tau over all ordered pairs of variables (a, b), a not being the last variable:
  *   Clayton  2 tau/(1 - tau), within [0,36]
  *   Gumbel   1/(1 - tau), at most 36, and 1.0000000001 where it is below 1
- *   Frank    by a table of tau at theta = 0, 0.36, ..., 34.92, linearly; 0 for tau < 0, 35 beyond the table. The synthetic
- *            data come from the Clayton copula with Frank's theta. */
+ *   Frank    by a table of tau at theta = 0, 0.36, ..., 34.92 (the formula, to nine decimals: 0.039948274 at 0.36),
+ *            linearly; 0 for tau < 0, 35 beyond the table. The synthetic data come from the Clayton copula with
+ *            Frank's theta. */
 PRAL_API bool PralCopulaMultiClaytonFitP_Core(double* alpha, const double* data, int rows, int cols,
                                               int dataInRows, int uncertainty);
 PRAL_API bool PralCopulaMultiGumbelFitP_Core(double* theta, const double* data, int rows, int cols,

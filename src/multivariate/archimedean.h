@@ -7,10 +7,11 @@
 //   kBivariate, kPair, kMultivariate            the messages when it is not; kPair is that of many samples of pairs
 //   kDirections                                 how many of the directions of apply_direction() it knows
 //   kFrailtyUniforms                            uniforms that a frailty takes
-//   frailties(first, second)                    replaces the first uniform of each frailty (second: the second, if any) by it
+//   frailties(first, second)                    replaces the first uniform of each frailty by it; second has the second
+//                                               ones, if there are any
 //   coordinate(u, v)                            a coordinate from its uniform and the frailty
-//   kOwnCorner                                  the sign of E (u1 + u2 - 1)^3: negative when the dependence is closest near
-//                                               (0, 0), 0 when both corners are alike
+//   kOwnCorner                                  the sign of E (u1 + u2 - 1)^3: negative when the dependence is closest
+//                                               near (0, 0), 0 when both corners are alike
 //   from_tau(tau)                               the parameter with that Kendall's tau, as fits of pairs give it
 //   limited(p)                                  the parameter of a fit within what fits of more variables give
 #pragma once
@@ -30,8 +31,8 @@ namespace pral::multivariate {
 /// -ln u of a uniform.
 inline double exponential(double u) { return -std::log(u); }
 
-/// ln(1 + x) for x >= -1/2, and 1 - e^x for x <= 0 from e^x, by the runtime's logarithm (Kahan): to a few units in the last
-/// place, in a third of the time of log1p_fn and expm1_fn.
+/// ln(1 + x) for x >= -1/2, and 1 - e^x for x <= 0 from e^x, by the runtime's logarithm (Kahan): to a few units in
+/// the last place, in a third of the time of log1p_fn and expm1_fn.
 inline double log_one_plus(double x) {
     const double w = 1 + x;
     return w == 1 ? x : std::log(w) * (x / (w - 1));
@@ -93,8 +94,8 @@ class Gumbel {
     double theta_, index_;
 };
 
-/// psi(s) = -ln(1 - (1 - e^-theta) e^-s)/theta, V logarithmic with parameter 1 - e^-theta. No tail dependence, symmetric in
-/// both corners.
+/// psi(s) = -ln(1 - (1 - e^-theta) e^-s)/theta, V logarithmic with parameter 1 - e^-theta. No tail dependence,
+/// symmetric in both corners.
 class Frank {
   public:
     static constexpr Message kBivariate = "Error:  theta must be between [-35:35] for bivariate case";
@@ -140,9 +141,9 @@ inline void apply_direction(int direction, double* pair) {
     if (direction == 3 || direction == 4) pair[1] = 1 - pair[1];
 }
 
-/// `count` samples of d coordinates, one after another. Each takes the uniforms of its frailty, then one for each of its
-/// coordinates. With a negative parameter all coordinates but the first are mirrored; 0 (and a denormal) is independence, a
-/// uniform each.
+/// `count` samples of d coordinates, one after another. Each takes the uniforms of its frailty, then one for each of
+/// its coordinates. With a negative parameter all coordinates but the first are mirrored; 0 (and a denormal) is
+/// independence, a uniform each.
 template <class Copula>
 void sample(double parameter, int d, int count, double* out, RandomStream& stream) {
     const std::size_t width = d, samples = count;

@@ -54,8 +54,8 @@ bool multivariate(double* out, int size, double parameter, int samples) {
     });
 }
 
-/// The correlation matrix of an elliptical copula, as its callers give it: d x d elements or, with d = 1 and two outputs a
-/// sample, one correlation.
+/// The correlation matrix of an elliptical copula, as its callers give it: d x d elements or, with d = 1 and two
+/// outputs a sample, one correlation.
 class GivenCorrelation {
   public:
     GivenCorrelation(double* corr, int d, int size, int samples) : matrix_(corr), d_(d) {

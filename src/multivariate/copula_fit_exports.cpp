@@ -1,5 +1,5 @@
-// The exported fits of copulas. A fit gives its parameters; with the uncertainty flag, those fitted to a synthetic data set
-// of the same shape drawn from it.
+// The exported fits of copulas. A fit gives its parameters; with the uncertainty flag, those fitted to a synthetic
+// data set of the same shape drawn from it.
 #include <utility>
 
 #include "boundary/core_api.h"

@@ -55,8 +55,8 @@ std::vector<double> fit_correlations(const RankedData& data) {
 
 namespace {
 
-/// The profile of the t copula's log-likelihood in nu. The correlations enter by their eigen-decomposition, whose smallest
-/// values are raised so that a singular matrix, too, has a density.
+/// The profile of the t copula's log-likelihood in nu. The correlations enter by their eigen-decomposition, whose
+/// smallest values are raised so that a singular matrix, too, has a density.
 class StudentProfile {
   public:
     StudentProfile(const RankedData& data, const std::vector<double>& correlations)

@@ -23,12 +23,12 @@ class RankedData {
     /// Kendall's tau-a of two variables: exactly 1 and -1 for perfect concordance and discordance.
     double tau(std::size_t a, std::size_t b) const;
 
-    /// The mean of tau over the ordered pairs (a, b) with a < d - 1 and b != a: pairs of which one is the last variable count
-    /// once, the others twice.
+    /// The mean of tau over the ordered pairs (a, b) with a < d - 1 and b != a: pairs of which one is the last
+    /// variable count once, the others twice.
     double mean_tau() const;
 
-    /// The sign of the mean of (r + s)^3 of a pair of variables, where r and s are the ranks less their mean, each times 1 or
-    /// -1: an estimate of the sign of E (u1 + u2 - 1)^3 (Rosco and Joe 2013).
+    /// The sign of the mean of (r + s)^3 of a pair of variables, where r and s are the ranks less their mean, each
+    /// times 1 or -1: an estimate of the sign of E (u1 + u2 - 1)^3 (Rosco and Joe 2013).
     int corner(double first_sign, double second_sign) const;
 
   private:
@@ -42,8 +42,8 @@ struct PairFit {
     int direction;
 };
 
-/// The fit to pairs in a given direction, or, when that is 0, in the one that the data show: by the sign of tau, and by the
-/// corner in which the dependence is closest.
+/// The fit to pairs in a given direction, or, when that is 0, in the one that the data show: by the sign of tau, and
+/// by the corner in which the dependence is closest.
 template <class Copula>
 PairFit fit_pair(const RankedData& pairs, int direction) {
     const double tau = pairs.tau(0, 1);
@@ -66,11 +66,12 @@ double fit_all(const RankedData& data) {
 /// matrix::valid_corrmat). Empty when that fails.
 std::vector<double> fit_correlations(const RankedData& data);
 
-/// The largest number of degrees of freedom that a fit gives; beyond it the t copula is normal for all that data can tell.
+/// The largest number of degrees of freedom that a fit gives; beyond it the t copula is normal for all that data can
+/// tell.
 inline constexpr int kMostDegrees = 256;
 
-/// The whole number of degrees of freedom, 1 to kMostDegrees, with the largest likelihood of the t copula with the given
-/// correlations, at the ranks over m + 1.
+/// The whole number of degrees of freedom, 1 to kMostDegrees, with the largest likelihood of the t copula with the
+/// given correlations, at the ranks over m + 1.
 int fit_degrees(const RankedData& data, const std::vector<double>& correlations);
 
 }  // namespace pral::multivariate

@@ -1,5 +1,5 @@
-// Logarithms of joint densities and probabilities of the multivariate distributions. The arguments have been checked; the
-// results are natural logarithms, -inf for what is impossible.
+// Logarithms of joint densities and probabilities of the multivariate distributions. The arguments have been checked;
+// the results are natural logarithms, -inf for what is impossible.
 #pragma once
 
 #include <optional>
@@ -20,8 +20,8 @@ double log_multinomial(Vector s, Vector p);
 /// The Dirichlet density at x: Gamma(sum alpha)/prod Gamma(alpha_i) prod x_i^(alpha_i - 1).
 double log_dirichlet(Vector x, Vector alpha);
 
-/// The multivariate hypergeometric probability of the counts s out of the groups D: prod C(D_i, s_i)/C(M, n), n = sum s > 0,
-/// M = sum D, s_i <= D_i.
+/// The multivariate hypergeometric probability of the counts s out of the groups D: prod C(D_i, s_i)/C(M, n), n = sum
+/// s > 0, M = sum D, s_i <= D_i.
 double log_multivariate_hypergeometric(Vector s, Vector D);
 
 /// What the multivariate normal density is made of: (x - mu)' C^-1 (x - mu) and ln |det C|.

@@ -13,10 +13,10 @@ namespace pral::multivariate {
 
 namespace {
 
-/// The percentiles of Student's t, formed from the upper tail on either side, and so with an absolute error of 2e-16 at best.
-/// That is what the finite sums for few whole degrees of freedom have (Abramowitz and Stegun 26.7.3 and 26.7.4): with
-/// tan a = |t|/sqrt(nu), 2 F - 1 is sin a times a polynomial in cos^2 a for even nu, and 2/pi (a + sin a cos a times one) for
-/// odd nu.
+/// The percentiles of Student's t, formed from the upper tail on either side, and so with an absolute error of 2e-16
+/// at best. That is what the finite sums for few whole degrees of freedom have (Abramowitz and Stegun 26.7.3 and
+/// 26.7.4): with tan a = |t|/sqrt(nu), 2 F - 1 is sin a times a polynomial in cos^2 a for even nu, and 2/pi (a + sin
+/// a cos a times one) for odd nu.
 class StudentPercentile {
   public:
     explicit StudentPercentile(double nu) : student_(nu), root_(std::sqrt(nu)) {

@@ -20,8 +20,8 @@ class EmpiricalCopula {
     EmpiricalCopula(const std::vector<double>& by_variable, int d);
 
     /// `count` samples of d coordinates, one after another. Each takes a uniform for its observation and one for each
-    /// coordinate. Of a series only the first observation is drawn: the others follow it in the order of the data, the first
-    /// observation after the last.
+    /// coordinate. Of a series only the first observation is drawn: the others follow it in the order of the data,
+    /// the first observation after the last.
     void sample(int count, bool series, double* out, RandomStream& stream) const;
 
   private:

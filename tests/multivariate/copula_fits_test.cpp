@@ -32,8 +32,8 @@ TEST(CopulaFits, ParametersOfGivenData) {
     EXPECT_EQ(alpha, 36);
 }
 
-/// Data of a copula: the fit finds the parameter again, and the direction when asked for it; a replicate is near; a sample of the
-/// fit is that of the sampler.
+/// Data of a copula: the fit finds the parameter again, and the direction when asked for it; a replicate is near; a
+/// sample of the fit is that of the sampler.
 TEST(CopulaFits, SamplesTellTheirParameters) {
     const int count = 4000;
     for (const auto& [copula, parameter, directions] : {std::tuple{"BiClayton", 2.0, 4},

@@ -36,8 +36,8 @@ inline Values coordinate(const Values& samples, std::size_t d, std::size_t j) {
     return values;
 }
 
-/// Kolmogorov's distance from the uniform distribution, against the bound of Dvoretzky, Kiefer, Wolfowitz and Massart at a
-/// level of 1e-6.
+/// Kolmogorov's distance from the uniform distribution, against the bound of Dvoretzky, Kiefer, Wolfowitz and Massart
+/// at a level of 1e-6.
 inline void expect_uniform(Values u, const std::string& what) {
     std::sort(u.begin(), u.end());
     const double n = static_cast<double>(u.size());
@@ -54,8 +54,8 @@ inline double kendall(const Values& x, const Values& y) {
     return tau;
 }
 
-/// The share of samples with the second coordinate beyond `q` among those with the first, below it or above it, against the
-/// probability p: within five standard deviations and three samples.
+/// The share of samples with the second coordinate beyond `q` among those with the first, below it or above it,
+/// against the probability p: within five standard deviations and three samples.
 inline void expect_closeness(const Values& x, const Values& y, double q, bool below, double p,
                              const std::string& what) {
     double first = 0, both = 0;

@@ -1,5 +1,5 @@
-// Exported functions by their names, called with arguments out of tables: those that fill an array, (out, n, ...), those with
-// a result of a size of its own, (out, ...), and their automation forms.
+// Exported functions by their names, called with arguments out of tables: those that fill an array, (out, n, ...),
+// those with a result of a size of its own, (out, ...), and their automation forms.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -153,8 +153,8 @@ inline void expect_refused_arrays(const Functions& functions) {
 }
 
 /// Calls each function in `rounds` rounds with arguments of all sorts: extreme numbers, counts up to kMost, arrays of
-/// kMost^2 elements and null. Outputs have as many elements; what stands there must be within the limits, or NaN where they
-/// are those of all numbers. Some calls succeed.
+/// kMost^2 elements and null. Outputs have as many elements; what stands there must be within the limits, or NaN
+/// where they are those of all numbers. Some calls succeed.
 inline void expect_survival(const Functions& functions, int rounds, double least = -DBL_MAX,
                             double most = DBL_MAX) {
     constexpr int kMost = 24;
