@@ -1407,6 +1407,9 @@ PRAL_FAMILY(ZIBetaNegBin, discrete, (double s, double alpha, double beta, double
 PRAL_FAMILY(ZIBinomial, discrete, (double n, double p, double pi),
     "zero-inflated Binomial")
 
+PRAL_FAMILY(ZIDelaporte, discrete, (double alpha, double beta, double lambda, double pi),
+    "zero-inflated Delaporte")
+
 PRAL_FAMILY(ZIGeometric, discrete, (double p, double pi),
     "zero-inflated Geometric")
 
@@ -1442,6 +1445,9 @@ PRAL_FAMILY(ZTBetaNegBin, discrete, (double s, double alpha, double beta),
 
 PRAL_FAMILY(ZTBinomial, discrete, (double n, double p),
     "zero-truncated Binomial")
+
+PRAL_FAMILY(ZTDelaporte, discrete, (double alpha, double beta, double lambda),
+    "zero-truncated Delaporte")
 
 PRAL_FAMILY(ZTGeometric, discrete, (double p),
     "zero-truncated Geometric")

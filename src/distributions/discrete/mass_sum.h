@@ -94,7 +94,8 @@ class MassSum {
         const double edge = k_ - 0.5 * step_, behind = std::fabs(edge - singular_), ahead = left();
         const bool leaving = behind <= ahead;
         const double distance = leaving ? behind : ahead, growth = leaving ? 1 : -1;
-        const double log_distance = std::log(distance), log_other = std::log((behind + ahead) / distance);
+        const double log_distance = std::log(distance),
+                     log_other = numerics::log1p_fn((leaving ? ahead : behind) / distance);
         length = leaving ? std::min({length, longest_panel(log_distance), log_distance, 0.5 * log_other})
                          : std::min({length, longest_panel(log_distance), 0.5 * log_distance, log_other});
         const auto moved = [&](double t) { return growth * distance * numerics::expm1_fn(growth * t); };
@@ -104,9 +105,9 @@ class MassSum {
             return d_.log_density(k) - offset_ + growth * t;
         };
         const double at_edge = log_at(0);
-        double steps, middle, end;
-        bool calm;
-        for (;;) {
+        double steps = 0, middle = 0, end = 0;
+        bool calm = false;
+        for (int halving = 0; halving < kMaxHalvings; ++halving) {
             steps = std::floor(moved(length));
             length = leaving || steps < 0.5 * distance
                          ? growth * numerics::log1p_fn(growth * steps / distance)
@@ -147,7 +148,7 @@ class MassSum {
             return kNearSingularities;
     }
 
-    static constexpr int kFirst = 512, kShort = 2048, kMaxPanels = 60;
+    static constexpr int kFirst = 512, kShort = 2048, kMaxPanels = 60, kMaxHalvings = 60;
     /// Panels in which f times the distance varies by e^5 around its mode, or by e^10 on one side of it, are integrated to
     /// rounding by 20 points. Shorter ones than 32 steps are not needed: the sum would have ended.
     static constexpr double kVariation = 5, kMonotoneVariation = 10, kShortestPanel = 32;

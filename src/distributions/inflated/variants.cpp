@@ -6,6 +6,8 @@ PRAL_EXPORT_FAMILY(ZIBetaBinomial, (double n, double alpha, double beta, double 
 PRAL_EXPORT_FAMILY(ZIBetaGeometric, (double alpha, double beta, double pi), (alpha, beta, pi));
 PRAL_EXPORT_FAMILY(ZIBetaNegBin, (double s, double alpha, double beta, double pi), (s, alpha, beta, pi));
 PRAL_EXPORT_FAMILY(ZIBinomial, (double n, double p, double pi), (n, p, pi));
+PRAL_EXPORT_FAMILY(ZIDelaporte, (double alpha, double beta, double lambda, double pi),
+                   (alpha, beta, lambda, pi));
 PRAL_EXPORT_FAMILY(ZIGeometric, (double p, double pi), (p, pi));
 PRAL_EXPORT_FAMILY(ZIHypergeo, (double n, double D, double M, double pi), (n, D, M, pi));
 PRAL_EXPORT_FAMILY(ZIInvHypergeo, (double s, double D, double M, double pi), (s, D, M, pi));
@@ -19,6 +21,7 @@ PRAL_EXPORT_FAMILY(ZTBetaBinomial, (double n, double alpha, double beta), (n, al
 PRAL_EXPORT_FAMILY(ZTBetaGeometric, (double alpha, double beta), (alpha, beta));
 PRAL_EXPORT_FAMILY(ZTBetaNegBin, (double s, double alpha, double beta), (s, alpha, beta));
 PRAL_EXPORT_FAMILY(ZTBinomial, (double n, double p), (n, p));
+PRAL_EXPORT_FAMILY(ZTDelaporte, (double alpha, double beta, double lambda), (alpha, beta, lambda));
 PRAL_EXPORT_FAMILY(ZTGeometric, (double p), (p));
 PRAL_EXPORT_FAMILY(ZTHypergeo, (double n, double D, double M), (n, D, M));
 PRAL_EXPORT_FAMILY(ZTInvHypergeo, (double s, double D, double M), (s, D, M));

@@ -3,6 +3,7 @@
 
 #include "distributions/discrete/beta_mixtures.h"
 #include "distributions/discrete/binomial.h"
+#include "distributions/discrete/delaporte.h"
 #include "distributions/discrete/hypergeometric.h"
 #include "distributions/discrete/logarithmic.h"
 #include "distributions/discrete/negative_binomial.h"
@@ -92,6 +93,7 @@ using ZIBetaBinomial = ZeroInflated<BetaBinomial>;
 using ZIBetaGeometric = ZeroInflated<BetaGeometric, BetaGeometricChecks>;
 using ZIBetaNegBin = ZeroInflated<BetaNegBin, BetaNegBinChecks>;
 using ZIBinomial = ZeroInflated<Binomial>;
+using ZIDelaporte = ZeroInflated<Delaporte>;
 using ZIGeometric = ZeroInflated<Geometric>;
 using ZIHypergeo = ZeroInflated<Hypergeo, HypergeoChecks>;
 using ZIInvHypergeo = ZeroInflated<InvHypergeo, InvHypergeoChecks>;
@@ -105,6 +107,7 @@ using ZTBetaBinomial = ZeroTruncated<BetaBinomial>;
 using ZTBetaGeometric = ZeroTruncated<BetaGeometric, BetaGeometricChecks>;
 using ZTBetaNegBin = ZeroTruncated<BetaNegBin, BetaNegBinChecks>;
 using ZTBinomial = ZeroTruncated<Binomial>;
+using ZTDelaporte = ZeroTruncated<Delaporte>;
 using ZTGeometric = ZeroTruncated<Geometric>;
 using ZTHypergeo = ZeroTruncated<Hypergeo, HypergeoChecks>;
 using ZTInvHypergeo = ZeroTruncated<InvHypergeo, InvHypergeoChecks>;

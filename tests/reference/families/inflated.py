@@ -2,6 +2,7 @@
 import mpmath as m
 
 from beta_mixtures import FAMILIES as BETA
+from delaporte import FAMILIES as DELAPORTE
 from logarithmic import FAMILIES as LOGARITHMIC
 from negative_binomial import FAMILIES as NEGATIVE_BINOMIAL
 from poisson_kin import FAMILIES as POISSON
@@ -9,7 +10,7 @@ from poisson_mixtures import FAMILIES as POISSON_MIXTURES
 from reference import INF, Family
 from urns import FAMILIES as URNS
 
-KINS = (POISSON, NEGATIVE_BINOMIAL, BETA, LOGARITHMIC, POISSON_MIXTURES, URNS)
+KINS = (POISSON, NEGATIVE_BINOMIAL, BETA, LOGARITHMIC, POISSON_MIXTURES, URNS, DELAPORTE)
 BASES = {name: told[0] for kin in KINS for name, told in kin.items()}
 
 
@@ -50,7 +51,8 @@ def truncated(name):
 
 ORDINARY = {
     "BetaBinomial": (10, 2, 3), "BetaGeometric": (3, 4), "BetaNegBin": (2, 6, 2), "Binomial": (10, 0.25),
-    "Geometric": (0.25,), "Hypergeo": (5, 6, 20), "InvHypergeo": (2, 5, 20), "Skellam": (3.5, 2), "Logarithmic": (0.5,), "NegBin": (3, 0.25), "Poisson": (3.5,), "Polya": (2.5, 3),
+    "Geometric": (0.25,), "Hypergeo": (5, 6, 20), "InvHypergeo": (2, 5, 20), "Skellam": (3.5, 2), "Delaporte": (2.5, 3, 4),
+    "Logarithmic": (0.5,), "NegBin": (3, 0.25), "Poisson": (3.5,), "Polya": (2.5, 3),
 }
 EXTREME = {"Poisson": (1e-9,), "Polya": (1e-9, 5), "Binomial": (1000, 0.01), "Hypergeo": (60, 90, 100)}
 
@@ -62,6 +64,7 @@ FAMILIES = {
     for name, p in ORDINARY.items() if name not in ("Logarithmic", "Skellam")
 }
 
-TRUNCATED = [("ZTPoisson", (3.5,), 0, 2, 6, 4), ("ZTPoisson", (3.5,), 0, 30, 40, 33), ("ZTNegBin", (3, 0.25), 2, 0.25, 9, 5),
+TRUNCATED = [("ZTPoisson", (3.5,), 0, 2, 6, 4), ("ZTPoisson", (3.5,), 0, 30, 40, 33),
+             ("ZTNegBin", (3, 0.25), 2, 0.25, 9, 5),
              ("ZTPolya", (1e-9, 5), 3, 0.25, 0.75, 2), ("ZTBetaBinomial", (10, 2, 3), 1, 2, 0.875, 4),
              ("ZTBinomial", (1000, 0.01), 0, 1, 3, 2), ("ZTBetaGeometric", (3, 4), 2, 0.5, 1e9, 12)]
