@@ -83,8 +83,20 @@ inline double times(double factor, double mean) { return factor == 0 ? 0 : facto
 template <Distribution D>
 double sum_over_counts(const D& d, const Sample& x) {
     if (!x.whole()) return -HUGE_VAL;
+    const double first = x.counts().front().value, range = x.counts().back().value - first;
+    std::vector<double> masses;  // of families that have them by a recurrence
+    if constexpr (requires { d.masses(first, std::span<double>(masses)); }) {
+        constexpr double kFew = 4096;
+        if (range < kFew) {
+            masses.resize(static_cast<std::size_t>(range) + 1);
+            d.masses(first, masses);
+        }
+    }
     double sum = 0;
-    for (const auto& [value, times] : x.counts()) sum += times * d.log_density(value);
+    for (const auto& [value, times] : x.counts()) {
+        const double mass = masses.empty() ? 0 : masses[static_cast<std::size_t>(value - first)];
+        sum += times * (mass > DBL_MIN ? std::log(mass) : d.log_density(value));
+    }
     return sum;
 }
 

@@ -86,6 +86,16 @@ Places places_burnt_finger(const CountMoments& m) {
     return places;
 }
 
+/// A part of the mean is the constant rate; the mean and the excess variance alpha beta^2 tell the others.
+Places places_delaporte(const CountMoments& m) {
+    Places places;
+    for (const double part : {0.3, 0.6, 0.05, 0.85}) {
+        const double mean = (1 - part) * m.mean, beta = m.excess() / mean;
+        places.push_back(place({mean / beta, beta, part * m.mean}));
+    }
+    return places;
+}
+
 /// The ends of the uniform rate by mean and variance.
 Starts start_poisson_uniform(const StartData& data) {
     const double n = data.x.count(), m = data.x.mean(), variance = data.x.variance() * n / (n - 1);
@@ -165,6 +175,7 @@ const FittedFamily kFamilies[] = {
         by_moments<places_beta_binomial>, {.begins_with_count = true, .rounding = {0}}),
     fitted<RealCounts<NegBin>, 2>("NegBin", {kPositive, kProbability}, by_moments<places_neg_bin>, {.rounding = {0}}),
     fitted<Polya, 2>("Polya", {kPositive, kPositive}, by_moments<places_polya>),
+    fitted<Delaporte, 3>("Delaporte", {kPositive, kPositive, kPositive}, by_moments<places_delaporte>),
     fitted<BetaGeometric, 2>("BetaGeometric", {kPositive, kPositive}, by_moments<places_beta_geometric>),
     fitted<RealCounts<BetaNegBin>, 3>("BetaNegBin", {kPositive, kPositive, kPositive}, by_moments<places_beta_neg_bin>),
     fitted<ZIPoisson, 2>("ZIPoisson", {kPositive, kProbability},
