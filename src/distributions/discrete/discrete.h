@@ -26,10 +26,10 @@ enum class Tie { next, stay };
 ///
 ///   masses(k, out)  f(k), f(k + 1), ... for a table
 ///
-/// Walking upwards from a start below, the result is the first k with F(k) > p (Tie::next) or F(k) >= p (Tie::stay);
-/// from a start at or above it is the first k with F(k) >= p, or with F(k) > p unless the start itself hits
-/// (kTieFromAbove = Tie::next). Tails are compared, not percentiles, above the median. A
-/// start that is far off is improved by Newton steps first; the side it lay on still decides about an exact hit.
+/// Walking upwards from a start below, the result is the first k with F(k) > p (Tie::next) or F(k) >= p (Tie::stay); from a
+/// start at or above it, the first k with F(k) >= p, or with F(k) > p unless the start itself hits (kTieFromAbove =
+/// Tie::next). Tails are compared, not percentiles, above the median. A start that is far off is improved by Newton steps
+/// first; the side it lay on still decides about an exact hit.
 template <class D>
 class InversionWalk {
   public:

@@ -15,8 +15,8 @@ constexpr double kNegligible = 1e-17;
 // ---------------------------------------------------------------------------------------------- PoissonUniform
 
 /// What a gamma tail of the given shape adds between two rates, away from its larger values, to its mean over the range of
-/// rates: the integral in units of the range. Panels on which
-/// the tail falls by e^-4 or which are two standard deviations long are resolved by the rule of 20 points.
+/// rates: the integral in units of the range. Panels on which the tail falls by e^-4 or which are two standard deviations long
+/// are resolved by the rule of 20 points.
 template <class Tail>
 double tail_part(double shape, double from, double to, double range, Tail tail) {
     constexpr int kMostPanels = 100;
