@@ -89,7 +89,7 @@ double lower_sum(const Halves& h, Term centre) {
         term.down(h);
         next = weight_ratio * next + term.product;
         sum += next;
-        if (term.j < centre.j && next < kNegligible * sum) break;
+        if (term.j < centre.j && !(next > kNegligible * std::fabs(sum))) break;
     }
     return sum;
 }
@@ -101,7 +101,7 @@ double upper_sum(const Halves& h, Term centre) {
         next = (h.mean / (term.j + 1)) * (next + term.product);
         term.up(h);
         sum += next;
-    } while (term.j <= centre.j || next > kNegligible * sum);
+    } while (term.j <= centre.j || next > kNegligible * std::fabs(sum));
     return sum;
 }
 
