@@ -46,14 +46,17 @@ struct FitDescriptor {
 
 /// How to fit. Bounds tell that the data are a truncated sample.
 struct FitRequest {
-    bool uncertainty =
-        false;  ///< a replicate of the parameters by the parametric bootstrap instead of the fit
+    /// A replicate of the parameters by the parametric bootstrap instead of the fit.
+    bool uncertainty = false;
     double TruncMin = kNotGiven, TruncMax = kNotGiven;
-    double* shift = nullptr;  ///< fitted as well, from this start; bounds hold before the shift is added
-    const double* startValues = nullptr;  ///< in place of the estimator's
-    double* firstParameter =
-        nullptr;                ///< fixes the count of families that begin with one; receives the count used
-    const char* key = nullptr;  ///< in the cache of results, in place of the name
+    /// Fitted as well, from this start; bounds hold before the shift is added.
+    double* shift = nullptr;
+    /// In addition to the estimator's.
+    const double* startValues = nullptr;
+    /// Fixes the count of families that begin with one; receives the count used.
+    double* firstParameter = nullptr;
+    /// In the cache of results, in place of the name.
+    const char* key = nullptr;
 };
 
 /// Fits in place. False, with the error text: the data contradict the bounds, no start values, no likelihood, time-out.

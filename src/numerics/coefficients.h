@@ -372,7 +372,7 @@ inline constexpr double stirling_series[] = {
     0.0008417508417508417508417508,
 };
 
-/// stirling error at n = k/2; entry 0 is a placeholder (k = 2 n, n = 0, 0.5, ..., 15).
+/// stirling error at n = k/2; entry 0 is not used (k = 2 n, n = 0, 0.5, ..., 15).
 inline constexpr double stirling_half_integers[] = {
     0.0,
     0.1534264097200273452913848,
