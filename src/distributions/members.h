@@ -148,15 +148,12 @@ double joint_cumulative(std::span<const double> x, double smallest, const Trunca
 /// The values as a family on the integers counts them: within 1e-8 of an integer that integer; otherwise, for a cumulative
 /// probability, the integer next towards zero. A density asks for integers: the others stay and have none.
 inline std::vector<double> counted_values(std::span<const double> values, bool density) {
-    std::vector<double> counted(values.begin(), values.end());
-    for (double& value : counted) {
-        const double nearest = std::round(value);
-        if (std::fabs(value - nearest) < 1e-8)
-            value = nearest;
-        else if (!density)
-            value = std::trunc(value);
+    std::vector<double> whole(values.begin(), values.end());
+    for (double& value : whole) {
+        const double integer = counted(value);
+        if (!density || std::fabs(value - integer) < 1e-8) value = integer;
     }
-    return counted;
+    return whole;
 }
 
 /// Whether so many values are better counted than taken one by one: a mass costs more than counting.

@@ -28,6 +28,12 @@ struct Bound {
     Tails tails;
 };
 
+/// The integer that a family on the integers takes x for: the one within 1e-8 of it, otherwise the next towards zero.
+inline double counted(double x) {
+    const double nearest = std::round(x);
+    return std::fabs(x - nearest) < 1e-8 ? nearest : std::trunc(x);
+}
+
 /// A family kept between two bounds. Without bounds it is the family itself.
 template <Family D>
 class Truncated {
@@ -48,6 +54,7 @@ class Truncated {
         lower_ = std::min(std::max(min_.x, lower_), max_.x);
         upper_ = std::min(upper_, max_.x);
         mass_ = above_median() ? min_.tails.upper - max_.tails.upper : max_.tails.lower - min_.tails.lower;
+        set_limits();
     }
 
     bool ordered() const { return !bounded_ || (min_.tails.lower <= max_.tails.lower && min_.x <= max_.x); }
@@ -113,7 +120,7 @@ class Truncated {
     }
 
     /// x, moved to the nearer bound if rounding has led it outside.
-    double limited(double x) const { return overlaps_support() ? std::clamp(x, lower_, upper_) : x; }
+    double limited(double x) const { return std::clamp(x, least_, most_); }
 
     /// The probability at or below an x in [lower, upper) of what is kept.
     double cumulative(double x) const {
@@ -147,19 +154,30 @@ class Truncated {
 
     Bound complete(const double* given, bool is_percentile, bool valid) const {
         const double number = given != nullptr ? *given : 0;
-        if (!is_percentile) return {number, valid ? tails(base_, number) : Tails{0, 0}};
+        if (!is_percentile) return {number, valid ? tails_at(number) : Tails{0, 0}};
         const Tails tails = {number, 1 - number};
         if (!valid) return {0, tails};
         const auto point = base_.point_mass();
         return {point ? *point : pral::quantile(base_, number), tails};
     }
 
+    /// The tails that the family's probability members give to any x.
+    Tails tails_at(double x) const {
+        if constexpr (requires { D::kIntegers; }) x = counted(x);
+        return tails(base_, x);
+    }
+
     /// Both ends above the median: their percentiles are close to 1 and differ by few digits, their tails do not.
     bool above_median() const { return min_.tails.lower > 0.5; }
 
-    /// Bounds beyond the support leave its end, which must not be moved to them.
-    bool overlaps_support() const {
-        return support_.lower <= lower_ && lower_ <= upper_ && upper_ <= support_.upper;
+    /// What values are limited to: the bounds, of an integer family the integers between them. Bounds beyond the support,
+    /// or without an integer between them, leave their value as it is.
+    void set_limits() {
+        double least = lower_, most = upper_;
+        if constexpr (requires { D::kIntegers; }) least = std::ceil(least), most = std::floor(most);
+        if (!(support_.lower <= lower_ && least <= most && upper_ <= support_.upper)) return;
+        least_ = least;
+        most_ = most;
     }
 
     const D& base_;
@@ -168,6 +186,7 @@ class Truncated {
     bool as_values_ = false;
     Bound min_ = {}, max_ = {};
     double lower_, upper_;
+    double least_ = -HUGE_VAL, most_ = HUGE_VAL;
     double mass_ = 1;
 };
 

@@ -231,6 +231,30 @@ TEST(Families, TruncationRescales) {
     }
 }
 
+/// A bound between integers has the percentile of the integer that the probability members take it for, the next towards 0.
+TEST(Families, BoundsBetweenIntegersAreThoseOfTheIntegers) {
+    for (const Instance& i : instances()) {
+        if (i.family->kind != "discrete") continue;
+        const auto between = [](double k, double part) { return k + std::copysign(part, k); };
+        const double low = i.quantile(0.3), high = i.quantile(0.9);
+        if (low == high || high > 1e6) continue;
+        const double min = between(low, 0.25), max = between(high, high < 0 ? 0.0 : 0.75), near = low + 1e-9;
+        const Given whole = {nullptr, &kByValue, &low, &high}, part = {nullptr, &kByValue, &min, &max},
+                    nearly = {nullptr, &kByValue, &near, &high};
+        for (const double u : {1e-9, 0.2, 0.5, 0.999}) {
+            EXPECT_EQ(i.quantile(u, part), i.quantile(u, whole)) << i.label() << ' ' << u;
+            EXPECT_EQ(i.quantile(u, nearly), i.quantile(u, whole)) << i.label() << ' ' << u;
+        }
+        for (const bool cumulative : {false, true}) {
+            for (const double x : {low + 1, high}) {
+                const double expected = i.probability({x}, cumulative, false, whole);
+                EXPECT_EQ(i.probability({x}, cumulative, false, nearly), expected) << i.label() << ' ' << x;
+                expect_near(i.probability({x}, cumulative, false, part), expected, 1e-15, i.label());
+            }
+        }
+    }
+}
+
 TEST(Families, SurviveHostileArguments) {
     constexpr double kHostile[] = {kNaN,   HUGE_VAL, -HUGE_VAL, DBL_MAX, -DBL_MAX, 1e300,
                                    -1e300, 1e-300,   5e-324,    0.0,     -1.0};
