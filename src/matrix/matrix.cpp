@@ -30,7 +30,7 @@ struct Print {
 
 /// Whether the strict upper (or lower) triangle is all 0; a NaN is not.
 bool triangle_is_zero(const double* a, int n, bool upper) {
-    for (std::size_t i = 0, size = n; i < size; ++i) {
+    for (std::size_t i = 0, size = std::max(n, 0); i < size; ++i) {
         for (std::size_t j = 0; j < i; ++j) {
             if (!((upper ? a[j * size + i] : a[i * size + j]) == 0)) return false;
         }
@@ -39,7 +39,7 @@ bool triangle_is_zero(const double* a, int n, bool upper) {
 }
 
 void mirror(double* a, int n, bool lower_into_upper) {
-    for (std::size_t i = 0, size = n; i < size; ++i) {
+    for (std::size_t i = 0, size = std::max(n, 0); i < size; ++i) {
         for (std::size_t j = 0; j < i; ++j) {
             double &below = a[i * size + j], &above = a[j * size + i];
             (lower_into_upper ? above : below) = lower_into_upper ? below : above;

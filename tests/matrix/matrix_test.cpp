@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cfloat>
+#include <climits>
 #include <cmath>
 #include <limits>
 #include <string>
@@ -159,6 +160,15 @@ TEST(Matrix, FailuresTellWhyAndWriteNothing) {
     refuses(PralCorrToCov_Core(out.data(), 0, a.data(), sd.data(), 2), "Error: VarArray not valid");
     refuses(PralCholesky_Core(nullptr, a.data(), 2, 2), "Error: out must not be null");
     refuses(PralCholesky_Core(out.data(), nullptr, 2, 2), "Error: a must not be null");
+    for (const int none : {0, -1, INT_MIN}) {
+        refuses(PralCholesky_Core(out.data(), a.data(), none, none), "Error: Matrix cannot be empty");
+        refuses(PralEigenValues_Core(out.data(), a.data(), none, none), "EigenValues calculation failed!");
+        refuses(PralEigenVectors_Core(out.data(), a.data(), none, none), "EigenVectors calculation failed!");
+        refuses(PralValidCorrmat_Core(out.data(), a.data(), none, none), "Error: Vectors FAIL!");
+        refuses(PralCovToCorr_Core(out.data(), 0, a.data(), none), "Error: matrix is not valid");
+        refuses(PralCorrToCov_Core(out.data(), 0, a.data(), sd.data(), none),
+                "Error: CorrMatrix not valid. Try applying PralValidCorrMat first.");
+    }
     EXPECT_TRUE(PralIdentity_Core(nullptr, -3, -3));
     EXPECT_TRUE(PralIdentity_Core(out.data(), 2, 2));
     EXPECT_EQ(out, (Values{1, 0, 0, 1}));
