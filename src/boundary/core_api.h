@@ -931,9 +931,9 @@ PRAL_API bool PralDiscreteFitProb10_Core(double* out, double* x, int count, cons
  *
  * Modifiers
  *   const double* U         percentile in [0,1]; -1 counts as not given
- *   const int* boundsMode   truncation, when given and >= 0. Bit value 2 set: *boundsMin is a percentile; clear: a
- *                           value. Bit value 1: likewise *boundsMax. A value of -DBL_MAX (boundsMin) or DBL_MAX
- *                           (boundsMax) leaves that side open; a null pointer reads as 0.
+ *   const int* boundsMode   truncation, when given and >= 0. Bit value 2 set: *boundsMin is a percentile; clear: a value.
+ *                           Bit value 1: likewise *boundsMax. -DBL_MAX (boundsMin) and DBL_MAX (boundsMax) leave a side open;
+ *                           null reads as 0. To families on integers a value between two counts as the one next to 0.
  *   const double* shift     added to every sampled value; subtracted from every x, in the caller's array itself
  *   const int* cumulative   see PralXProb_Core
  *

@@ -28,10 +28,13 @@ struct Bound {
     Tails tails;
 };
 
-/// The integer that a family on the integers takes x for: the one within 1e-8 of it, otherwise the next towards zero.
+/// Whether a family on the integers takes x for this one.
+inline bool counts_as(double x, double integer) { return std::fabs(x - integer) < 1e-8; }
+
+/// The integer that such a family takes x for: the one that is next to it, otherwise the one towards zero.
 inline double counted(double x) {
     const double nearest = std::round(x);
-    return std::fabs(x - nearest) < 1e-8 ? nearest : std::trunc(x);
+    return counts_as(x, nearest) ? nearest : std::trunc(x);
 }
 
 /// A family kept between two bounds. Without bounds it is the family itself.
@@ -174,8 +177,14 @@ class Truncated {
     /// or without an integer between them, leave their value as it is.
     void set_limits() {
         double least = lower_, most = upper_;
-        if constexpr (requires { D::kIntegers; }) least = std::ceil(least), most = std::floor(most);
-        if (!(support_.lower <= lower_ && least <= most && upper_ <= support_.upper)) return;
+        if constexpr (requires { D::kIntegers; }) {
+            const auto inwards = [](double end, double integer) {
+                return counts_as(end, std::round(end)) ? std::round(end) : integer;
+            };
+            least = inwards(least, std::ceil(least));
+            most = inwards(most, std::floor(most));
+        }
+        if (!(support_.lower <= least && least <= most && most <= support_.upper)) return;
         least_ = least;
         most_ = most;
     }

@@ -28,6 +28,10 @@ TEST(Counts, PercentilesThatAreSpecial) {
         ASSERT_TRUE(PralZIPoisson_Core(&out, 3.5, pi, &percentile, nullptr, nullptr, nullptr, nullptr));
         EXPECT_EQ(out, value) << pi << ' ' << percentile;
     }
+    for (const double percentile : {0.0, 0.5, 1.0}) {  // without weight all percentiles are up to 1 - 0
+        ASSERT_TRUE(PralZISkellam_Core(&out, 3, 2, 0, &percentile, nullptr, nullptr, nullptr, nullptr));
+        EXPECT_EQ(out, 0) << percentile;
+    }
     for (const double lowest : {0.0, 1e-300, 0.01}) {
         ASSERT_TRUE(PralZTPoisson_Core(&out, 3.5, &lowest, nullptr, nullptr, nullptr, nullptr));
         EXPECT_EQ(out, 1);

@@ -66,6 +66,7 @@ struct ZeroInflated {
     Support support() const {
         const auto point = base.point_mass();
         const auto [lower, upper] = point ? Support{*point, *point} : base.support();
+        if (pi == 0) return {0, 0};
         return {std::min(lower, 0.0), std::max(upper, 0.0)};
     }
     std::optional<double> point_mass() const { return std::nullopt; }
