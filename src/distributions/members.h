@@ -106,6 +106,10 @@ enum class Scale { plain, natural_log };
 
 constexpr double impossible(Scale scale) { return scale == Scale::plain ? 0 : -HUGE_VAL; }
 constexpr double certain(Scale scale) { return scale == Scale::plain ? 1 : 0; }
+/// The base-10 logarithm of what has this natural one; the infinite ones, +-DBL_MAX included, stay infinite.
+inline double base10(double log) {
+    return std::fabs(log) >= numerics::kInfinity ? log : log / numerics::kLn10;
+}
 inline double on_scale(Scale scale, double p) { return scale == Scale::plain ? p : std::log(p); }
 
 /// The joint density of `x`, values or a Sample, whose extremes are given.
@@ -151,7 +155,7 @@ inline std::vector<double> counted_values(std::span<const double> values, bool d
     std::vector<double> whole(values.begin(), values.end());
     for (double& value : whole) {
         const double integer = counted(value);
-        if (!density || std::fabs(value - integer) < 1e-8) value = integer;
+        if (!density || counts_as(value, integer)) value = integer;
     }
     return whole;
 }
@@ -201,7 +205,7 @@ bool probability_member(double* out, double* x, int count, const D& d, const int
         joint = !density                ? joint_cumulative(values, smallest, kept, scale)
                 : counts_repay<D>(size) ? density_of(Sample(values))
                                         : density_of(values);
-    *out = numerics::finite_or_limit(scale == Scale::plain ? joint : joint / numerics::kLn10);
+    *out = numerics::finite_or_limit(scale == Scale::plain ? joint : base10(joint));
     return true;
 }
 

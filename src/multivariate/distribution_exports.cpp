@@ -55,8 +55,7 @@ bool sums_to_one(Vector p) { return sums_to_one(p, static_cast<double>(p.size())
 
 /// Writes a probability told by its natural logarithm, or its base-10 logarithm.
 bool write_probability(double* result, double log, Scale scale) {
-    *result =
-        pral::numerics::finite_or_limit(scale == Scale::plain ? std::exp(log) : log / pral::numerics::kLn10);
+    *result = pral::numerics::finite_or_limit(scale == Scale::plain ? std::exp(log) : pral::base10(log));
     return true;
 }
 
