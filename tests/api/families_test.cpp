@@ -141,10 +141,22 @@ TEST(Families, EndsOfTheSupport) {
                 EXPECT_EQ(i.probability({below}, cumulative, false), 0) << i.label();
                 EXPECT_EQ(i.probability({lower - 1, lower}, cumulative, true), -DBL_MAX) << i.label();
             }
+            if (i.family->kind == "continuous" && cumulative) {
+                EXPECT_EQ(i.probability({lower}, true, true), -DBL_MAX) << i.label();
+            }
             EXPECT_EQ(i.probability({-DBL_MAX}, cumulative, false), 0) << i.label();
             EXPECT_EQ(i.probability({DBL_MAX}, cumulative, false), cumulative ? 1 : 0) << i.label();
         }
     }
+}
+
+/// What underflows even as a logarithm has probability 0 in the logarithmic form, too.
+TEST(Families, LogarithmsThatUnderflowTellProbabilityZero) {
+    double out = kNaN, x = -1e300;
+    ASSERT_TRUE(PralNormalProb10_Core(&out, &x, 1, 3, 2, &kCumulative, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(out, -DBL_MAX);
+    ASSERT_TRUE(PralSkellamProb10_Core(&out, &x, 1, 3, 2, nullptr, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(out, -DBL_MAX);
 }
 
 TEST(Families, ArraysEqualSingleCalls) {
@@ -231,6 +243,75 @@ TEST(Families, TruncationRescales) {
     }
 }
 
+/// Counts between bounds of all four forms: the percentile is rescaled to those of the bounds, and so are masses and
+/// cumulative probabilities. Between two values (the lower one not included) the masses sum to 1.
+TEST(Families, TruncatedCountsFollowThePercentilesOfTheirBounds) {
+    const double low = 0.2, high = 0.9;
+    for (const Instance& i : instances()) {
+        const double min = i.quantile(low), max = i.quantile(high);
+        if (i.family->kind != "discrete" || min == max || max > 1e6) continue;
+        for (const int mode : {kByValue, kMaxByPercentile, kMinByPercentile, kByPercentile}) {
+            const bool low_given = (mode & kMinByPercentile) != 0,
+                       high_given = (mode & kMaxByPercentile) != 0;
+            const Given given = {nullptr, &mode, low_given ? &low : &min, high_given ? &high : &max};
+            const double from = low_given ? low : i.probability({min}, true, false);
+            const double mass = (high_given ? high : i.probability({max}, true, false)) - from;
+            const std::string what = i.label() + " mode " + std::to_string(mode);
+            if (!(mass > 0)) continue;
+            const bool inflated = i.family->name.starts_with("ZI");  // rescales what is above its zeros
+            for (const double u : {1e-9, 0.1, 0.5, 0.9}) {
+                if (!inflated) {
+                    EXPECT_EQ(i.quantile(u, given), i.quantile(from + u * mass)) << what << ' ' << u;
+                }
+            }
+            if (!inflated) {
+                EXPECT_EQ(i.quantile(0, given), min) << what;
+            }
+            EXPECT_EQ(i.quantile(1, given), max) << what;
+            double sum = 0;
+            for (double x = min; x <= max && x < min + 1000; ++x) {
+                const double density = i.probability({x}, false, false, given);
+                expect_near(density, i.probability({x}, false, false) / mass, 1e-12, what);
+                if (x > min) sum += density;
+                if (x >= max) continue;
+                const double expected = (i.probability({x}, true, false) - from) / mass;
+                EXPECT_NEAR(i.probability({x}, true, false, given), expected, 1e-13) << what << ' ' << x;
+                if (density > 0) {
+                    EXPECT_NEAR(i.probability({x}, false, true, given), std::log10(density), 1e-12) << what;
+                }
+            }
+            if (mode == kByValue && max < min + 1000) {
+                EXPECT_NEAR(sum, 1, 1e-12) << what;
+            }
+            EXPECT_EQ(i.probability({max}, true, false, given), 1) << what;
+            EXPECT_EQ(i.probability({max + 1}, false, false, given), 0) << what;
+            EXPECT_EQ(i.probability({min - 1}, true, true, given), -DBL_MAX) << what;
+        }
+    }
+}
+
+/// A zero-truncated family is its base family kept above 1/2: values, masses and cumulative probabilities.
+TEST(Families, ZeroTruncationIsABoundBetweenZeroAndOne) {
+    const double half = 0.5, infinity = DBL_MAX;
+    const Given bounds = {nullptr, &kByValue, &half, &infinity};
+    int compared = 0;
+    for (const Instance& i : instances()) {
+        if (!i.family->name.starts_with("ZT")) continue;
+        const Instance base = {&family(i.family->name.substr(2)), i.parameters};
+        if (base.probability({0}, false, false) > 0.9) continue;  // percentiles that differ by few digits
+        ++compared;
+        for (const double u : {1e-9, 0.01, 0.3, 0.7, 0.999})
+            EXPECT_EQ(i.quantile(u), base.quantile(u, bounds)) << i.label() << ' ' << u;
+        for (double x = 0; x < 30; ++x) {
+            for (const bool cumulative : {false, true})
+                EXPECT_NEAR(i.probability({x}, cumulative, false),
+                            base.probability({x}, cumulative, false, bounds), 1e-13)
+                    << i.label() << ' ' << x;
+        }
+    }
+    EXPECT_GE(compared, 11);
+}
+
 /// A bound between integers has the percentile of the integer that the probability members take it for, the next towards 0.
 TEST(Families, BoundsBetweenIntegersAreThoseOfTheIntegers) {
     for (const Instance& i : instances()) {
@@ -238,9 +319,10 @@ TEST(Families, BoundsBetweenIntegersAreThoseOfTheIntegers) {
         const auto between = [](double k, double part) { return k + std::copysign(part, k); };
         const double low = i.quantile(0.3), high = i.quantile(0.9);
         if (low == high || high > 1e6) continue;
-        const double min = between(low, 0.25), max = between(high, high < 0 ? 0.0 : 0.75), near = low + 1e-9;
+        const double min = between(low, 0.25), max = between(high, high < 0 ? 0.0 : 0.75), near = low + 1e-9,
+                     nearest = high - 1e-9;
         const Given whole = {nullptr, &kByValue, &low, &high}, part = {nullptr, &kByValue, &min, &max},
-                    nearly = {nullptr, &kByValue, &near, &high};
+                    nearly = {nullptr, &kByValue, &near, &nearest};
         for (const double u : {1e-9, 0.2, 0.5, 0.999}) {
             EXPECT_EQ(i.quantile(u, part), i.quantile(u, whole)) << i.label() << ' ' << u;
             EXPECT_EQ(i.quantile(u, nearly), i.quantile(u, whole)) << i.label() << ' ' << u;
@@ -248,7 +330,10 @@ TEST(Families, BoundsBetweenIntegersAreThoseOfTheIntegers) {
         for (const bool cumulative : {false, true}) {
             for (const double x : {low + 1, high}) {
                 const double expected = i.probability({x}, cumulative, false, whole);
-                EXPECT_EQ(i.probability({x}, cumulative, false, nearly), expected) << i.label() << ' ' << x;
+                if (x < high || cumulative) {
+                    EXPECT_EQ(i.probability({x}, cumulative, false, nearly), expected)
+                        << i.label() << ' ' << x;
+                }
                 expect_near(i.probability({x}, cumulative, false, part), expected, 1e-15, i.label());
             }
         }
@@ -258,6 +343,7 @@ TEST(Families, BoundsBetweenIntegersAreThoseOfTheIntegers) {
 TEST(Families, SurviveHostileArguments) {
     constexpr double kHostile[] = {kNaN,   HUGE_VAL, -HUGE_VAL, DBL_MAX, -DBL_MAX, 1e300,
                                    -1e300, 1e-300,   5e-324,    0.0,     -1.0};
+    constexpr double kHostileBounds[] = {kNaN, HUGE_VAL, -DBL_MAX, 1e300, 5e-324, 0.5};
     for (const Instance& i : instances()) {
         for (std::size_t k = 0; k < i.parameters.size(); ++k) {
             for (const double hostile : kHostile) {
@@ -277,6 +363,22 @@ TEST(Families, SurviveHostileArguments) {
                     i.family->prob[log10](&out, x, parameters, nullptr, {});
                     i.family->prob[log10](&out, x, parameters, &kCumulative, {});
                     EXPECT_FALSE(std::isinf(out)) << i.label();
+                }
+            }
+        }
+        for (const double min : kHostileBounds) {
+            for (const double max : kHostileBounds) {
+                for (const int mode : {kByValue, kMaxByPercentile, kMinByPercentile, kByPercentile}) {
+                    const double u = 0.5;
+                    double out = kNaN, p = kNaN, x[] = {1, 2};
+                    const Given given = {&u, &mode, &min, &max, &max};
+                    if (i.family->value(&out, i.parameters, given)) {
+                        EXPECT_FALSE(std::isinf(out)) << i.label();
+                    }
+                    if (i.family->prob[0](&p, x, i.parameters, &kCumulative, given)) {
+                        EXPECT_FALSE(p < 0 || p > 1) << i.label() << ' ' << min << ' ' << max;
+                    }
+                    i.family->prob[1](&p, x, i.parameters, nullptr, given);
                 }
             }
         }

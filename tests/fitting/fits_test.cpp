@@ -232,6 +232,24 @@ TEST(Fits, HoldTheCountThatTheCallerGives) {
     EXPECT_EQ(count, *std::ranges::max_element(x));
 }
 
+/// Counts of which the zeros have not been observed: fitted as truncated above 1/2, and by the zero-truncated family.
+TEST(Fits, CountsTruncatedBetweenIntegers) {
+    const std::pair<const char*, Values> rows[] = {
+        {"Poisson", {1.5}}, {"Geometric", {0.3}}, {"Polya", {2, 3}}, {"Delaporte", {2, 2, 1}}};
+    for (const auto& [name, parameters] : rows) {
+        const std::string truncated = std::string("ZT") + name;
+        const Values x = drawn(descriptor_of(truncated, parameters), 300, 17);
+        FitDescriptor by_bound = descriptor_of(name), by_family = descriptor_of(truncated);
+        FitRequest request;
+        request.TruncMin = 0.5;
+        ASSERT_TRUE(FitDistribution(by_bound, x, request)) << name << PralCoreError();
+        ASSERT_TRUE(FitDistribution(by_family, x, {})) << name << PralCoreError();
+        EXPECT_NEAR(FitLogLikelihood(by_bound, x, 0.5, kNotGiven),
+                    FitLogLikelihood(by_family, x, kNotGiven, kNotGiven), 1e-5)
+            << name;
+    }
+}
+
 /// Data moved by a known amount: the shift and the other parameters take it up.
 TEST(Fits, FindTheShift) {
     Values x = drawn(descriptor_of("Gamma", {3, 2}), 2000, 5);
