@@ -110,7 +110,9 @@ class QuantileTable {
         const auto& c = bin.coefficients;
         const double left_out =
             (std::fabs(c[7]) * kReach + std::fabs(c[8])) * std::pow(kReach, 8) * 2 * kReach;
-        if (std::fabs(x) > 1e-290) bin.smallest = std::max(std::fabs(x) / 128, left_out / kTolerance);
+        // Squares of x and of its slope take part.
+        const bool in_range = std::fabs(x) > 1e-140 && std::fabs(x) < 1e140;
+        if (in_range) bin.smallest = std::max(std::fabs(x) / 128, left_out / kTolerance);
     }
 
     Standard standard_;
