@@ -161,7 +161,7 @@ class Truncated {
         const Tails tails = {number, 1 - number};
         if (!valid) return {0, tails};
         const auto point = base_.point_mass();
-        return {point ? *point : pral::quantile(base_, number), tails};
+        return {numerics::finite_or_limit(point ? *point : pral::quantile(base_, number)), tails};
     }
 
     /// The tails that the family's probability members give to any x.

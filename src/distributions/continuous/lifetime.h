@@ -125,6 +125,7 @@ struct ExponentialHazard {
     }
 
     double inverse(double t) const {
+        if (t == 0) return 0;
         const double growth = B * t;
         const bool usable = start_ >= DBL_MIN && start_ <= DBL_MAX;
         if (growth < 1e-17 && usable) return start_ * t;
@@ -142,6 +143,7 @@ struct ExponentialHazard {
             1, numerics::add(numerics::add({A, 0}, log_growth), numerics::negated(log_B_)));
     }
     double forward(double y) const {
+        if (start_ > DBL_MAX) return std::exp(std::log(y) - A);  // nothing outlives so high a rate for long
         const double ratio = B * y / start_;
         if (ratio < 1e-17 && start_ >= DBL_MIN) return y / start_;
         if (ratio <= DBL_MAX) return numerics::log1p_fn(ratio) / B;
