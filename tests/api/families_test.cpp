@@ -162,7 +162,16 @@ TEST(Families, LogarithmsThatUnderflowTellProbabilityZero) {
 TEST(Families, ArraysEqualSingleCalls) {
     constexpr int kCount = 1000;
     const double shift = 3, low = 0.2, high = 0.9999999, not_given = -1, quarter = 0.25;
-    for (const Instance& i : instances()) {
+    std::vector<Instance> all = instances();
+    for (const char* name : {"Gamma", "Pearson5", "Beta", "Pearson6", "F", "LogGamma", "Weibull", "Burr"}) {
+        const ExportedFamily& f =
+            family(name);  // small shapes: most values are nearly 0, and none is negative
+        for (const double shape : {0.02, 0.003, 1e-4}) {
+            all.push_back({&f, Parameters(f.parameters, 1.0)});
+            all.back().parameters[f.name == "Burr" ? 2 : 0] = shape;
+        }
+    }
+    for (const Instance& i : all) {
         for (const Given& given :
              {Given{}, Given{.shift = &shift}, Given{nullptr, &kByPercentile, &low, &high}}) {
             std::vector<double> array(kCount);
@@ -241,6 +250,25 @@ TEST(Families, TruncationRescales) {
         const int none = -1;
         EXPECT_EQ(i.quantile(u, {nullptr, &none, &max, &min}), i.quantile(u)) << i.label();
     }
+}
+
+/// A quantile beyond the largest double is that double as a bound, too; and a hazard rate beyond it is one.
+TEST(Families, WhatOverflowsIsTheLargestDouble) {
+    const double low = 0.4, infinity = DBL_MAX, u = 0.5;
+    const Instance wide = {&family("LogGamma"), {7, 230, 0}};
+    for (const int mode : {kMinByPercentile, kByPercentile}) {
+        const double high = mode == kByPercentile ? 1 : infinity;
+        EXPECT_EQ(wide.quantile(u, {nullptr, &mode, &low, &high}), DBL_MAX);
+        EXPECT_EQ(wide.probability({5}, true, false, {nullptr, &mode, &low, &high}), 0);
+    }
+    for (const double rate : {709.0, 718.0, 1e4, 1e300}) {
+        const Instance hazard = {&family("LifetimeExp"), {rate, 0.07}};
+        EXPECT_EQ(hazard.probability({0}, true, false), 0) << rate;
+        EXPECT_EQ(hazard.probability({1e-3}, true, false), 1) << rate;
+        EXPECT_EQ(hazard.probability({0}, false, true), std::min(rate / std::log(10), DBL_MAX)) << rate;
+    }
+    expect_near(Instance{&family("LifetimeExp"), {718, 0.07}}.quantile(0.9), 3.45762334793679e-312, 1e-9,
+                "far out");
 }
 
 /// Counts between bounds of all four forms: the percentile is rescaled to those of the bounds, and so are masses and
