@@ -36,6 +36,16 @@ struct LocationScale {
     double cumulative(double x) const { return standard.cumulative(standardised(x)); }
     double survival(double x) const { return standard.survival(standardised(x)); }
     double log_density(double x) const { return standard.log_density(standardised(x)) - log_scale_; }
+    double log_likelihood(std::span<const double> values) const requires requires(const Standard& z) {
+        z.log_likelihood(values);
+    }
+    {
+        const double sum = numerics::sum_by_blocks(
+            values, [this](double x) { return standardised(x); },
+            [this](std::span<const double> z) { return standard.log_likelihood(z); });
+        return std::isfinite(sum) ? sum - static_cast<double>(values.size()) * log_scale_
+                                  : sum_of_log_densities(*this, values);
+    }
     double quantile(double p) const { return location + scale * standard.quantile(p); }
     double quantile_upper(double q) const { return location + scale * pral::quantile_upper(standard, q); }
     double log_cumulative(double x) const { return pral::log_cumulative(standard, standardised(x)); }
@@ -98,12 +108,18 @@ struct LogLocationScale {
     /// Where the spread is not small the difference of two logarithms will do, one a value and no branch.
     double log_likelihood(std::span<const double> values) const {
         if (usable_ && spread > 0.05) {
-            const double sum = numerics::interleaved_sum(values, [this](double x) {
-                const double y = std::log(x) - log_center;
-                return standard.log_density(y / spread) - y;
-            });
+            const double per_spread = 1 / spread;
+            double logs = 0;
+            const double sum = numerics::sum_by_blocks(
+                values,
+                [&, this](double x) {
+                    const double y = std::log(x) - log_center;
+                    logs += y;
+                    return y * per_spread;
+                },
+                [this](std::span<const double> z) { return pral::log_likelihood(standard, z); });
             if (std::isfinite(sum))
-                return sum - static_cast<double>(values.size()) * (log_spread_ + log_center);
+                return sum - logs - static_cast<double>(values.size()) * (log_spread_ + log_center);
         }
         return sum_of_log_densities(*this, values);
     }
@@ -248,21 +264,13 @@ template <class Base>
 struct Shifted : Transformed<Base, Shift> {
     Shifted(double origin, Base base) : Transformed<Base, Shift>{base, {origin}} {}
 
-    /// By blocks of the base's values.
     double log_likelihood(std::span<const double> values) const requires requires(const Base& y) {
         y.log_likelihood(values);
     }
     {
-        std::array<double, 256> block;
-        double sum = 0;
-        while (!values.empty() && sum > -HUGE_VAL) {
-            const std::size_t n = std::min(values.size(), block.size());
-            std::ranges::transform(values.first(n), block.begin(),
-                                   [this](double x) { return x - this->map.origin; });
-            sum += this->base.log_likelihood(std::span<const double>(block.data(), n));
-            values = values.subspan(n);
-        }
-        return sum;
+        return numerics::sum_by_blocks(
+            values, [this](double x) { return x - this->map.origin; },
+            [this](std::span<const double> y) { return this->base.log_likelihood(y); });
     }
 };
 

@@ -159,7 +159,7 @@ double sum_of_log_densities(const D& d, std::span<const double> values) {
 }
 
 /// The sum of the log densities of values inside the support.
-template <Family D>
+template <Distribution D>
 double log_likelihood(const D& d, std::span<const double> values) {
     if constexpr (requires { d.log_likelihood(values); })
         return d.log_likelihood(values);

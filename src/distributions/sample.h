@@ -79,6 +79,25 @@ class Sample {
 /// factor * mean, 0 for a factor of 0 whatever the mean.
 inline double times(double factor, double mean) { return factor == 0 ? 0 : factor * mean; }
 
+/// The sum of the log masses of counts in ascending order: one mass after the other by their ratio, from a new one after
+/// every so many steps.
+template <Distribution D>
+double sum_by_ratios(const D& d, std::span<const Sample::Count> counts) {
+    constexpr double kSteps = 64, kLeast = 1e-200;
+    double sum = 0, first = -HUGE_VAL, k = 0, log_first = 0, product = 0;
+    for (const auto& [value, times] : counts) {
+        if (value - first <= kSteps && product > kLeast && product < 1 / kLeast) {
+            for (; k < value; k += 1) product *= d.mass_ratio(k);
+        } else {
+            first = k = value;
+            log_first = d.log_density(value);
+            product = 1;
+        }
+        sum += times * (log_first + std::log(product));
+    }
+    return sum;
+}
+
 /// The sum of the log masses, one for each distinct integer; -inf when not all values are integers.
 template <Distribution D>
 double sum_over_counts(const D& d, const Sample& x) {
@@ -91,6 +110,9 @@ double sum_over_counts(const D& d, const Sample& x) {
             masses.resize(static_cast<std::size_t>(range) + 1);
             d.masses(first, masses);
         }
+    }
+    if constexpr (requires { d.mass_ratio(first); }) {
+        if (masses.empty()) return sum_by_ratios(d, x.counts());
     }
     double sum = 0;
     for (const auto& [value, times] : x.counts()) {

@@ -37,8 +37,8 @@ Starts start_beta(const StartData& data) {
 std::vector<Parameters> kumaraswamy_places(const Sample& x) {
     std::vector<Parameters> places;
     for (const double alpha : {0.4, 1.0, 2.0, 5.0, 20.0}) {
-        const double sum = numerics::interleaved_sum(
-            x.values(), [=](double value) { return numerics::log1p_fn(-std::pow(value, alpha)); });
+        const double sum =
+            numerics::sum_of_logs(x.values(), [=](double value) { return 1 - std::pow(value, alpha); });
         places.push_back(place({alpha, -x.count() / sum}));
     }
     return places;
@@ -49,6 +49,9 @@ Starts start_kumaraswamy(const StartData& data) {
     starts.places = kumaraswamy_places(data.x);
     return starts;
 }
+
+/// As many values are enough for estimates that are made over and over.
+constexpr std::size_t kPart = 250;
 
 /// Both ends outside of the data by each pair of distances.
 template <class Estimate>
@@ -79,7 +82,8 @@ Starts start_beta_subj(const StartData& data) {
     });
 }
 Starts start_johnson_b(const StartData& data) {
-    const Sample& x = data.x;
+    const std::vector<double> part = thinned(data.x.values(), kPart);
+    const Sample x(part);
     return at_ends(x, [&](double min, double max, auto& places) {
         std::vector<double> scores = moved(x, min);
         for (double& score : scores) score = std::log(score / (max - min - score));
@@ -88,7 +92,8 @@ Starts start_johnson_b(const StartData& data) {
     });
 }
 Starts start_kumaraswamy4(const StartData& data) {
-    const Sample& x = data.x;
+    const std::vector<double> part = thinned(data.x.values(), kPart);
+    const Sample x(part);
     return at_ends(x, [&](double min, double max, auto& places) {
         std::vector<double> unit = moved(x, min);
         for (double& value : unit) value /= max - min;
@@ -108,8 +113,9 @@ Starts start_bradford(const StartData& data) {
 /// The triangle of greatest likelihood: for every pair of ends its mode is one of the values.
 class TriangleLikelihood {
   public:
-    explicit TriangleLikelihood(const Sample& x)
-        : x_(x.sorted()), from_below_(x_.size()), from_above_(x_.size()) {}
+    /// Of values in ascending order.
+    explicit TriangleLikelihood(std::span<const double> sorted)
+        : x_(sorted), logs_below_(x_.size()), logs_above_(x_.size()) {}
 
     struct Triangle {
         double min, mode, max;
@@ -129,38 +135,41 @@ class TriangleLikelihood {
   private:
     /// The mode and the log-likelihood, a constant apart.
     std::pair<double, double> best_mode(double min, double max) {
-        double sum = 0;
-        for (std::size_t i = 0; i < x_.size(); ++i) from_below_[i] = sum += std::log(x_[i] - min);
-        sum = 0;
-        for (std::size_t i = x_.size(); i-- > 0;) {
-            from_above_[i] = sum;
-            sum += std::log(max - x_[i]);
+        double left = 0, right = 0;  // the sums on either side of the mode
+        for (std::size_t i = 0; i < x_.size(); ++i) {
+            logs_below_[i] = std::log(x_[i] - min);
+            right += logs_above_[i] = std::log(max - x_[i]);
         }
         std::pair<double, double> best = {x_.front(), -HUGE_VAL};
-        const double n = static_cast<double>(x_.size());
+        const double n = static_cast<double>(x_.size()), width = n * std::log(max - min);
         for (std::size_t i = 0; i < x_.size(); ++i) {
             const double below = static_cast<double>(i + 1);
-            const double value = from_below_[i] + from_above_[i] - below * std::log(x_[i] - min) -
-                                 (n - below) * std::log(max - x_[i]) - n * std::log(max - min);
+            left += logs_below_[i];
+            right -= logs_above_[i];
+            const double value = left + right - below * logs_below_[i] - (n - below) * logs_above_[i] - width;
             if (value > best.second) best = {x_[i], value};
         }
         return best;
     }
 
     std::span<const double> x_;
-    std::vector<double> from_below_, from_above_;
+    std::vector<double> logs_below_, logs_above_;
 };
 
 TriangleLikelihood::Triangle best_triangle(const Sample& x, const Deadline& deadline) {
-    TriangleLikelihood likelihood(x);
-    const Objective objective = [&](std::span<const double> point) { return likelihood(point); };
+    const std::vector<double> part = thinned(x.sorted(), kPart);
+    const Sample first(part);
+    TriangleLikelihood of_part(first.sorted()), of_all(x.sorted());
+    const auto climb = [&](TriangleLikelihood& likelihood, const Point& start) {
+        return maximise([&](std::span<const double> point) { return likelihood(point); }, start, deadline);
+    };
     constexpr double kNear = -3, kAtTheData = -30;  // the mode may be the end itself
     Maximum best = {{kNear, kNear}, -HUGE_VAL};
     for (const Point& start : {Point{kNear, kNear}, {kAtTheData, kNear}, {kNear, kAtTheData}}) {
-        const Maximum found = maximise(objective, start, deadline);
+        const Maximum found = climb(of_part, start);
         if (found.value > best.value) best = found;
     }
-    return likelihood.at(best.point);
+    return of_all.at(climb(of_all, best.point).point);
 }
 Starts start_triangle(const StartData& data) {
     if (data.x.constant()) return one({data.x.min(), data.x.min(), data.x.min()});

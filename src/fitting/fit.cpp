@@ -10,6 +10,7 @@
 #include "fitting/coordinates.h"
 #include "fitting/maximise.h"
 #include "fitting/result_cache.h"
+#include "fitting/starts.h"
 #include "statistics/moments.h"
 
 namespace pral::fitting {
@@ -194,6 +195,7 @@ void Fit::choose_shift() {
 
 /// Moves a place to the maximum of the likelihood of x that the family's coordinates lead to.
 void Fit::climb(Candidate& candidate, const Sample& x) {
+    constexpr double kOfAll = 1e-8, kOfPart = 1e-3;  // what may be left to gain
     const Coordinates coordinates(ranges(), candidate.place, x_);
     // Where the likelihood grows without end, as it may for few data, it is not followed beyond these coordinates.
     constexpr double kFar = 17;
@@ -204,36 +206,35 @@ void Fit::climb(Candidate& candidate, const Sample& x) {
         }
         return log_likelihood(coordinates.parameters(point), x);
     };
-    const Maximum found = maximise(objective, start, deadline_);
+    const Maximum found =
+        maximise(objective, start, deadline_, x.size() == x_.size() ? kOfAll : kOfPart);
     if (found.value > candidate.log_likelihood)
         candidate = {coordinates.parameters(found.point), found.value};
 }
 
 /// Brings the start as near to the maximum as can be: the steps of the search itself suit parameters of order 1 only. The
-/// better places are climbed from, the best result remains. Of much data a part comes first.
+/// better places are climbed from, and the best result remains. Where every value counts at each step, a part of the data
+/// comes first, then a larger one, and all of them last.
 void Fit::approach() {
-    constexpr std::size_t kClimbs = 2;
-    const std::size_t many = family_.costly ? 600 : 5000, part_size = family_.costly ? 250 : 1500;
+    constexpr std::size_t kClimbs = 2, kParts[] = {250, 4000};
     const bool at_maximum = family_.closed_form && !truncated() && !shifting();
-    std::vector<double> part;
-    if (x_.size() > many && !at_maximum) {
-        for (std::size_t i = 0; i < x_.size(); i += x_.size() / part_size) part.push_back(x_.values()[i]);
-        part.insert(part.end(), {x_.min(), x_.max()});
-    }
-    const Sample first(part.empty() ? x_.values() : part);
+    const bool each_value_counts = !at_maximum && (!family_.summarised || shifting());
     std::vector<Candidate> candidates;
-    for (const Parameters& place : places_) candidates.push_back({place, log_likelihood(place, first)});
-    std::ranges::stable_sort(candidates, std::greater<>(), &Candidate::log_likelihood);
-    candidates.resize(std::min(candidates.size(), kClimbs));
-    if (!at_maximum) {
-        for (Candidate& candidate : candidates) climb(candidate, first);
+    for (const Parameters& place : places_) candidates.push_back({place, 0});
+    const auto climb_on = [&](std::span<const double> values) {
+        const Sample x(values);
+        for (auto& [place, value] : candidates) value = log_likelihood(place, x);
+        std::ranges::stable_sort(candidates, std::greater<>(), &Candidate::log_likelihood);
+        candidates.resize(std::min(candidates.size(), kClimbs));
+        if (at_maximum) return;
+        for (Candidate& candidate : candidates) climb(candidate, x);
+        candidates = {*std::ranges::max_element(candidates, {}, &Candidate::log_likelihood)};
+    };
+    for (const std::size_t size : kParts) {
+        if (each_value_counts && 2 * size < x_.size()) climb_on(thinned(x_.values(), size));
     }
-    const Candidate& best = *std::ranges::max_element(candidates, {}, &Candidate::log_likelihood);
-    descriptor_.params = best.place;
-    if (part.empty()) return;
-    Candidate of_all = {best.place, log_likelihood(best.place, x_)};
-    climb(of_all, x_);
-    descriptor_.params = of_all.place;
+    climb_on(x_.values());
+    descriptor_.params = candidates.front().place;
 }
 
 /// The search itself: Nelder and Mead's simplex over the parameters as they are, a held one and families' own searches

@@ -92,6 +92,8 @@ struct FittedFamily : Peculiarities {
     int parameter_count;
     std::array<Range, 4> ranges;
     Starts (*starts)(const StartData&);
+    /// The likelihood needs statistics of the data, or counts, not the values one by one.
+    bool summarised;
     /// The natural log-likelihood of values within the bounds; -inf where parameters are refused.
     double (*log_likelihood)(const double* parameters, const Sample&, const Modifiers&);
     bool (*values)(std::span<double> out, const double* parameters, const Modifiers&);
@@ -126,13 +128,11 @@ struct Member {
 template <Family D, int N>
 constexpr FittedFamily fitted(std::string_view name, const std::array<Range, 4>& ranges,
                               Starts (*starts)(const StartData&), const Peculiarities& peculiarities = {}) {
-    return {peculiarities,
-            name,
-            N,
-            ranges,
-            starts,
-            detail::Member<D, N>::log_likelihood,
-            detail::Member<D, N>::values};
+    return {peculiarities, name, N, ranges, starts, requires(const D& d, const Sample& x){d.log_likelihood(x);
+}
+|| requires { D::kIntegers; }
+, detail::Member<D, N>::log_likelihood, detail::Member<D, N>::values
+};  // namespace pral::fitting
 }
 
 /// The families by kin.

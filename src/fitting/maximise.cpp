@@ -147,16 +147,15 @@ class LocalModel {
     std::array<Row, kMost> hessian_ = {};
 };
 
-/// What is left to gain does not count.
-constexpr double kNegligible = 1e-8;
-
-/// One damped step upwards, doubled as long as that leads higher; false when none is found.
+/// One damped step upwards; false when none is found. A step that was damped, or that gained more than the model promised,
+/// as on a slope that levels off exponentially, is doubled as long as that leads higher.
 bool climb(const Objective& objective, const LocalModel& model, Maximum& best, double& damping) {
-    constexpr double kFirstDamping = 1e-3, kMostDamping = 1e9, kLongestStep = 2;
+    constexpr double kFirstDamping = 1e-3, kMostDamping = 1e9, kLongestStep = 2, kExcess = 1.2;
     for (; damping < kMostDamping; damping = std::max(kFirstDamping, 10 * damping)) {
         Row step = {};
         if (!model.step(damping, step)) continue;
         const Point start = best.point;
+        const double before = best.value;
         const auto reach = [&](double factor) {
             Point next = start;
             for (std::size_t i = 0; i < next.size(); ++i)
@@ -167,7 +166,7 @@ bool climb(const Objective& objective, const LocalModel& model, Maximum& best, d
             return true;
         };
         if (!reach(1)) continue;
-        if (damping > 0) {
+        if (damping > 0 || best.value - before > kExcess * model.gain(step)) {
             for (double factor = 2; factor < 100 && reach(factor); factor *= 2) {
             }
         }
@@ -179,19 +178,19 @@ bool climb(const Objective& objective, const LocalModel& model, Maximum& best, d
 
 /// Newton's method from `best` upwards; whether it ends where the gradient vanishes, or on a slope towards infinity that has
 /// become level.
-bool newton(const Objective& objective, Maximum& best, const Deadline& deadline) {
+bool newton(const Objective& objective, Maximum& best, const Deadline& deadline, double negligible) {
     constexpr int kMostSteps = 60, kLevelSteps = 2;
-    constexpr double kLevel = 1e-6;
+    const double level_gain = std::max(negligible, 1e-6);
     double damping = 0;
     for (int i = 0, level = 0; i < kMostSteps && !deadline.passed(); ++i) {
         const LocalModel model(objective, best.point, best.value);
         if (!model.valid()) return false;
         Row full = {};
         const bool concave = model.step(0, full);
-        if (concave && model.gain(full) < kNegligible) return true;
+        if (concave && model.gain(full) < negligible) return true;
         const double before = best.value;
         if (!climb(objective, model, best, damping)) return false;
-        level = best.value - before < kLevel ? level + 1 : 0;
+        level = best.value - before < level_gain ? level + 1 : 0;
         if (level == kLevelSteps) return true;
     }
     return false;
@@ -199,7 +198,8 @@ bool newton(const Objective& objective, Maximum& best, const Deadline& deadline)
 
 }  // namespace
 
-Maximum maximise(const Objective& objective, const Point& start, const Deadline& deadline) {
+Maximum maximise(const Objective& objective, const Point& start, const Deadline& deadline,
+                 double negligible) {
     Maximum best = {start, objective(start)};
     if (start.empty() || start.size() > kMost || !std::isfinite(best.value)) return best;
     constexpr int kMostRounds = 4;
@@ -212,7 +212,7 @@ Maximum maximise(const Objective& objective, const Point& start, const Deadline&
     };
     for (int round = 0; round < kMostRounds; ++round) {
         const double before = best.value;
-        if (newton(objective, best, deadline)) return best;
+        if (newton(objective, best, deadline, negligible)) return best;
         Point point = best.point;
         if (minimise(descent, point, kSimplex, deadline) == SimplexEnd::timeout) return best;
         if (const double value = objective(point); value > best.value) best = {point, value};

@@ -47,7 +47,8 @@ SimplexEnd minimise(const Objective& objective, Point& point, const SimplexRules
 
 /// A local maximum near `start`: Newton's method on central differences, damped after Levenberg and Marquardt, for
 /// coordinates of which a step of 1 is a large one; with Nelder-Mead where the function has no second derivatives. The
-/// value is within some 1e-7 of the maximum, unless the deadline comes first.
-Maximum maximise(const Objective& objective, const Point& start, const Deadline& deadline);
+/// value is within some ten times `negligible` of the maximum, unless the deadline comes first.
+Maximum maximise(const Objective& objective, const Point& start, const Deadline& deadline,
+                 double negligible = 1e-8);
 
 }  // namespace pral::fitting

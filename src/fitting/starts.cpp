@@ -2,6 +2,14 @@
 
 namespace pral::fitting {
 
+std::vector<double> thinned(std::span<const double> values, std::size_t count) {
+    const Sample x(values);
+    std::vector<double> part = {x.min(), x.max()};
+    const std::size_t step = std::max<std::size_t>(values.size() / count, 1);
+    for (std::size_t i = 0; i < values.size(); i += step) part.push_back(values[i]);
+    return part;
+}
+
 std::vector<double> moved(const Sample& x, double origin) {
     std::vector<double> values(x.values().begin(), x.values().end());
     for (double& value : values) value -= origin;

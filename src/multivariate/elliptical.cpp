@@ -56,7 +56,7 @@ void sample_normal_copula(const CovarianceFactor& factor, int count, double* out
     std::vector<double> z(factor.size());
     for (int s = 0; s < count; ++s, out += factor.size()) {
         factor.draw(stream, z.data(), out);
-        for (int j = 0; j < factor.size(); ++j) out[j] = numerics::normal_cumulative(out[j]);
+        numerics::normal_cumulatives({out, static_cast<std::size_t>(factor.size())});
     }
 }
 

@@ -154,6 +154,21 @@ double normal_quantile_from_median(double d) {
 
 double normal_quantile_upper(double q) { return -normal_quantile(q); }
 
+void normal_cumulatives(std::span<double> z) {
+    for (double& value : z) {
+        const double t = value * kSqrtHalf.hi, size = std::fabs(t);
+        if (size < 1) {
+            const double square = t * t;
+            value = 0.5 + 0.5 * t * (horner(erf_T, square) / horner(erf_U, square));
+            continue;
+        }
+        const double ratio = size < 8 ? horner(erfc_P, size) / horner(erfc_Q, size)
+                                      : horner(erfc_R, size) / horner(erfc_S, size);
+        const double tail = 0.5 * std::exp(-0.5 * value * value) * ratio;
+        value = value > 0 ? 1 - tail : tail;
+    }
+}
+
 /// The central branch for a whole block, in a loop that becomes vector code, and the tails one by one.
 void normal_quantiles(std::span<double> p) {
     constexpr std::size_t kBlock = 256;

@@ -40,4 +40,8 @@ double normal_quantile_from_median(double d);
 /// normal_quantile of each element, in place.
 void normal_quantiles(std::span<double> p);
 
+/// Phi of each element, in place, by the same approximations in plain double precision: three times as fast, with a
+/// relative error of at most 1e-15 for z > -2 and z^2 1e-16 below.
+void normal_cumulatives(std::span<double> z);
+
 }  // namespace pral::numerics

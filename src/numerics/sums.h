@@ -28,6 +28,7 @@ inline double interleaved_sum(std::span<const double> values, Term term) {
 }
 
 /// The sum of ln term(value): mantissas are multiplied and exponents added, so that a block of values needs one logarithm.
+/// term is called once for each value, in order.
 template <class Term>
 inline double sum_of_logs(std::span<const double> values, Term term) {
     constexpr std::size_t kBlock = 256;  // each product of 64 mantissas stays below 2^64
@@ -35,6 +36,7 @@ inline double sum_of_logs(std::span<const double> values, Term term) {
                             kMantissa = (std::uint64_t{1} << 52) - 1;
     constexpr std::uint64_t kSmallest = std::bit_cast<std::uint64_t>(DBL_MIN);
     constexpr std::uint64_t kOrdinary = std::bit_cast<std::uint64_t>(HUGE_VAL) - kSmallest;
+    std::array<double, kBlock> terms;
     std::int64_t exponents = 0;
     double sum = 0;
     while (!values.empty()) {
@@ -44,7 +46,8 @@ inline double sum_of_logs(std::span<const double> values, Term term) {
         std::int64_t block_exponents = 0;
         bool ordinary = true;  // positive, finite and normal
         for (std::size_t i = 0; i < block.size(); ++i) {
-            const auto bits = std::bit_cast<std::uint64_t>(term(block[i]));
+            terms[i] = term(block[i]);
+            const auto bits = std::bit_cast<std::uint64_t>(terms[i]);
             ordinary &= bits - kSmallest < kOrdinary;
             block_exponents += static_cast<std::int64_t>(bits >> 52) - 1023;
             products[i % 4] *= std::bit_cast<double>((bits & kMantissa) | kOne);
@@ -53,10 +56,24 @@ inline double sum_of_logs(std::span<const double> values, Term term) {
             exponents += block_exponents;
             sum += std::log((products[0] * products[1]) * (products[2] * products[3]));
         } else {
-            for (const double value : block) sum += std::log(term(value));
+            for (std::size_t i = 0; i < block.size(); ++i) sum += std::log(terms[i]);
         }
     }
     return static_cast<double>(exponents) * kLn2 + sum;
+}
+
+/// The sum of block_sum(block) over the values, transformed one by one, in blocks, which block_sum may overwrite.
+template <class Transform, class BlockSum>
+double sum_by_blocks(std::span<const double> values, Transform transform, BlockSum block_sum) {
+    std::array<double, 256> block;
+    double sum = 0;
+    while (!values.empty() && sum > -HUGE_VAL) {
+        const std::size_t n = std::min(values.size(), block.size());
+        for (std::size_t i = 0; i < n; ++i) block[i] = transform(values[i]);
+        sum += block_sum(std::span<double>(block.data(), n));
+        values = values.subspan(n);
+    }
+    return sum;
 }
 
 }  // namespace pral::numerics

@@ -88,6 +88,7 @@ struct GEV : Transformed<StandardGumbel, BoxCox> {
         if (std::isinf(y)) return -HUGE_VAL;
         return base.log_density(y) - map.c * y - log_b_;
     }
+    double log_likelihood(std::span<const double> values) const;
 
   private:
     double log_b_;

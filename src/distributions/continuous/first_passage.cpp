@@ -3,6 +3,7 @@
 #include "distributions/exports.h"
 #include "distributions/quantile_search.h"
 #include "numerics/gauss_legendre.h"
+#include "numerics/sums.h"
 
 namespace pral {
 
@@ -18,6 +19,21 @@ double mills_difference(double a, double gap) {
 }
 
 }  // namespace
+
+double Fatigue::log_likelihood(std::span<const double> values) const {
+    const double per_beta = 1 / map.beta, per_gamma = 1 / map.gamma;
+    double squares = 0;
+    const double slopes = sum_of_logs(values, [&, this](double x) {
+        const double above = x - map.alpha, z = above * per_beta;
+        const double beyond = (above - map.beta) * per_beta * per_gamma;
+        squares += beyond * beyond / z;
+        return (1 + z) * (1 + z) / (z * z * z);
+    });
+    const double total =
+        0.5 * (slopes - squares) -
+        static_cast<double>(values.size()) * (kLn2 + kLnSqrt2Pi + std::log(map.gamma) + std::log(map.beta));
+    return std::isfinite(total) ? total : sum_of_log_densities(*this, values);
+}
 
 /// Where b is hardly beyond a the upper tail is a difference of nearly equal Mills ratios.
 double InvGauss::upper_ratio(double a, double gap) const {

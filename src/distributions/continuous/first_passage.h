@@ -42,6 +42,7 @@ struct Fatigue : Transformed<StandardNormal, FatigueScore> {
     std::optional<double> point_mass() const {
         return map.beta == 0 ? std::optional(map.alpha) : std::nullopt;
     }
+    double log_likelihood(std::span<const double> values) const;
 };
 
 /// Mean mu > 0, shape lambda > 0; support [0, inf). f = sqrt(lambda/(2 pi x^3)) exp(-lambda (x - mu)^2/(2 mu^2 x)).

@@ -2,6 +2,7 @@
 
 #include "distributions/exports.h"
 #include "numerics/extended_log.h"
+#include "numerics/sums.h"
 
 namespace pral {
 
@@ -90,6 +91,41 @@ double JohnsonUMap::inverse(double x) const {
 double JohnsonUMap::log_slope(double x) const {
     const double size = std::fabs(x - gamma) / beta;
     return std::log(score.alpha2 / beta) - (size < 1e8 ? 0.5 * log1p_fn(size * size) : std::log(size));
+}
+
+double JohnsonB::log_likelihood(std::span<const double> values) const {
+    if (map.score.moderate()) {
+        const double squares = interleaved_sum(values, [this](double x) {
+            const double score = map.score.of(std::log((x - map.min) / (map.max - x)));
+            return score * score;
+        });
+        const double per_width = 1 / (map.max - map.min);
+        const double slopes =
+            sum_of_logs(values, [=, this](double x) { return (x - map.min) * per_width * (map.max - x); });
+        const double total = static_cast<double>(values.size()) * (std::log(map.score.alpha2) - kLnSqrt2Pi) -
+                             0.5 * squares - slopes;
+        if (std::isfinite(total)) return total;
+    }
+    return sum_of_log_densities(*this, values);
+}
+
+double JohnsonU::log_likelihood(std::span<const double> values) const {
+    if (map.score.moderate()) {
+        const double per_beta = 1 / map.beta;
+        double squares = 0;
+        const double slopes = sum_of_logs(values, [&, this](double x) {
+            const double t = (x - map.gamma) * per_beta, one_plus_square = 1 + t * t;
+            const double y = std::log(std::fabs(t) + std::sqrt(one_plus_square));
+            const double score = map.score.of(std::copysign(y, t));
+            squares += score * score;
+            return one_plus_square;
+        });
+        const double total =
+            static_cast<double>(values.size()) * (std::log(map.score.alpha2 * per_beta) - kLnSqrt2Pi) -
+            0.5 * (squares + slopes);
+        if (std::isfinite(total)) return total;
+    }
+    return sum_of_log_densities(*this, values);
 }
 
 }  // namespace pral

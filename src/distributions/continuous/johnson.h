@@ -33,6 +33,7 @@ struct JohnsonBMap {
 struct JohnsonB : Transformed<StandardNormal, JohnsonBMap> {
     JohnsonB(double alpha1, double alpha2, double min, double max)
         : Transformed{{}, {{alpha1, alpha2}, min, max}} {}
+    double log_likelihood(std::span<const double> values) const;
     Message check() const {
         if (!(map.score.alpha2 > 0)) return "Error: alpha2 must be >0";
         if (!(map.min < map.max)) return "Error: minimum must be < maximum";
@@ -56,6 +57,7 @@ struct JohnsonUMap {
 struct JohnsonU : Transformed<StandardNormal, JohnsonUMap> {
     JohnsonU(double alpha1, double alpha2, double beta, double gamma)
         : Transformed{{}, {{alpha1, alpha2}, beta, gamma}} {}
+    double log_likelihood(std::span<const double> values) const;
     Message check() const {
         if (!(map.score.alpha2 > 0)) return "Error: alpha2 must be >0";
         if (!(map.beta >= 0)) return "Error: beta must be >= 0";

@@ -44,6 +44,7 @@ struct Kumaraswamy4 {
         const auto times = [](double power, double log) { return power == 0 ? 0 : power * log; };
         return log_alpha_ + log_beta_ - log_width_ + times(alpha - 1, y) + times(beta - 1, log_rest(y));
     }
+    double log_likelihood(std::span<const double> values) const;
     double quantile(double p) const { return from_hazard(-numerics::log1p_fn(-p)); }
     double quantile_upper(double q) const { return from_hazard(-std::log(q)); }
 

@@ -8,6 +8,11 @@ namespace pral {
 /// ln(1 + e^z).
 inline double softplus(double z) { return std::max(z, 0.0) + numerics::log1p_fn(std::exp(-std::fabs(z))); }
 
+/// The sum of ln(1 + e^-|z|).
+inline double sum_of_softplus_below(std::span<const double> z) {
+    return numerics::sum_of_logs(z, [](double v) { return 1 + std::exp(-std::fabs(v)); });
+}
+
 /// F = 1/(1 + e^-z).
 struct StandardLogistic {
     Support support() const { return kReals; }
@@ -17,6 +22,10 @@ struct StandardLogistic {
     double log_density(double z) const {
         const double size = std::fabs(z);
         return -size - 2 * numerics::log1p_fn(std::exp(-size));
+    }
+    double log_likelihood(std::span<const double> z) const {
+        const double sizes = numerics::interleaved_sum(z, [](double v) { return std::fabs(v); });
+        return -sizes - 2 * sum_of_softplus_below(z);
     }
     double quantile(double p) const {
         return std::fabs(p - 0.5) < 0.1 ? numerics::log1p_fn((2 * p - 1) / (1 - p)) : std::log(p / (1 - p));
@@ -45,6 +54,12 @@ struct StandardGeneralisedLogistic {
     double survival(double z) const { return -numerics::expm1_fn(log_cumulative(z)); }
     double log_cumulative(double z) const { return -gamma * softplus(-z); }
     double log_density(double z) const { return log_gamma - gamma * softplus(-z) - softplus(z); }
+    double log_likelihood(std::span<const double> z) const {
+        const double above = numerics::interleaved_sum(z, [](double v) { return std::fmax(v, 0.0); }),
+                     below = numerics::interleaved_sum(z, [](double v) { return std::fmin(v, 0.0); });
+        return static_cast<double>(z.size()) * log_gamma + gamma * below - above -
+               (gamma + 1) * sum_of_softplus_below(z);
+    }
     double lower_rate() const { return gamma; }
     double quantile(double p) const { return from_power(-std::log(p) / gamma); }
     double quantile_upper(double q) const { return from_power(-numerics::log1p_fn(-q) / gamma); }
@@ -88,6 +103,11 @@ struct StandardHyperbolicSecant {
     double log_density(double z) const {
         const double size = kHalfPi * std::fabs(z);
         return -size - numerics::log1p_fn(std::exp(-2 * size));
+    }
+    double log_likelihood(std::span<const double> z) const {
+        const double sizes = numerics::interleaved_sum(z, [](double v) { return kHalfPi * std::fabs(v); });
+        return -sizes -
+               numerics::sum_of_logs(z, [](double v) { return 1 + std::exp(-2 * kHalfPi * std::fabs(v)); });
     }
     double quantile(double p) const {
         if (p > 0.5) return -quantile(1 - p);

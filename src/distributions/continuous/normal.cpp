@@ -64,6 +64,15 @@ double StandardNormalMix::log_density(double z) const {
     return log_mean(normal.log_density(z / wide_) - log_wide_, normal.log_density(z / narrow_) - log_narrow_);
 }
 
+double StandardNormalMix::log_likelihood(std::span<const double> z) const {
+    const double wide = -0.5 / (wide_ * wide_), narrow = -0.5 / (narrow_ * narrow_);
+    const double logs = sum_of_logs(z, [=, this](double v) {
+        const double square = v * v;
+        return std::exp(wide * square) / wide_ + std::exp(narrow * square) / narrow_;
+    });
+    return logs - static_cast<double>(z.size()) * (kLnSqrt2Pi + kLn2);
+}
+
 /// The tail lies between a half and the whole of the wide component's.
 double StandardNormalMix::quantile(double p) const {
     if (p > 0.5) return -quantile(1 - p);
@@ -84,6 +93,17 @@ double StandardSkewNormal::log_cumulative(double z) const {
     const double integral =
         integrate(40, 2, [&](double s) { return std::exp(log_density(z - s / rate) - at); });
     return at + std::log(integral / rate);
+}
+
+double StandardSkewNormal::log_likelihood(std::span<const double> z) const {
+    const double squares = interleaved_sum(z, [](double v) { return v * v; });
+    const double logs = sum_by_blocks(
+        z, [this](double v) { return alpha * v; },
+        [](std::span<double> block) {
+            normal_cumulatives(block);
+            return sum_of_logs(block, [](double p) { return p; });
+        });
+    return logs - 0.5 * squares + static_cast<double>(z.size()) * (kLn2 - kLnSqrt2Pi);
 }
 
 /// Above 0 the density is nearly that of a half normal, below it falls as exp(-(1 + alpha^2) z^2/2), for alpha > 0.

@@ -102,6 +102,7 @@ class StandardNormalMix {
     double survival(double z) const { return cumulative(-z); }
     double log_cumulative(double z) const;
     double log_density(double z) const;
+    double log_likelihood(std::span<const double> z) const;
     double quantile(double p) const;
     double quantile_upper(double q) const { return -quantile(q); }
 
@@ -136,6 +137,7 @@ class StandardSkewNormal {
         return numerics::kLn2 - numerics::kLnSqrt2Pi - 0.5 * z * z +
                numerics::normal_log_cumulative(alpha * z);
     }
+    double log_likelihood(std::span<const double> z) const;
     double quantile(double p) const;
     double quantile_upper(double q) const { return -StandardSkewNormal(-alpha).quantile(q); }
 

@@ -50,6 +50,15 @@ struct Pareto2 : Transformed<StandardExponential, ScaledExpm1> {
     Support support() const { return kPositiveReals; }
     std::optional<double> point_mass() const { return map.b == 0 ? std::optional(0.0) : std::nullopt; }
     double log_density(double x) const { return log_peak_ - (map.q + 1) * map.log_one_plus(x); }
+    double log_likelihood(std::span<const double> values) const {
+        constexpr double kLargest = 1000;  // larger shapes would multiply the rounding of 1 + x/b
+        if (map.q < kLargest) {
+            const double logs = numerics::sum_of_logs(values, [this](double x) { return 1 + x / map.b; });
+            if (std::isfinite(logs))
+                return static_cast<double>(values.size()) * log_peak_ - (map.q + 1) * logs;
+        }
+        return sum_of_log_densities(*this, values);
+    }
 
   private:
     double log_peak_;

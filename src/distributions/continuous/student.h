@@ -31,6 +31,14 @@ struct StandardStudent {
         const double r = std::fabs(t) / std::sqrt(nu);
         return log_peak - (nu + 1) * (r < 1e100 ? 0.5 * numerics::log1p_fn(r * r) : std::log(r));
     }
+    double log_likelihood(std::span<const double> t) const {
+        constexpr double kLargest =
+            1000;  // more degrees of freedom would multiply the rounding of 1 + t^2/nu
+        if (nu > kLargest) return sum_of_log_densities(*this, t);
+        return static_cast<double>(t.size()) * log_peak -
+               0.5 * (nu + 1) *
+                   numerics::sum_of_logs(t, [per_nu = 1 / nu](double v) { return 1 + v * v * per_nu; });
+    }
     double quantile(double p) const { return numerics::student_quantile(nu, p); }
     double quantile_upper(double q) const { return -numerics::student_quantile(nu, q); }
 

@@ -6,15 +6,23 @@
 #include <cmath>
 
 #include "distributions/family.h"
+#include "numerics/sums.h"
 
 namespace pral {
+
+/// Of a point from the ends of the support.
+struct Distances {
+    double below, above;
+};
 
 /// Distances on the variable itself.
 struct LinearAxis {
     static double distance(double from, double to) { return to - from; }
     static double move(double from, double by) { return from + by; }
+    static Distances distances(double min, double x, double max, double) { return {x - min, max - x}; }
     /// ln of what one unit of x is on the axis.
     static double log_slope(double) { return 0; }
+    static double sum_of_log_slopes(std::span<const double>) { return 0; }
 };
 
 /// Distances on its logarithm, with the digits that the difference of two logarithms loses.
@@ -24,7 +32,15 @@ struct LogAxis {
         const double half = std::exp(by / 2);  // e^by alone may be beyond the range
         return std::fabs(by) < 700 ? from * std::exp(by) : from * half * half;
     }
+    static Distances distances(double min, double x, double max, double length) {
+        constexpr double kNear = 0.1;  // a short distance must not be the difference of two longer ones
+        const double below = std::log(x / min), above = length - below;
+        return {below < kNear ? distance(min, x) : below, above < kNear ? distance(x, max) : above};
+    }
     static double log_slope(double x) { return -std::log(x); }
+    static double sum_of_log_slopes(std::span<const double> values) {
+        return -numerics::sum_of_logs(values, [](double x) { return x; });
+    }
 };
 
 /// A stage between an end of the support, where the density is 0 (or level: power 1), and a mode: the probability beyond

@@ -20,6 +20,17 @@ struct TriangleOn : Trapezoid<Axis> {
           min(min_),
           mode(mode_),
           max(max_) {}
+
+    /// The lower of the two lines is the density.
+    double log_likelihood(std::span<const double> values) const {
+        const double length = Axis::distance(min, max);
+        const double heights = numerics::sum_of_logs(values, [=, this](double x) {
+            const auto [below, above] = Axis::distances(min, x, max, length);
+            return std::fmin(below / this->left.width, above / this->right.width);
+        });
+        return heights + static_cast<double>(values.size()) * std::log(2 / length) +
+               Axis::sum_of_log_slopes(values);
+    }
 };
 
 /// min <= mode <= max; all equal are a point mass. Support [min, max]; the density rises and falls linearly.

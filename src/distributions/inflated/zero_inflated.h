@@ -9,6 +9,7 @@
 
 #include "distributions/discrete/negative_binomial.h"
 #include "distributions/family.h"
+#include "distributions/sample.h"
 #include "numerics/double_double.h"
 
 namespace pral {
@@ -85,6 +86,18 @@ struct ZeroInflated {
         if (log_base == -HUGE_VAL) return numerics::log1p_fn(-pi);
         const double at_zero = pi * std::exp(log_base) + (1 - pi);
         return at_zero < 0.5 ? std::log(at_zero) : numerics::log1p_fn(pi * numerics::expm1_fn(log_base));
+    }
+    /// The base family's, but for the zeros.
+    double log_likelihood(const Sample& x) const {
+        if (!x.whole()) return -HUGE_VAL;
+        const auto& [least, times_least] = x.counts().front();
+        const double zeros = least == 0 ? times_least : 0;
+        if (!base.point_mass()) {
+            const double total = pral::log_likelihood(base, x) + (x.count() - zeros) * std::log(pi) +
+                                 (zeros > 0 ? zeros * (log_density(0) - base.log_density(0)) : 0);
+            if (std::isfinite(total)) return total;
+        }
+        return sum_over_counts(*this, x);
     }
 
     double quantile(double u) const { return quantile_within(u, 0, 1); }

@@ -57,6 +57,9 @@ struct ZeroTruncated {
     }
     double survival(double x) const { return base.survival(x) / not_zero_; }
     double log_density(double x) const { return base.log_density(x) - log_not_zero_; }
+    double log_likelihood(const Sample& x) const {
+        return pral::log_likelihood(base, x) - x.count() * log_not_zero_;
+    }
 
     double quantile(double u) const { return at(zero_ + not_zero_ * u, not_zero_ * (1 - u)); }
     double quantile_upper(double q) const { return at(zero_ + not_zero_ * (1 - q), not_zero_ * q); }
