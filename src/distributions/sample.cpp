@@ -138,11 +138,9 @@ std::span<const double> Sample::exceedances() const {
     return exceeding;
 }
 
-double Sample::share_of(double integer) const {
-    for (const auto& [value, times] : counts()) {
-        if (value == integer) return times / count();
-    }
-    return 0;
+double Sample::times(double integer) const {
+    const auto found = std::ranges::lower_bound(counts(), integer, {}, &Count::value);
+    return found != counts().end() && found->value == integer ? found->times : 0;
 }
 
 }  // namespace pral

@@ -58,8 +58,9 @@ class Sample {
     std::span<const Count> counts() const;
     /// How many of the values exceed j, for j = 0, 1, ..., max - 1; empty where they are not counts, or large ones.
     std::span<const double> exceedances() const;
-    /// The share of the values that equal `integer`, which are integers.
-    double share_of(double integer) const;
+    /// How many of the values, which are integers, equal `integer`; and which share of them.
+    double times(double integer) const;
+    double share_of(double integer) const { return times(integer) / count(); }
 
   private:
     /// The mean of term(x).

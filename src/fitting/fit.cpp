@@ -86,7 +86,7 @@ class Fit {
     bool EstimateStartParameters();
     bool check_start(const Coordinates& coordinates) const;
     void choose_shift();
-    void climb(Candidate& candidate, const Sample& x);
+    void climb(Candidate& candidate, const Sample& x, double negligible);
     void approach();
     bool MinimiseNegLogLikelihood();
     void RoundIntegerParameters();
@@ -194,8 +194,7 @@ void Fit::choose_shift() {
 }
 
 /// Moves a place to the maximum of the likelihood of x that the family's coordinates lead to.
-void Fit::climb(Candidate& candidate, const Sample& x) {
-    constexpr double kOfAll = 1e-8, kOfPart = 1e-3;  // what may be left to gain
+void Fit::climb(Candidate& candidate, const Sample& x, double negligible) {
     const Coordinates coordinates(ranges(), candidate.place, x_);
     // Where the likelihood grows without end, as it may for few data, it is not followed beyond these coordinates.
     constexpr double kFar = 17;
@@ -206,35 +205,34 @@ void Fit::climb(Candidate& candidate, const Sample& x) {
         }
         return log_likelihood(coordinates.parameters(point), x);
     };
-    const Maximum found =
-        maximise(objective, start, deadline_, x.size() == x_.size() ? kOfAll : kOfPart);
+    const Maximum found = maximise(objective, start, deadline_, negligible);
     if (found.value > candidate.log_likelihood)
         candidate = {coordinates.parameters(found.point), found.value};
 }
 
 /// Brings the start as near to the maximum as can be: the steps of the search itself suit parameters of order 1 only. The
-/// better places are climbed from, and the best result remains. Where every value counts at each step, a part of the data
-/// comes first, then a larger one, and all of them last.
+/// better places are climbed from, the best result remains and is climbed from once more, to the top. Of much data a part
+/// comes first, not a small one: its likelihood must have the same maxima as that of all.
 void Fit::approach() {
-    constexpr std::size_t kClimbs = 2, kParts[] = {250, 4000};
+    constexpr std::size_t kClimbs = 2;
+    constexpr double kRoughly = 1e-2, kToTheTop = 1e-8;  // what may be left to gain
+    const std::size_t part_size = family_.costly ? 250 : 2000;
     const bool at_maximum = family_.closed_form && !truncated() && !shifting();
     const bool each_value_counts = !at_maximum && (!family_.summarised || shifting());
+    std::vector<double> part;
+    if (each_value_counts && 2 * part_size < x_.size()) part = thinned(x_.values(), part_size);
+    const Sample first(part.empty() ? x_.values() : part);
     std::vector<Candidate> candidates;
-    for (const Parameters& place : places_) candidates.push_back({place, 0});
-    const auto climb_on = [&](std::span<const double> values) {
-        const Sample x(values);
-        for (auto& [place, value] : candidates) value = log_likelihood(place, x);
-        std::ranges::stable_sort(candidates, std::greater<>(), &Candidate::log_likelihood);
-        candidates.resize(std::min(candidates.size(), kClimbs));
-        if (at_maximum) return;
-        for (Candidate& candidate : candidates) climb(candidate, x);
-        candidates = {*std::ranges::max_element(candidates, {}, &Candidate::log_likelihood)};
-    };
-    for (const std::size_t size : kParts) {
-        if (each_value_counts && 2 * size < x_.size()) climb_on(thinned(x_.values(), size));
+    for (const Parameters& place : places_) candidates.push_back({place, log_likelihood(place, first)});
+    std::ranges::stable_sort(candidates, std::greater<>(), &Candidate::log_likelihood);
+    if (candidates.size() > kClimbs) candidates.erase(candidates.begin() + kClimbs, candidates.end());
+    if (!at_maximum && (candidates.size() > 1 || !part.empty())) {
+        for (Candidate& candidate : candidates) climb(candidate, first, kRoughly);
     }
-    climb_on(x_.values());
-    descriptor_.params = candidates.front().place;
+    Candidate best = *std::ranges::max_element(candidates, {}, &Candidate::log_likelihood);
+    if (!part.empty()) best.log_likelihood = log_likelihood(best.place, x_);
+    if (!at_maximum) climb(best, x_, kToTheTop);
+    descriptor_.params = best.place;
 }
 
 /// The search itself: Nelder and Mead's simplex over the parameters as they are, a held one and families' own searches

@@ -55,8 +55,8 @@ struct StandardGeneralisedLogistic {
     double log_cumulative(double z) const { return -gamma * softplus(-z); }
     double log_density(double z) const { return log_gamma - gamma * softplus(-z) - softplus(z); }
     double log_likelihood(std::span<const double> z) const {
-        const double above = numerics::interleaved_sum(z, [](double v) { return std::fmax(v, 0.0); }),
-                     below = numerics::interleaved_sum(z, [](double v) { return std::fmin(v, 0.0); });
+        const double above = numerics::interleaved_sum(z, [](double v) { return v > 0 ? v : 0; }),
+                     below = numerics::interleaved_sum(z, [](double v) { return v < 0 ? v : 0; });
         return static_cast<double>(z.size()) * log_gamma + gamma * below - above -
                (gamma + 1) * sum_of_softplus_below(z);
     }

@@ -90,8 +90,7 @@ struct ZeroInflated {
     /// The base family's, but for the zeros.
     double log_likelihood(const Sample& x) const {
         if (!x.whole()) return -HUGE_VAL;
-        const auto& [least, times_least] = x.counts().front();
-        const double zeros = least == 0 ? times_least : 0;
+        const double zeros = x.times(0);
         if (!base.point_mass()) {
             const double total = pral::log_likelihood(base, x) + (x.count() - zeros) * std::log(pi) +
                                  (zeros > 0 ? zeros * (log_density(0) - base.log_density(0)) : 0);
