@@ -9,6 +9,7 @@
 
 #include "distributions/family.h"
 #include "distributions/sample.h"
+#include "numerics/each.h"
 #include "numerics/extended_log.h"
 #include "numerics/sums.h"
 
@@ -109,17 +110,15 @@ struct LogLocationScale {
     double log_likelihood(std::span<const double> values) const {
         if (usable_ && spread > 0.05) {
             const double per_spread = 1 / spread;
-            double logs = 0;
             const double sum = numerics::sum_by_blocks(
-                values,
-                [&, this](double x) {
-                    const double y = std::log(x) - log_center;
-                    logs += y;
-                    return y * per_spread;
-                },
-                [this](std::span<const double> z) { return pral::log_likelihood(standard, z); });
-            if (std::isfinite(sum))
-                return sum - logs - static_cast<double>(values.size()) * (log_spread_ + log_center);
+                values, [](double x) { return x; },
+                [=, this](std::span<double> block) {
+                    numerics::log_each(block);
+                    const double logs = numerics::interleaved_sum(block, [](double y) { return y; });
+                    for (double& y : block) y = (y - log_center) * per_spread;
+                    return pral::log_likelihood(standard, std::span<const double>(block)) - logs;
+                });
+            if (std::isfinite(sum)) return sum - static_cast<double>(values.size()) * log_spread_;
         }
         return sum_of_log_densities(*this, values);
     }
@@ -130,7 +129,13 @@ struct LogLocationScale {
     void quantiles(std::span<double> p) const requires requires(const Standard& z) { z.quantiles(p); }
     {
         standard.quantiles(p);
-        for (double& x : p) x = value(x);
+        if (!usable_ || std::ranges::any_of(p, [this](double z) { return !(std::fabs(spread * z) < 700); })) {
+            for (double& x : p) x = value(x);
+            return;
+        }
+        for (double& x : p) x = spread * x + center_rounding_;
+        numerics::exp_each(p);
+        for (double& x : p) x *= center_;
     }
 
     double standardised(double x) const { return from_log(log_to_center(x)); }

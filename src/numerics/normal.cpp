@@ -156,7 +156,7 @@ double normal_quantile_upper(double q) { return -normal_quantile(q); }
 
 void normal_cumulatives(std::span<double> z) {
     for (double& value : z) {
-        const double t = value * kSqrtHalf.hi, size = std::fabs(t);
+        const double t = value * kSqrtHalf.hi, size = std::min(std::fabs(t), kTailEnd);
         if (size < 1) {
             const double square = t * t;
             value = 0.5 + 0.5 * t * (horner(erf_T, square) / horner(erf_U, square));

@@ -27,11 +27,14 @@ inline double interleaved_sum(std::span<const double> values, Term term) {
     return (parts[0] + parts[1]) + (parts[2] + parts[3]);
 }
 
+/// How many values are taken at a time.
+inline constexpr std::size_t kSumBlock = 256;
+
 /// The sum of ln term(value): mantissas are multiplied and exponents added, so that a block of values needs one logarithm.
 /// term is called once for each value, in order.
 template <class Term>
 inline double sum_of_logs(std::span<const double> values, Term term) {
-    constexpr std::size_t kBlock = 256;  // each product of 64 mantissas stays below 2^64
+    constexpr std::size_t kBlock = kSumBlock;  // each product of 64 mantissas stays below 2^64
     constexpr std::uint64_t kOne = std::bit_cast<std::uint64_t>(1.0),
                             kMantissa = (std::uint64_t{1} << 52) - 1;
     constexpr std::uint64_t kSmallest = std::bit_cast<std::uint64_t>(DBL_MIN);
@@ -65,7 +68,7 @@ inline double sum_of_logs(std::span<const double> values, Term term) {
 /// The sum of block_sum(block) over the values, transformed one by one, in blocks, which block_sum may overwrite.
 template <class Transform, class BlockSum>
 double sum_by_blocks(std::span<const double> values, Transform transform, BlockSum block_sum) {
-    std::array<double, 256> block;
+    std::array<double, kSumBlock> block;
     double sum = 0;
     while (!values.empty() && sum > -HUGE_VAL) {
         const std::size_t n = std::min(values.size(), block.size());

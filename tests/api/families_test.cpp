@@ -54,17 +54,19 @@ struct Instance {
     }
 };
 
-/// Each family with each of its parameter sets in the table of ordinary ones.
-const std::vector<Instance>& instances() {
-    static const auto list = [] {
-        std::vector<Instance> all;
-        std::set<std::string> seen;
-        for (const auto& row : tables("reference/families/values")) {
-            if (row.at(1) != "ordinary" || !seen.insert(row.at(0) + row.at(2)).second) continue;
+/// Each family with each of its parameter sets in the tables, of one class or of any.
+std::vector<Instance> instances_of(const char* parameter_class) {
+    std::vector<Instance> all;
+    std::set<std::string> seen;
+    for (const auto& row : tables("reference/families/values")) {
+        if (parameter_class != nullptr && row.at(1) != parameter_class) continue;
+        if (seen.insert(row.at(0) + row.at(2)).second)
             all.push_back({&family(row.at(0)), numbers(row.at(2))});
-        }
-        return all;
-    }();
+    }
+    return all;
+}
+const std::vector<Instance>& instances() {
+    static const auto list = instances_of("ordinary");
     return list;
 }
 
@@ -214,6 +216,24 @@ TEST(Families, JointProbabilitiesAreProducts) {
             for (std::size_t k = 0; k < x.size(); ++k) EXPECT_EQ(moved[k], before[k] - shift);
             EXPECT_EQ(out, i.probability(moved, cumulative, false)) << i.label();
         }
+    }
+}
+
+/// Many values have ways of their own to their likelihood: block by block, or from statistics and counts.
+TEST(Families, LogarithmsOfManyValuesAreSums) {
+    constexpr int kCount = 300;
+    for (const Instance& i : instances_of(nullptr)) {
+        std::vector<double> x = {i.quantile(1e-9)};
+        for (int k = 0; k < kCount; ++k) x.push_back(i.quantile((k + 0.5) / kCount));
+        x.push_back(i.quantile(1 - 1e-9));
+        double sum = 0, size = 0;
+        for (const double value : x) {
+            const double term = i.probability({value}, false, true);
+            sum += term;
+            size += std::fabs(term);
+        }
+        if (!(size < DBL_MAX)) continue;  // poles, and densities that underflow
+        EXPECT_LE(std::fabs(i.probability(x, false, true) - sum), 1e-12 * size) << i.label();
     }
 }
 

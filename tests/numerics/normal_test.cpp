@@ -75,6 +75,25 @@ TEST(Normal, ErfcReportsItsUnderflow) {
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
 }
 
+TEST(Normal, BlockOfCumulativesKeepsDoublePrecision) {
+    test::Accuracy accuracy;
+    for (const auto& row : test::table("reference/normal.tsv")) {
+        if (row[0] != "cumulative") continue;
+        const double x = test::number(row, 1);
+        double block[] = {x};
+        numerics::normal_cumulatives(block);
+        const double bound = 1e-15 + 1.2e-16 * x * x;  // the square in the exponent is rounded
+        accuracy.record("block of cumulatives, of their bound",
+                        test::relative_error(block[0], test::number(row, 2)) / bound, 1, row[1]);
+    }
+    accuracy.report();
+    double ends[] = {-HUGE_VAL, -1e300, HUGE_VAL, 1e300, numerics::kNaN};
+    numerics::normal_cumulatives(ends);
+    EXPECT_EQ(ends[0] + ends[1], 0);
+    EXPECT_EQ(ends[2] + ends[3], 2);
+    EXPECT_TRUE(std::isnan(ends[4]));
+}
+
 TEST(Normal, BlockOfQuantilesEqualsSingleOnes) {
     std::vector<double> p, single;
     for (int i = 0; i <= 2000; ++i) p.push_back(i / 2000.0);

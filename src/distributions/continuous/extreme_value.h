@@ -14,12 +14,20 @@ struct StandardGumbel {
     double log_cumulative(double z) const { return -std::exp(-z); }
     double log_survival(double z) const { return z > 40 ? -z : numerics::log1m_exp(std::exp(-z)); }
     double log_density(double z) const { return z == -HUGE_VAL ? z : -z - std::exp(-z); }
+    double log_likelihood(std::span<const double> z) const {
+        const double sum = numerics::interleaved_sum(z, [](double v) { return v; });
+        return -sum - numerics::sum_of_exps(z, [](double v) { return -v; });
+    }
     double quantile(double p) const { return -std::log(-std::log(p)); }
     double quantile_upper(double q) const { return -std::log(-numerics::log1p_fn(-q)); }
 };
 
 /// F = 1 - exp(-e^z), the logarithm of a standard exponential variable.
 struct StandardGumbelMin : Transformed<StandardGumbel, Negation> {
+    double log_likelihood(std::span<const double> z) const {
+        const double sum = numerics::interleaved_sum(z, [](double v) { return v; });
+        return sum - numerics::sum_of_exps(z, [](double v) { return v; });
+    }
     double lower_rate() const { return 1; }
 };
 

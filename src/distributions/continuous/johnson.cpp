@@ -1,8 +1,8 @@
 #include "distributions/continuous/johnson.h"
 
 #include "distributions/exports.h"
+#include "numerics/each.h"
 #include "numerics/extended_log.h"
-#include "numerics/sums.h"
 
 namespace pral {
 
@@ -93,13 +93,24 @@ double JohnsonUMap::log_slope(double x) const {
     return std::log(score.alpha2 / beta) - (size < 1e8 ? 0.5 * log1p_fn(size * size) : std::log(size));
 }
 
+namespace {
+
+double sum_of_squares(std::span<const double> values) {
+    return interleaved_sum(values, [](double v) { return v * v; });
+}
+
+}  // namespace
+
 double JohnsonB::log_likelihood(std::span<const double> values) const {
     if (map.score.moderate()) {
-        const double squares = interleaved_sum(values, [this](double x) {
-            const double score = map.score.of(std::log((x - map.min) / (map.max - x)));
-            return score * score;
-        });
         const double per_width = 1 / (map.max - map.min);
+        const double squares = sum_by_blocks(
+            values, [this](double x) { return (x - map.min) / (map.max - x); },
+            [this](std::span<double> block) {
+                log_each(block);
+                for (double& y : block) y = map.score.of(y);
+                return sum_of_squares(block);
+            });
         const double slopes =
             sum_of_logs(values, [=, this](double x) { return (x - map.min) * per_width * (map.max - x); });
         const double total = static_cast<double>(values.size()) * (std::log(map.score.alpha2) - kLnSqrt2Pi) -
@@ -112,17 +123,20 @@ double JohnsonB::log_likelihood(std::span<const double> values) const {
 double JohnsonU::log_likelihood(std::span<const double> values) const {
     if (map.score.moderate()) {
         const double per_beta = 1 / map.beta;
-        double squares = 0;
-        const double slopes = sum_of_logs(values, [&, this](double x) {
-            const double t = (x - map.gamma) * per_beta, one_plus_square = 1 + t * t;
-            const double y = std::log(std::fabs(t) + std::sqrt(one_plus_square));
-            const double score = map.score.of(std::copysign(y, t));
-            squares += score * score;
-            return one_plus_square;
-        });
+        const double terms = sum_by_blocks(
+            values, [=, this](double x) { return (x - map.gamma) * per_beta; },
+            [this](std::span<double> t) {
+                std::array<double, kSumBlock> of_size;
+                const std::span<double> y(of_size.data(), t.size());
+                for (std::size_t i = 0; i < t.size(); ++i)
+                    y[i] = std::fabs(t[i]) + std::sqrt(1 + t[i] * t[i]);
+                log_each(y);
+                for (std::size_t i = 0; i < t.size(); ++i) y[i] = map.score.of(std::copysign(y[i], t[i]));
+                return sum_of_squares(y) + sum_of_logs(t, [](double v) { return 1 + v * v; });
+            });
         const double total =
             static_cast<double>(values.size()) * (std::log(map.score.alpha2 * per_beta) - kLnSqrt2Pi) -
-            0.5 * (squares + slopes);
+            0.5 * terms;
         if (std::isfinite(total)) return total;
     }
     return sum_of_log_densities(*this, values);

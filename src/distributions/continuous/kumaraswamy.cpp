@@ -6,7 +6,9 @@
 namespace pral {
 
 double Kumaraswamy4::log_likelihood(std::span<const double> values) const {
-    constexpr double kNearMax = 0.01;
+    constexpr double kNearMax = 0.01,
+                     kLargestShape = 100;  // larger ones would multiply the rounding of 1 - y^alpha
+    if (std::fmax(alpha, beta) > kLargestShape) return sum_of_log_densities(*this, values);
     const double per_width = 1 / (max - min);
     double logs = 0;
     const double rests = numerics::sum_of_logs(values, [&, this](double x) {

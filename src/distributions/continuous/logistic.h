@@ -10,7 +10,12 @@ inline double softplus(double z) { return std::max(z, 0.0) + numerics::log1p_fn(
 
 /// The sum of ln(1 + e^-|z|).
 inline double sum_of_softplus_below(std::span<const double> z) {
-    return numerics::sum_of_logs(z, [](double v) { return 1 + std::exp(-std::fabs(v)); });
+    return numerics::sum_by_blocks(
+        z, [](double v) { return -std::fabs(v); },
+        [](std::span<double> block) {
+            numerics::exp_each(block);
+            return numerics::sum_of_logs(block, [](double e) { return 1 + e; });
+        });
 }
 
 /// F = 1/(1 + e^-z).
@@ -106,8 +111,8 @@ struct StandardHyperbolicSecant {
     }
     double log_likelihood(std::span<const double> z) const {
         const double sizes = numerics::interleaved_sum(z, [](double v) { return kHalfPi * std::fabs(v); });
-        return -sizes -
-               numerics::sum_of_logs(z, [](double v) { return 1 + std::exp(-2 * kHalfPi * std::fabs(v)); });
+        return -sizes - numerics::sum_by_blocks(
+                            z, [](double v) { return 2 * kHalfPi * v; }, sum_of_softplus_below);
     }
     double quantile(double p) const {
         if (p > 0.5) return -quantile(1 - p);

@@ -21,12 +21,12 @@ struct TriangleOn : Trapezoid<Axis> {
           mode(mode_),
           max(max_) {}
 
-    /// The lower of the two lines is the density.
+    /// The lower of the two lines is the density; a flank of width 0 has none (fmin passes over 0/0).
     double log_likelihood(std::span<const double> values) const {
         const double length = Axis::distance(min, max);
         const double heights = numerics::sum_of_logs(values, [=, this](double x) {
             const auto [below, above] = Axis::distances(min, x, max, length);
-            return std::fmin(below / this->left.width, above / this->right.width);
+            return std::fmin(below / std::fabs(this->left.width), above / std::fabs(this->right.width));
         });
         return heights + static_cast<double>(values.size()) * std::log(2 / length) +
                Axis::sum_of_log_slopes(values);

@@ -51,8 +51,10 @@ struct NegativeBinomial : OnIntegers<D> {
     }
     /// C(s + k - 1, k) is the product of (s + j)/(1 + j) over j < k: how many of the values exceed j is all that is needed.
     double log_likelihood(const Sample& x) const {
+        constexpr double kLargest = 1000;  // the sums for larger counts cancel
         const std::span<const double> exceeding = x.exceedances();
-        if (exceeding.empty()) return sum_over_counts(*static_cast<const D*>(this), x);
+        if (exceeding.empty() || s + x.mean() > kLargest)
+            return sum_over_counts(*static_cast<const D*>(this), x);
         double sum = 0, j = 0;
         for (const double times : exceeding) {
             sum += times * std::log((s + j) / (1 + j));

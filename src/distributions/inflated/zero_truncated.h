@@ -58,6 +58,8 @@ struct ZeroTruncated {
     double survival(double x) const { return base.survival(x) / not_zero_; }
     double log_density(double x) const { return base.log_density(x) - log_not_zero_; }
     double log_likelihood(const Sample& x) const {
+        constexpr double kLikely = 1e-3;  // otherwise the two logarithms cancel
+        if (not_zero_ < kLikely) return sum_over_counts(*this, x);
         return pral::log_likelihood(base, x) - x.count() * log_not_zero_;
     }
 
