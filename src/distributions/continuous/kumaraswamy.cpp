@@ -1,7 +1,7 @@
 #include "distributions/continuous/kumaraswamy.h"
 
 #include "distributions/exports.h"
-#include "numerics/sums.h"
+#include "numerics/each.h"
 
 namespace pral {
 
@@ -10,15 +10,26 @@ double Kumaraswamy4::log_likelihood(std::span<const double> values) const {
                      kLargestShape = 100;  // larger ones would multiply the rounding of 1 - y^alpha
     if (std::fmax(alpha, beta) > kLargestShape) return sum_of_log_densities(*this, values);
     const double per_width = 1 / (max - min);
-    double logs = 0;
-    const double rests = numerics::sum_of_logs(values, [&, this](double x) {
-        const double y = (x - min) * per_width, rest = (max - x) * per_width;
-        // In the upper half the distance from the end tells what rounding has changed in y.
-        const double log = std::log(y) + (y < 0.5 ? 0 : ((1 - y) - rest) / y), power = alpha * log;
-        logs += log;
-        return power > -kNearMax ? -numerics::expm1_fn(power) : 1 - std::exp(power);
-    });
-    const double total = (alpha - 1) * logs + (beta - 1) * rests;
+    const double total = numerics::sum_by_blocks(
+        values, [](double x) { return x; },
+        [=, this](std::span<double> block) {
+            std::array<double, numerics::kSumBlock> missing, powers;
+            // In the upper half the distance from the end tells what rounding has changed in y.
+            for (std::size_t i = 0; i < block.size(); ++i) {
+                const double y = (block[i] - min) * per_width, rest = (max - block[i]) * per_width;
+                missing[i] = y < 0.5 ? 0 : ((1 - y) - rest) / y;
+                block[i] = y;
+            }
+            numerics::log_each(block);
+            for (std::size_t i = 0; i < block.size(); ++i) powers[i] = alpha * (block[i] += missing[i]);
+            const double logs = numerics::interleaved_sum(block, [](double log) { return log; });
+            std::copy_n(powers.begin(), block.size(), block.begin());
+            numerics::exp_each(block);
+            for (std::size_t i = 0; i < block.size(); ++i)
+                block[i] = powers[i] > -kNearMax ? -numerics::expm1_fn(powers[i]) : 1 - block[i];
+            const double rests = numerics::sum_of_logs(block, [](double rest) { return rest; });
+            return (alpha - 1) * logs + (beta - 1) * rests;
+        });
     return std::isfinite(total)
                ? total + static_cast<double>(values.size()) * (log_alpha_ + log_beta_ - log_width_)
                : sum_of_log_densities(*this, values);

@@ -1,10 +1,10 @@
 #include "distributions/continuous/laplace.h"
 
 #include "distributions/exports.h"
+#include "numerics/each.h"
 #include "numerics/extended_log.h"
 #include "numerics/gamma.h"
 #include "numerics/gamma_ratio.h"
-#include "numerics/sums.h"
 
 namespace pral {
 
@@ -78,9 +78,14 @@ double Error::log_likelihood(std::span<const double> values) const {
     const double inverse = 1 / (sigma * std::exp(nu_log_c_.hi / nu));
     // Small powers do no harm to the digits of a sum.
     const bool plain = nu < 8 && inverse > DBL_MIN && inverse < DBL_MAX;
-    const double powers = interleaved_sum(values, [=, this](double x) {
-        return plain ? std::exp(nu * std::log(std::fabs(x - mu) * inverse)) : scaled_exp(1, log_power(x));
-    });
+    const double powers =
+        plain ? sum_by_blocks(
+                    values, [=, this](double x) { return std::fabs(x - mu) * inverse; },
+                    [this](std::span<double> block) {
+                        log_each(block);
+                        return sum_of_exps(block, [this](double log) { return nu * log; });
+                    })
+              : interleaved_sum(values, [this](double x) { return scaled_exp(1, log_power(x)); });
     return static_cast<double>(values.size()) * (log_peak_ - std::log(sigma)) - powers;
 }
 
