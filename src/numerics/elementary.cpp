@@ -110,7 +110,8 @@ DoubleDouble deviance_double_double(double x, double a) {
 
 double scaled_exp(double factor, DoubleDouble exponent) {
     if (exponent.hi < -1500) return 0;
-    if (exponent.hi > 1500) return factor == 0 ? 0 : factor * HUGE_VAL;  // where exponent.lo may be large, too
+    if (exponent.hi > 1500)
+        return factor == 0 ? 0 : factor * HUGE_VAL;  // where exponent.lo may be large, too
     factor += factor * exponent.lo;
     if (exponent.hi > -700) return factor * std::exp(exponent.hi);
     const double root =
