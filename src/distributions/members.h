@@ -52,7 +52,7 @@ double value_at(double u, const Truncated<D>& kept, const double* shift, bool ba
     if constexpr (requires { d.random(u, random_stream()); }) {
         if (bare) return shifted(d.random(u, random_stream()), shift);
     }
-    return shifted(kept.quantile(u), shift);
+    return shifted(kept.limited(kept.quantile(u)), shift);
 }
 
 /// PralX_Core: checks bounds, then the percentile (drawn when not given), then the parameters.
@@ -97,7 +97,7 @@ bool array_member(std::span<double> out, const D& d, const Modifiers& given) {
         return true;
     }
     kept.quantiles(out);
-    for (double& value : out) value = shifted(value, given.shift);
+    for (double& value : out) value = shifted(kept.limited(value), given.shift);
     return true;
 }
 

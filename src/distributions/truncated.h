@@ -50,13 +50,7 @@ class Truncated {
         : base_(base), support_(base.support()), bounded_(given.bounded()) {
         lower_ = support_.lower;
         upper_ = support_.upper;
-        if (!bounded_) return;
-        as_values_ = (*given.bounds_mode & 3) == 0;
-        min_ = complete(given.min, given.min_is_percentile(), valid);
-        max_ = complete(given.max, given.max_is_percentile(), valid);
-        lower_ = std::min(std::max(min_.x, lower_), max_.x);
-        upper_ = std::min(upper_, max_.x);
-        mass_ = above_median() ? min_.tails.upper - max_.tails.upper : max_.tails.lower - min_.tails.lower;
+        if (bounded_) complete_bounds(given, valid);
         set_limits();
     }
 
@@ -122,12 +116,12 @@ class Truncated {
         for (double& value : u) value = quantile(value);
     }
 
-    /// x, moved to the nearer bound if rounding has led it outside.
+    /// x, moved to the nearer end of what is kept if rounding has led it outside.
     double limited(double x) const { return std::clamp(x, least_, most_); }
 
     /// The probability at or below an x in [lower, upper) of what is kept.
     double cumulative(double x) const {
-        if (!bounded_) return base_.cumulative(x);
+        if (!bounded_) return std::clamp(base_.cumulative(x), 0.0, 1.0);
         const Tails at = pral::tails(base_, x);
         const double below = above_median() ? min_.tails.upper - at.upper : at.lower - min_.tails.lower;
         return std::clamp(below / mass_, 0.0, 1.0);
@@ -135,7 +129,7 @@ class Truncated {
 
     /// Its natural logarithm.
     double log_cumulative(double x) const {
-        if (!bounded_) return pral::log_cumulative(base_, x);
+        if (!bounded_) return std::min(pral::log_cumulative(base_, x), 0.0);
         const double below = cumulative(x);
         if (below < 0.5) return std::log(below);
         const Tails at = pral::tails(base_, x);
@@ -144,6 +138,15 @@ class Truncated {
     }
 
   private:
+    void complete_bounds(const Modifiers& given, bool valid) {
+        as_values_ = (*given.bounds_mode & 3) == 0;
+        min_ = complete(given.min, given.min_is_percentile(), valid);
+        max_ = complete(given.max, given.max_is_percentile(), valid);
+        lower_ = std::min(std::max(min_.x, lower_), max_.x);
+        upper_ = std::min(upper_, max_.x);
+        mass_ = above_median() ? min_.tails.upper - max_.tails.upper : max_.tails.lower - min_.tails.lower;
+    }
+
     /// Percentile u of what is kept as a tail of the whole, where possible the smaller one.
     struct BaseTail {
         Side side;
@@ -173,9 +176,10 @@ class Truncated {
     /// Both ends above the median: their percentiles are close to 1 and differ by few digits, their tails do not.
     bool above_median() const { return min_.tails.lower > 0.5; }
 
-    /// What values are limited to: the bounds, of an integer family the integers between them. Bounds beyond the support,
-    /// or without an integer between them, leave their value as it is.
+    /// What values are limited to: the support or the bounds, of an integer family the integers between them. Bounds beyond
+    /// the support, or without an integer between them, leave their value as it is.
     void set_limits() {
+        if (kOwnBounds && bounded_) return;
         double least = lower_, most = upper_;
         if constexpr (requires { D::kIntegers; }) {
             const auto inwards = [](double end, double integer) {

@@ -104,6 +104,49 @@ TEST(Counts, MembersForFitsTakeRealCounts) {
     EXPECT_EQ(out, 10);
 }
 
+#define SAME_LIKELIHOOD(X, ...)                                                                            \
+    {                                                                                                      \
+        double plain, real, x[] = {1, 3, 2, 3}, y[] = {1, 3, 2, 3};                                        \
+        EXPECT_TRUE(Pral##X##Prob10_Core(&plain, x, 4, __VA_ARGS__, nullptr, &mode, &low, &high, &shift)); \
+        EXPECT_TRUE(                                                                                       \
+            Pral##X##Prob10_Core_for_fit(&real, y, 4, __VA_ARGS__, nullptr, &mode, &low, &high, &shift));  \
+        EXPECT_EQ(real, plain) << #X;                                                                      \
+    }
+#define SAME_MEMBERS(X, ...)                                                                           \
+    {                                                                                                  \
+        double plain, real, x[] = {1, 3}, y[] = {1, 3};                                                \
+        const double u = 0.7;                                                                          \
+        EXPECT_TRUE(Pral##X##_Core(&plain, __VA_ARGS__, &u, &mode, &low, &high, &shift));              \
+        EXPECT_TRUE(Pral##X##_Core_for_fit(&real, __VA_ARGS__, &u, &mode, &low, &high, &shift));       \
+        EXPECT_EQ(real, plain) << #X;                                                                  \
+        EXPECT_TRUE(Pral##X##Prob_Core(&plain, x, 2, __VA_ARGS__, &mode, &mode, &low, &high, &shift)); \
+        EXPECT_TRUE(                                                                                   \
+            Pral##X##Prob_Core_for_fit(&real, y, 2, __VA_ARGS__, &mode, &mode, &low, &high, &shift));  \
+        EXPECT_EQ(real, plain) << #X;                                                                  \
+    }                                                                                                  \
+    SAME_LIKELIHOOD(X, __VA_ARGS__)
+
+/// With integers all members for fits are the plain ones, between bounds and shifted, too.
+TEST(Counts, MembersForFitsAgreeWithThePlainOnes) {
+    const int mode = 1;
+    const double low = 0.5, high = 0.999, shift = -1;
+    SAME_LIKELIHOOD(Binomial, 9, 0.4)
+    SAME_LIKELIHOOD(NegBin, 4, 0.3)
+    SAME_LIKELIHOOD(BetaBinomial, 9, 2, 3)
+    SAME_LIKELIHOOD(Erlang, 3, 2)
+    SAME_LIKELIHOOD(ChiSq, 5)
+    SAME_LIKELIHOOD(Chi, 7)
+    SAME_LIKELIHOOD(Student, 3)
+    SAME_LIKELIHOOD(Student3, 1, 2, 4)
+    SAME_LIKELIHOOD(NCF, 3, 8, 1.5)
+    SAME_MEMBERS(ZIBinomial, 9, 0.4, 0.8)
+    SAME_MEMBERS(ZTBinomial, 9, 0.4)
+    SAME_MEMBERS(ZINegBin, 4, 0.3, 0.8)
+    SAME_MEMBERS(ZTNegBin, 4, 0.3)
+    SAME_MEMBERS(ZIBetaBinomial, 9, 2, 3, 0.8)
+    SAME_MEMBERS(ZTBetaBinomial, 9, 2, 3)
+}
+
 TEST(Counts, UncertaintyAboutParameters) {
     const double u = 0.25, bad = 1.5;
     double out;

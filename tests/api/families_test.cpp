@@ -152,6 +152,34 @@ TEST(Families, EndsOfTheSupport) {
     }
 }
 
+/// Rounding leads neither a value out of the support nor a probability out of [0,1], and large x have probabilities.
+TEST(Families, StayWithinTheSupportAndTheUnitInterval) {
+    std::vector<Instance> all = instances();
+    for (const auto& [name, parameters] :
+         std::initializer_list<std::pair<const char*, Parameters>>{{"LogUniform", {0.5, 5}},
+                                                                   {"Reciprocal", {1, 100}},
+                                                                   {"GEV", {0, 3, 10}},
+                                                                   {"LogLaplace", {100, 0.5, 1}},
+                                                                   {"SkewNormal", {2, 1e-9, 0}},
+                                                                   {"LifetimeExp", {1e6, 1e9}}})
+        all.push_back({&family(name), parameters});
+    for (const Instance& i : all) {
+        const double lower = i.quantile(0), upper = i.quantile(1);
+        if (i.family->name != "ZISkellam") {  // whose percentile 0 is not its lowest
+            for (const double u : {5e-324, 1e-300, 0x1p-53, 0.5, 1 - 0x1p-53}) {
+                EXPECT_TRUE(i.quantile(u) >= lower && i.quantile(u) <= upper) << i.label() << ' ' << u;
+            }
+        }
+        for (const double x : {-1e300, -1e16, 1e16, 1e100, 1e300}) {
+            const double p = i.probability({x}, true, false);
+            EXPECT_TRUE(p >= 0 && p <= 1) << i.label() << ' ' << x;
+            EXPECT_LE(i.probability({x}, true, true), 0) << i.label() << ' ' << x;
+            EXPECT_GE(i.probability({x}, false, false), 0) << i.label() << ' ' << x;
+            EXPECT_LT(i.probability({x}, false, true), 300) << i.label() << ' ' << x;
+        }
+    }
+}
+
 /// What underflows even as a logarithm has probability 0 in the logarithmic form, too.
 TEST(Families, LogarithmsThatUnderflowTellProbabilityZero) {
     double out = kNaN, x = -1e300;

@@ -127,6 +127,7 @@ struct ExponentialHazard {
     double inverse(double t) const {
         if (t == 0) return 0;
         const double growth = B * t;
+        if (growth > DBL_MAX) return HUGE_VAL;
         const bool usable = start_ >= DBL_MIN && start_ <= DBL_MAX;
         if (growth < 1e-17 && usable) return start_ * t;
         const double rounding = std::max(B, t) < 1e290 ? numerics::two_product(B, t).lo : 0;

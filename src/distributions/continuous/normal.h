@@ -134,6 +134,7 @@ class StandardSkewNormal {
     double survival(double z) const { return numerics::skew_normal_survival(z, alpha); }
     double log_cumulative(double z) const;
     double log_density(double z) const {
+        if (std::isinf(z)) return -HUGE_VAL;
         return numerics::kLn2 - numerics::kLnSqrt2Pi - 0.5 * z * z +
                numerics::normal_log_cumulative(alpha * z);
     }

@@ -54,6 +54,7 @@ struct Logarithmic : SummedTails<Logarithmic> {
         // (1 - 2^(1 - 2r)) |B_2r|/2r
         constexpr double kMidpoint[] = {1.0 / 24, 7.0 / 960, 31.0 / 8064, 127.0 / 30720, 511.0 / 67584};
         const double x = m - 0.5, y = -log_theta_ * x;
+        if (y > 800) return 0;
         double correction = 0, sum = 1, term = 1, power = 1, sign = 1;
         for (int n = 1; n <= 9; ++n) {
             term *= y / n;
