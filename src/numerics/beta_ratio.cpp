@@ -19,8 +19,10 @@ constexpr double kStirlingFrom = 8;
 /// Largest B x for which the power series is used: beyond it the terms cancel.
 constexpr double kSeriesLimit = 0.5;
 constexpr double kTolerance = 0x1p-55;
-/// Parameters beyond it describe a point mass at any precision; products of larger ones overflow.
-constexpr double kLargestParameter = 1e150;
+/// Products of larger shapes overflow. Two shapes above the second number are as good as any others of their ratio, and so
+/// are two below the third.
+constexpr double kLargestShape = 0x1p500, kStepShape = 0x1p200, kSmallestShape = 0x1p-800;
+constexpr double kDenormalNear = 0x1p-1000;
 
 /// The coefficients B_2k/(2k (2k - 1)) of the Stirling series (DLMF 5.11.1), highest first.
 constexpr double kStirlingSeries[] = {-3617.0 / 122400, 1.0 / 156,  -691.0 / 360360, 1.0 / 1188,
@@ -59,7 +61,7 @@ DoubleDouble log_complement(DoubleDouble z) {
     return negated(add(z, {rest, 0}));
 }
 
-double clamp_parameter(double v) { return v > kLargestParameter ? kLargestParameter : v; }
+double power_of_two_near(double v) { return std::ldexp(1, std::ilogb(v)); }
 
 /// ln(part/sum), sum = part + other.
 DoubleDouble log_share(double part, double other, DoubleDouble sum, DoubleDouble log_sum) {
@@ -98,7 +100,35 @@ struct BetaRatio::Arguments {
     }
 };
 
-BetaRatio::BetaRatio(double a, double b) : a_(clamp_parameter(a)), b_(clamp_parameter(b)) {
+/// Beside a shape b above all others, b x is a gamma variable and nothing else of x matters: b can be smaller by a factor
+/// and x larger.
+void BetaRatio::limit_shapes() {
+    const double smaller = std::min(a_, b_), larger = std::max(a_, b_);
+    if (!(smaller > 0)) return;
+    if (larger < kSmallestShape) {
+        given_a_ = a_ *= 0x1p600;
+        given_b_ = b_ *= 0x1p600;
+    }
+    a_ = std::max(a_, kDenormalNear);
+    b_ = std::max(b_, kDenormalNear);
+    if (!(larger > kLargestShape)) return;
+    if (smaller > kStepShape) {
+        const double common = power_of_two_near(std::min(smaller, 0x1p1022)) / kStepShape;
+        given_a_ = a_ /= common;
+        given_b_ = b_ /= common;
+    }
+    const auto reduce = [](double& shape, double& stretch) {
+        if (!(shape > kLargestShape)) return;
+        stretch = power_of_two_near(std::min(shape, 0x1p1022)) / kLargestShape;
+        shape /= stretch;
+    };
+    reduce(a_, stretch_y_);
+    reduce(b_, stretch_x_);
+}
+
+BetaRatio::BetaRatio(double a, double b)
+    : given_a_(std::min(a, kInfinity)), given_b_(std::min(b, kInfinity)), a_(given_a_), b_(given_b_) {
+    limit_shapes();
     const bool a_large = a_ >= kStirlingFrom, b_large = b_ >= kStirlingFrom;
     const DoubleDouble sum = two_sum(a_, b_);
     if (!(a_ > 0 && b_ > 0)) {
@@ -130,7 +160,19 @@ BetaRatio::BetaRatio(double a, double b) : a_(clamp_parameter(a)), b_(clamp_para
     shift_b_ = a_large ? of_small : of_large;
 }
 
+BetaRatio::Arguments BetaRatio::arguments(double x, double y) const {
+    if (stretch_x_ > 1) x = std::min(x * stretch_x_, 0.5), y = 1 - x;
+    if (stretch_y_ > 1) y = std::min(y * stretch_y_, 0.5), x = 1 - y;
+    return {a_, b_, x, y};
+}
+
 DoubleDouble BetaRatio::density_exponent(const Arguments& at) const {
+    const double smaller = std::min(a_, b_), r = at.lambda / smaller;
+    if (smaller >= kStirlingFrom && std::fabs(r) < 0.1) {
+        // Next to the centre the two parts below cancel; these add up. The others keep more digits where it is large.
+        const double f = a_ * toms708::rlog1(-at.lambda / a_) + b_ * toms708::rlog1(at.lambda / b_);
+        if (f < std::max(1.0, 1e-15 * smaller)) return {-f, 0};
+    }
     return add(multiply({a_, 0}, add(at.log_x, negated(shift_a_))),
                multiply({b_, 0}, add(at.log_y, negated(shift_b_))));
 }
@@ -186,7 +228,7 @@ BetaRatio::Tail BetaRatio::tail(const Arguments& at) const {
 }
 
 BetaRatio::Scaled BetaRatio::scaled_tail(bool of_lower, double x, double y) const {
-    const Tail t = tail(Arguments(a_, b_, x, y));
+    const Tail t = tail(arguments(x, y));
     if (t.complement >= 0) {
         return {t.is_lower == of_lower ? 1 - t.complement : t.complement, {0, 0}};
     }
@@ -195,11 +237,11 @@ BetaRatio::Scaled BetaRatio::scaled_tail(bool of_lower, double x, double y) cons
 }
 
 BetaRatio::Scaled BetaRatio::scaled_density(double x, double y) const {
-    return {density_factor_, density_exponent(Arguments(a_, b_, x, y))};
+    return {density_factor_, density_exponent(arguments(x, y))};
 }
 
 BetaRatio::Step BetaRatio::step(bool of_lower, double x, double y, double target) const {
-    const Arguments at(a_, b_, x, y);
+    const Arguments at = arguments(x, y);
     const Tail t = tail(at);
     const DoubleDouble e = density_exponent(at);
     const double value = std::min(scaled_exponential(t.factor, t.exponent), 1.0);
@@ -218,7 +260,14 @@ DoubleDouble BetaRatio::log_leading(bool of_lower, DoubleDouble p) const {
     const DoubleDouble& shift_b = of_lower ? shift_b_ : shift_a_;
     const DoubleDouble constant =
         add(extended_log(p), negated(extended_log(divide({density_factor_, 0}, {a, 0}))));
-    return add(shift_a, divide(add(constant, multiply({b, 0}, shift_b)), {a, 0}));
+    const DoubleDouble log_stretched = add(shift_a, divide(add(constant, multiply({b, 0}, shift_b)), {a, 0}));
+    const bool stretched = (of_lower ? stretch_x_ : stretch_y_) > 1;
+    return stretched ? add(log_stretched, negated(log_stretch())) : log_stretched;
+}
+
+DoubleDouble BetaRatio::log_stretch() const {
+    const double stretch = std::max(stretch_x_, stretch_y_);
+    return stretch > 1 ? extended_log({stretch, 0}) : DoubleDouble{0, 0};
 }
 
 namespace {
@@ -236,7 +285,7 @@ double with_ends(double a, double b, double x, double y, double at_zero, double 
 
 double BetaRatio::lower(double x, double y) const {
     return with_ends(a_, b_, x, y, 0, 1, [&] {
-        const Tail t = tail(Arguments(a_, b_, x, y));
+        const Tail t = tail(arguments(x, y));
         if (!t.is_lower && t.complement >= 0) return t.complement;
         const double value = std::min(scaled_exponential(t.factor, t.exponent), 1.0);
         return t.is_lower ? value : 1 - value;
@@ -245,7 +294,7 @@ double BetaRatio::lower(double x, double y) const {
 
 double BetaRatio::upper(double x, double y) const {
     return with_ends(a_, b_, x, y, 1, 0, [&] {
-        const Tail t = tail(Arguments(a_, b_, x, y));
+        const Tail t = tail(arguments(x, y));
         if (t.is_lower && t.complement >= 0) return t.complement;
         const double value = std::min(scaled_exponential(t.factor, t.exponent), 1.0);
         return t.is_lower ? 1 - value : value;
@@ -261,11 +310,11 @@ double BetaRatio::log_tail(bool of_lower, const Arguments& at) const {
 }
 
 double BetaRatio::log_lower(double x, double y) const {
-    return with_ends(a_, b_, x, y, -kInfinity, 0, [&] { return log_tail(true, Arguments(a_, b_, x, y)); });
+    return with_ends(a_, b_, x, y, -kInfinity, 0, [&] { return log_tail(true, arguments(x, y)); });
 }
 
 double BetaRatio::log_upper(double x, double y) const {
-    return with_ends(a_, b_, x, y, 0, -kInfinity, [&] { return log_tail(false, Arguments(a_, b_, x, y)); });
+    return with_ends(a_, b_, x, y, 0, -kInfinity, [&] { return log_tail(false, arguments(x, y)); });
 }
 
 double BetaRatio::log_density(double x, double y) const {
@@ -275,8 +324,8 @@ double BetaRatio::log_density(double x, double y) const {
         if (x < 0 || y < 0 || own > 1) return -kInfinity;
         return own < 1 ? kInfinity : std::log(other);
     }
-    const Arguments at(a_, b_, x, y);
-    const DoubleDouble logs = add(at.log_x, at.log_y);
+    const Arguments at = arguments(x, y);
+    const DoubleDouble logs = add(add(at.log_x, at.log_y), negated(log_stretch()));
     // The factor's own logarithm can be as large as the exponent, and of the other sign.
     return add(add(density_exponent(at), negated(logs)), extended_log({density_factor_, 0})).hi;
 }

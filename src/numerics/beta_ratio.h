@@ -41,8 +41,8 @@ class BetaRatio {
     /// the same for the other end.
     DoubleDouble log_leading(bool of_lower, DoubleDouble p) const;
 
-    double a() const { return a_; }
-    double b() const { return b_; }
+    double a() const { return given_a_; }
+    double b() const { return given_b_; }
 
   private:
     /// factor e^exponent is one of the tails.
@@ -55,10 +55,16 @@ class BetaRatio {
     /// ln x and ln y, and a - (a + b) x, each from the smaller of x and y.
     struct Arguments;
 
+    /// The shapes as given, but for a common factor where both are so large that no double tells the distribution from a
+    /// step; and with the larger one in the range of exact products, where the smaller coordinate is stretched to match.
+    double given_a_, given_b_, a_, b_, stretch_x_ = 1, stretch_y_ = 1;
     /// x^a y^b / B(a, b) = density_factor_ e^(a (ln x - shift_a_) + b (ln y - shift_b_)).
-    double a_, b_, density_factor_, asymptotic_factor_ = 0;
+    double density_factor_, asymptotic_factor_ = 0;
     DoubleDouble shift_a_{}, shift_b_{};
 
+    void limit_shapes();
+    Arguments arguments(double x, double y) const;
+    DoubleDouble log_stretch() const;
     Tail tail(const Arguments& at) const;
     double log_tail(bool of_lower, const Arguments& at) const;
     Tail series(bool lower, const Arguments& at) const;

@@ -101,6 +101,7 @@ Tail upper_for_tiny_shape(double a, double x) {
 /// e^(z^2) erfc(z), z >= 1.
 double scaled_erfc(double z) {
     using namespace cephes;
+    if (z > 1e9) return 2 * kInvSqrt2Pi / (std::sqrt(2.0) * z);  // the powers of z would leave the range of a double
     return z < 8 ? horner(erfc_P, z) / horner(erfc_Q, z) : horner(erfc_R, z) / horner(erfc_S, z);
 }
 
@@ -348,6 +349,7 @@ double log_gamma_upper(double a, double x) { return log_ratio(a, x, true); }
 double gamma_density(double a, double x) {
     if (!is_inside(a, x))
         return x == 0 && a == 1 ? 1 : x == 0 && a < 1 ? kInfinity : std::isnan(a) || std::isnan(x) ? kNaN : 0;
+    if (!(a / x <= kInfinity)) return std::exp(log_gamma_density(a, x));
     const Power prefix = gamma_prefix(a, x);
     return scaled_exp(prefix.factor * (a / x), prefix.exponent);
 }

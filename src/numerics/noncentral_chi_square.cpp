@@ -261,7 +261,8 @@ Power near_zero(double shape, double mean, double point, Wanted wanted) {
 
 /// A tail is the smaller one or near it.
 Power compute(double nu, double lambda, double x, Wanted wanted) {
-    if (x < kSmallestPoint && wanted != Wanted::upper)
+    const bool first_term_alone = lambda * x < 1e-200 && (wanted == Wanted::lower || nu > 1e-100);
+    if ((x < kSmallestPoint || first_term_alone) && wanted != Wanted::upper)
         return near_zero(0.5 * nu, 0.5 * lambda, 0.5 * x, wanted);
     const Halves h = {0.5 * nu, 0.5 * lambda, 0.5 * x};
     const double centre = central_index(h);

@@ -56,6 +56,7 @@ class InversionWalk {
     /// The tail that is compared: F(k) below the median, 1 - F(k) above.
     double tail_at(double k) const { return lower_ ? d_.cumulative(k) : d_.survival(k); }
     bool falls_short(double tail) const { return lower_ ? tail < p_ : tail > q_; }
+    double other_tail_at(double k) const { return lower_ ? d_.survival(k) : d_.cumulative(k); }
     double mass_at(double k) const { return std::exp(d_.log_density(k)); }
     bool short_at(double k) const { return falls_short(tail_at(k)); }
     /// So near that the rounding of the recurrence may have decided.
@@ -65,32 +66,42 @@ class InversionWalk {
     }
 
     /// Newton steps on the logarithm of the smaller tail, within the bracket that they leave, until the walk can do the
-    /// rest. For a family with a tail_exponent() those in the upper tail are taken in the logarithm of k. True when k is
-    /// the result, as near as the tails themselves tell: with masses below their rounding no walk could settle it.
+    /// rest; one that is no better than the one before is followed by a longer one, or by a halving. True when k is the result, as near as
+    /// the tails themselves tell: with masses below their rounding no walk could settle it.
     bool approach(double& k, double& tail) const {
         double low = bottom_, high = top_;  // the result is not below low, nor above high
+        double before = HUGE_VAL, stretch = 1;
+        bool seen_low = false, seen_high = false;
         for (int step = 0; step < kApproach; ++step) {
             if (step == kEndsFrom && at_an_end(k, tail)) return false;
-            const bool lower = lower_ == (tail < kSmaller);
-            const double newton_tail = lower == lower_ ? tail : lower ? d_.cumulative(k) : d_.survival(k);
-            const double log_ratio = std::log((lower ? p_ : q_) / newton_tail);
-            const double distance = (lower ? log_ratio : -log_ratio) * newton_tail / mass_at(k);
-            if (std::fabs(distance) <= kWalk || std::isnan(tail)) return false;
-            if (std::fabs(log_ratio) < kRounding) return true;
+            const double target = lower_ ? p_ : q_;
+            // The side of the smaller tail guides the steps.
+            const bool mirrored = tail > kSmaller;
+            const double newton_tail = !mirrored ? tail : tail < kNearOne ? 1 - tail : other_tail_at(k);
+            const double log_ratio = std::log((mirrored ? 1 - target : target) / newton_tail);
+            const double distance =
+                (lower_ != mirrored ? log_ratio : -log_ratio) * std::exp(std::log(newton_tail) - d_.log_density(k));
+            const bool countable = std::fabs(k) < 0x1p53;
+            if ((std::fabs(distance) <= kWalk && countable) || std::isnan(tail)) return false;
+            const bool no_better = std::fabs(log_ratio) > 0.5 * before;
+            if (std::fabs(log_ratio) < (no_better ? kNoise : kRounding)) return true;
+            before = std::fabs(log_ratio);
             const bool is_short = falls_short(tail);
             if (newton_tail == 0 && !is_short && short_at(neighbour_below(k))) return true;
             (is_short ? low : high) = k;
+            (is_short ? seen_low : seen_high) = true;
             if (high - low <= kWalk) return false;
-            double next = k + std::trunc(distance);
-            if constexpr (requires { d_.tail_exponent(); }) {
-                if (!lower && k > 1) next = std::floor(k * std::exp(std::min(distance / k, 700.0)));
+            stretch = no_better ? kStretch * stretch : 1;
+            double next = moved(k, stretch * distance);
+            if (next == k) {  // beyond 2^53 integers have no neighbours
+                if (is_short) k = std::nextafter(k, top_);
+                return true;
             }
-            if (next == k) return true;  // beyond 2^53 integers have no neighbours
             if (next >= top_ && high == top_ && short_at(neighbour_below(top_))) {
                 k = top_;
                 return true;
             }
-            if (!(next > low && next < high)) next = middle(low, high);
+            if ((no_better && seen_low && seen_high) || !(next > low && next < high)) next = middle(low, high);
             if (next <= low || next >= high) {
                 k = high;
                 return true;
@@ -99,6 +110,20 @@ class InversionWalk {
             tail = tail_at(k);
         }
         return false;
+    }
+    /// k moved by Newton's step. Long steps are those of the logarithm of the distance from the end of the support that k
+    /// is nearer to: tails and masses there are like powers of it, if not of its exponential.
+    double moved(double k, double distance) const {
+        const auto stretched = [](double from_end, double step) {
+            return std::floor(from_end * std::exp(std::clamp(step / from_end, -700.0, 700.0)));
+        };
+        if (bottom_ > -numerics::kInfinity) {
+            const double above = k - bottom_, below = top_ - k;
+            if (below < above && below > 1 && std::fabs(distance) > 0.25 * below)
+                return top_ - std::min(stretched(below, -distance), top_);
+            if (above > 1 && std::fabs(distance) > 0.25 * above) return bottom_ + stretched(above, distance);
+        }
+        return k + std::trunc(distance);
     }
     /// Whether the result is an end of the support, which k then is. Infinity can be the result where the upper tail falls
     /// as a power of k, and only there.
@@ -114,10 +139,13 @@ class InversionWalk {
         return std::max(std::min(k - 1, std::nextafter(k, bottom_)), bottom_);
     }
 
-    /// Between low and high, in the middle of their exponents when they differ much.
-    static double middle(double low, double high) {
+    /// Between low and high: when their distances from an end of the support differ much, in the middle of the exponents.
+    double middle(double low, double high) const {
+        const auto by_exponents = [](double a, double b) { return std::sqrt(a + 1) * std::sqrt(b + 1); };
+        if (low >= 0 && high > 4 * (low + 1)) return std::floor(by_exponents(low, high));
+        if (top_ - low > 4 * (top_ - high + 1) && low > 0.5 * top_)
+            return top_ - std::floor(by_exponents(top_ - low, top_ - high));
         const double from_low = low >= 0 ? low : low / 2 + high / 2;
-        if (low >= 0 && high > 4 * (low + 1)) return std::floor(std::sqrt(low + 1) * std::sqrt(high));
         return std::floor(from_low + (high - from_low) / 2);
     }
 
@@ -185,13 +213,17 @@ class InversionWalk {
 
     static constexpr int kWalk = D::kWalk;
     /// Newton's steps or halvings of the exponent: 2^1024 down to a factor of 4 in 10, then 50 bits of it at worst.
-    static constexpr int kApproach = 100;
+    static constexpr int kApproach = 70;
+    /// Steps that are no better than the one before are made longer by this factor, until the result is bracketed.
+    static constexpr double kStretch = 16;
     /// Steps after which the ends are tried, where most of the mass may be.
     static constexpr int kEndsFrom = 1;
-    /// Tails are not known better than to this relative error.
-    static constexpr double kRounding = 4e-15;
+    /// Tails are not known better than to this relative error; steps that end within the other one go to and fro.
+    static constexpr double kRounding = 4e-15, kNoise = 1e-12;
     /// A larger tail is so flat that the other one guides Newton's steps.
     static constexpr double kSmaller = 0.7;
+    /// Up to it the other tail is the complement, with digits enough for a guide.
+    static constexpr double kNearOne = 0.9999;
     /// A tail that has shrunk by subtractions to this part of what it was is computed anew.
     static constexpr double kFreshen = 0.0625;
     /// A mass below it has lost digits, or all, and cannot be continued by ratios.

@@ -49,11 +49,14 @@ class MassSum {
     /// Sums what counts.
     void add_all() {
         const bool short_sum = left() <= kShort;
-        if (!recur(short_sum ? kShort : kFirst)) return;
-        sum_ += difference_terms();
+        if (countable()) {
+            if (!recur(short_sum ? kShort : kFirst)) return;
+            sum_ += difference_terms();
+        }
         double length = 0.5;
         for (int panel = 0; panel < kMaxPanels; ++panel) {
             if (left() <= kShort) {
+                if (!countable()) return;
                 sum_ -= difference_terms();
                 recur(kShort);
                 return;
@@ -62,6 +65,8 @@ class MassSum {
         }
     }
 
+    /// Whether doubles still tell an integer from the next; if not, the sum is an integral to rounding.
+    bool countable() const { return std::fabs(k_) < 0x1p53; }
     double left() const { return std::fabs(to_ - k_) + 1; }
     double singularity_behind() const {
         const auto [lower, upper] = d_.support();
