@@ -28,6 +28,19 @@ void Array(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
+template <auto array, double... parameters>
+void ArrayAboveMedian(benchmark::State& state) {
+    std::vector<double> out(state.range(0));
+    const int by_percentiles = 3;
+    const double min = 0.9, max = 0.999;
+    for (auto _ : state) {
+        array(out.data(), static_cast<int>(out.size()), parameters..., nullptr, &by_percentiles, &min, &max,
+              nullptr);
+        benchmark::DoNotOptimize(out.data());
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
 BENCHMARK(OneCall<PralPoisson_Core, 3.5>);
 BENCHMARK(OneCall<PralPoisson_Core, 4999.0>);
 BENCHMARK(OneCall<PralBinomial_Core, 100.0, 0.3>);
@@ -54,12 +67,19 @@ BENCHMARK(OneCall<PralZIHypergeo_Core, 20.0, 30.0, 100.0, 0.9>);
 BENCHMARK(OneCall<PralZTBetaBinomial_Core, 1e12, 1e-9, 41.0>);
 BENCHMARK(OneCall<PralBetaBinomial_Core, 1e12, 1e-9, 41.0>);
 BENCHMARK(OneCall<PralBetaNegBin_Core, 1e5, 1.0, 1e18>);
+BENCHMARK(OneCall<PralBetaBinomial_Core, 1.7e308, 1.7e308, 0.9>);
+BENCHMARK(OneCall<PralBetaBinomial_Core, 1e18, 2.5, 1e-9>);
+BENCHMARK(OneCall<PralZTBetaBinomial_Core, 1e16, 1e-100, 1e6>);
+BENCHMARK(OneCall<PralBetaNegBin_Core, 1e100, 1.7e308, 1e300>);
+BENCHMARK(OneCall<PralZTBetaNegBin_Core, 1e16, 0.3, 1e-300>);
 BENCHMARK(OneCall<PralHypergeo_Core, 20.0, 30.0, 100.0>);
 BENCHMARK(OneCall<PralHypergeo_Core, 5e5, 5e5, 1e6>);
 BENCHMARK(OneCall<PralInvHypergeo_Core, 1000.0, 5e5, 1e6>);
 BENCHMARK(OneCall<PralHypergeoD_Core, 5.0, 1000.0, 1e9>);
 BENCHMARK(OneCall<PralHypergeoM_Core, 1.0, 30.0, 40.0, 1e9>);
 BENCHMARK(OneCall<PralHypergeoM_Core, 1.0, 1e6, 1e6, 1e15>);
+BENCHMARK(OneCall<PralHypergeoM_Core, 9.0, 1e12, 9.0, 1e15>);
+BENCHMARK(OneCall<PralHypergeoM_Core, 1.0, 2.0, 300.0, 1.7e308>);
 BENCHMARK(OneCall<PralSkellam_Core, 3.5, 2.0>);
 BENCHMARK(OneCall<PralSkellam_Core, 1e12, 1e12>);
 BENCHMARK(OneCall<PralBurntFingerPoisson_Core, 3.0, 2.0>);
@@ -69,6 +89,8 @@ BENCHMARK(OneCall<PralPoissonUniform_Core, 1e5, 1e9>);
 BENCHMARK(OneCall<PralDelaporte_Core, 2.0, 3.0, 4.0>);
 BENCHMARK(OneCall<PralDelaporte_Core, 1e6, 1.0, 1e6>);
 BENCHMARK(OneCall<PralDelaporte_Core, 0.5, 1e6, 1e9>);
+BENCHMARK(OneCall<PralDelaporte_Core, 1e5, 1e5, 1e12>);
+BENCHMARK(OneCall<PralDelaporte_Core, 300.0, 300.0, 3000.0>);
 BENCHMARK(Array<PralHypergeoArray_Core, 20.0, 30.0, 100.0>)->Arg(100000);
 BENCHMARK(Array<PralSkellamArray_Core, 3.5, 2.0>)->Arg(100000);
 BENCHMARK(Array<PralSkellamArray_Core, 1e6, 1e6>)->Arg(100000);
@@ -82,5 +104,7 @@ BENCHMARK(Array<PralBetaNegBinArray_Core, 3.0, 0.5, 5.0>)->Arg(100000);
 BENCHMARK(Array<PralLogarithmicArray_Core, 0.99>)->Arg(100000);
 BENCHMARK(Array<PralZIPoissonArray_Core, 3.5, 0.3>)->Arg(100000);
 BENCHMARK(Array<PralZTPoissonArray_Core, 3.5>)->Arg(100000);
+BENCHMARK(ArrayAboveMedian<PralPoissonArray_Core, 350.0>)->Arg(100000);
+BENCHMARK(ArrayAboveMedian<PralBetaBinomialArray_Core, 100.0, 2.0, 3.0>)->Arg(100000);
 
 }  // namespace

@@ -74,7 +74,7 @@ class Truncated {
     /// The bounds leave a single point.
     bool degenerate() const { return lower_ == upper_; }
     /// The bounds differ, yet no double separates their percentiles.
-    bool zero_width() const { return bounded_ && min_.tails.lower == max_.tails.lower; }
+    bool zero_width() const { return bounded_ && (min_.tails.lower == max_.tails.lower || mass_ <= 0); }
     /// The percentile of the untruncated distribution at the upper bound.
     double max_percentile() const { return max_.tails.lower; }
 
@@ -99,6 +99,14 @@ class Truncated {
                 base_.quantiles(u);
                 for (double& value : u) value = limited(value);
                 return;
+            }
+            if constexpr (requires { base_.quantiles_upper(u); }) {
+                if (above_median()) {
+                    for (double& value : u) value = base_tail(value).tail;
+                    base_.quantiles_upper(u);
+                    for (double& value : u) value = limited(value);
+                    return;
+                }
             }
         }
         if constexpr (requires { base_.quantile_table(); }) {

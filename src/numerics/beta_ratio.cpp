@@ -113,9 +113,9 @@ void BetaRatio::limit_shapes() {
     b_ = std::max(b_, kDenormalNear);
     if (!(larger > kLargestShape)) return;
     if (smaller > kStepShape) {
-        const double common = power_of_two_near(std::min(smaller, 0x1p1022)) / kStepShape;
-        given_a_ = a_ /= common;
-        given_b_ = b_ /= common;
+        common_ = power_of_two_near(std::min(smaller, 0x1p1022)) / kStepShape;
+        given_a_ = a_ /= common_;
+        given_b_ = b_ /= common_;
     }
     const auto reduce = [](double& shape, double& stretch) {
         if (!(shape > kLargestShape)) return;
@@ -327,7 +327,11 @@ double BetaRatio::log_density(double x, double y) const {
     const Arguments at = arguments(x, y);
     const DoubleDouble logs = add(add(at.log_x, at.log_y), negated(log_stretch()));
     // The factor's own logarithm can be as large as the exponent, and of the other sign.
-    return add(add(density_exponent(at), negated(logs)), extended_log({density_factor_, 0})).hi;
+    const double log_density =
+        add(add(density_exponent(at), negated(logs)), extended_log({density_factor_, 0})).hi;
+    // Beside a common factor of both shapes only the normal density next to the centre is left.
+    return common_ > 1 ? log_density + 0.5 * std::log(common_) + (common_ - 1) * density_exponent(at).hi
+                       : log_density;
 }
 
 double beta_lower(double a, double b, double x, double y) { return BetaRatio(a, b).lower(x, y); }

@@ -44,7 +44,6 @@ double continued_fraction(double x) {
 
 double exponential_integral(double x) {
     if (!(x > 0)) return x == 0 ? HUGE_VAL : kNaN;
-    if (x > 800) return 0;
     return x < kSeriesBelow ? power_series(x) : std::exp(-x) * continued_fraction(x);
 }
 

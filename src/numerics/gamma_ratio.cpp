@@ -101,7 +101,8 @@ Tail upper_for_tiny_shape(double a, double x) {
 /// e^(z^2) erfc(z), z >= 1.
 double scaled_erfc(double z) {
     using namespace cephes;
-    if (z > 1e9) return 2 * kInvSqrt2Pi / (std::sqrt(2.0) * z);  // the powers of z would leave the range of a double
+    if (z > 1e9)
+        return 2 * kInvSqrt2Pi / (std::sqrt(2.0) * z);  // the powers of z would leave the range of a double
     return z < 8 ? horner(erfc_P, z) / horner(erfc_Q, z) : horner(erfc_R, z) / horner(erfc_S, z);
 }
 

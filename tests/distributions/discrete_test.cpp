@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <typeinfo>
 #include <vector>
 
 #include "boundary/core_api.h"
@@ -39,7 +40,7 @@ TEST(Discrete, LongSumsHaveTheirClosedForms) {
         worst = std::max(worst, std::fabs(actual - exact) / exact);
         EXPECT_NEAR(actual, exact, 1e-12 * exact);
     };
-    for (const double M : {1e6, 1e9, 1e15}) {
+    for (const double M : {1e6, 1e9, 1e15, 1e300}) {
         for (const double part : {1e-5, 0.25, 0.875}) {
             const double k = std::floor(part * M);
             expect(InvHypergeo(1, 1, M).cumulative(k), (k + 1) / M);
@@ -137,6 +138,10 @@ void expect_table_equals_walk(const D& d) {
     std::vector<double> values = p;
     d.quantiles(values);
     for (std::size_t i = 0; i < p.size(); ++i) ASSERT_EQ(values[i], d.quantile(p[i])) << p[i];
+    for (double& q : p) q *= 1e-30;
+    values = p;
+    d.quantiles_upper(values);
+    for (std::size_t i = 0; i < p.size(); ++i) ASSERT_EQ(values[i], d.quantile_upper(p[i])) << p[i];
 }
 
 TEST(Discrete, TablesEqualTheWalk) {
@@ -147,6 +152,43 @@ TEST(Discrete, TablesEqualTheWalk) {
     expect_table_equals_walk(Delaporte(400, 2, 0.001));
     expect_table_equals_walk(Delaporte(20000, 2, 30000));
     expect_table_equals_walk(InvHypergeo(3, 5, 4000));
+    expect_table_equals_walk(BetaBinomial(1000, 0.25, 3));
+    expect_table_equals_walk(ZTPoisson(40));
+}
+
+/// A family that counts how often it is asked for a tail.
+template <class D>
+struct Counted : D {
+    using D::D;
+    mutable int tails = 0;
+    double cumulative(double k) const { return ++tails, D::cumulative(k); }
+    double survival(double k) const { return ++tails, D::survival(k); }
+};
+
+template <class D, class... Parameters>
+void expect_few_tails(Parameters... parameters) {
+    constexpr int kFew = 40;
+    for (const double p : {1e-300, 1e-20, 1e-3, 0.3, 0.7, 0.9999, 1 - 0x1p-53}) {
+        const Counted<D> d(parameters...);
+        const double k = InversionWalk<Counted<D>>(d, p)();
+        EXPECT_LE(d.tails, kFew) << typeid(D).name() << " at " << p << ": " << k;
+    }
+}
+
+/// Tails that are sums cost up to a millisecond: the search must not need many of them, wherever it begins.
+TEST(Discrete, InversionsTakeFewTails) {
+    expect_few_tails<BetaBinomial>(1e18, 2.5, 1e-9);
+    expect_few_tails<BetaBinomial>(1e16, 1e-100, 1e6);
+    expect_few_tails<BetaBinomial>(1e153, 1e-300, 1.0);
+    expect_few_tails<BetaBinomial>(1e300, 1.0, 1e153);
+    expect_few_tails<BetaBinomial>(1.7e308, 1.7e308, 0.9);
+    expect_few_tails<BetaNegBin>(3.0, 1e-20, 1e-9);
+    expect_few_tails<BetaNegBin>(1e15, 1.0, 1e15);
+    expect_few_tails<Delaporte>(300.0, 300.0, 3000.0);
+    expect_few_tails<Delaporte>(1e5, 1e5, 1e12);
+    expect_few_tails<Delaporte>(0.01, 1e16, 9e15);
+    expect_few_tails<HypergeoM>(9.0, 1e12, 9.0, 1e15);
+    expect_few_tails<HypergeoM>(1.0, 2.0, 9.0, 1e300);
 }
 
 }  // namespace

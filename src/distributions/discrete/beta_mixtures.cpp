@@ -76,7 +76,7 @@ std::optional<double> limiting_log_mass(double k, double m, double a, double b) 
     };
     if (constant(c, d, a, b)) {
         const auto [x, y] = Shares(c, d);
-        return numerics::log_beta_density(a, b, x, y) + std::log(x) - std::log(d);
+        return numerics::log_beta_density(a, b, x, y) - numerics::kLn2 - std::log(0.5 * c + 0.5 * d);
     }
     if (constant(b, d, a, c)) return log_mass_of_scarce(k, m, a, b);
     if (constant(a, c, b, d)) return log_mass_of_scarce(m, k, b, a);
@@ -86,7 +86,8 @@ std::optional<double> limiting_log_mass(double k, double m, double a, double b) 
     }
     if (std::min({a, b, c, d}) < kLarge) return std::nullopt;
     const NearlyNormal logarithm(a, b, c, d);
-    return -0.5 * logarithm.z * logarithm.z + std::log((1 / c + 1 / d) / logarithm.deviation * numerics::kInvSqrt2Pi);
+    return -0.5 * logarithm.z * logarithm.z +
+           std::log((1 / c + 1 / d) / logarithm.deviation * numerics::kInvSqrt2Pi);
 }
 
 }  // namespace

@@ -11,7 +11,7 @@ namespace pral {
 
 /// A shape of a beta variable as it is reckoned with: products of denormal ones would be nothing, sums of huge ones
 /// infinite.
-inline double beta_shape(double given) { return given > 0 ? std::clamp(given, 1e-305, 1e290) : given; }
+inline double beta_shape(double given) { return given > 0 ? std::clamp(given, 1e-300, 2e307) : given; }
 
 /// ln of the beta-binomial mass of k successes and m failures, C(k + m, k) B(k + a, m + b)/B(a, b), for real arguments.
 double log_beta_binomial(double k, double m, double a, double b);
@@ -21,6 +21,16 @@ double log_beta_binomial(double k, double m, double a, double b);
 /// ratio of the others, a beta variable again; with four the logarithm of both sides' ratio is normal but for its skewness.
 /// The tails of the mixtures below are such probabilities, since the k-th success among n comes at a beta variable.
 std::optional<Tails> compared_betas(double a, double b, double c, double d);
+
+/// 1 - F(k) as a sum to where the limiting() tails of a distribution take over; none if they do not below `most`.
+template <class D>
+std::optional<double> sum_to_limit(const D& d, double k, double most) {
+    for (double far = 0x1p58; far < most && far < 0x1p200; far *= 0x1p16) {
+        if (!(far > k)) continue;
+        if (const auto tails = d.limiting(far)) return sum_masses(d, k + 1, far) + tails->upper;
+    }
+    return std::nullopt;
+}
 
 /// n >= 0 trials, an integer, with a probability that is Beta(alpha, beta), both > 0. n = 0 is a point mass at 0.
 struct BetaBinomial : SummedTails<BetaBinomial> {
@@ -43,19 +53,27 @@ struct BetaBinomial : SummedTails<BetaBinomial> {
 
     double log_density(double k) const { return log_beta_binomial(k, n - k, alpha, beta); }
     double mass_ratio(double k) const { return (k + alpha) / (k + 1) * ((n - k) / (n - k - 1 + beta)); }
+    std::optional<Tails> limiting(double k) const { return compared_betas(alpha, beta, k + 1, n - k); }
     double up_to(double k) const {
-        const auto tails = compared_betas(alpha, beta, k + 1, n - k);
-        return tails ? tails->lower : SummedTails::up_to(k);
+        if (const auto tails = limiting(k)) return tails->lower;
+        return n < 0x1p53 || k <= middle() ? SummedTails::up_to(k) : mirrored().beyond(n - k - 1);
     }
-    /// Where integers are rounded only the failures can be counted next to n.
     double above(double k) const {
-        const auto tails = compared_betas(alpha, beta, k + 1, n - k);
-        if (tails) return tails->upper;
-        return n < 0x1p53 ? SummedTails::above(k)
-                          : sum_masses(BetaBinomial(n, beta, alpha), std::max(n - k - 1, 0.0), 0);
+        if (const auto tails = limiting(k)) return tails->upper;
+        return n < 0x1p53 || k < middle() ? beyond(k) : mirrored().up_to(n - k - 1);
     }
     double pivot() const { return std::floor(n * (alpha / (alpha + beta))); }
     double start(double u) const { return std::floor(n * numerics::beta_lower_inverse(alpha, beta, u).x); }
+
+  private:
+    /// Where integers are rounded successes are counted up to the middle and failures beyond it.
+    double middle() const { return std::floor(0.5 * n); }
+    BetaBinomial mirrored() const { return {n, beta, alpha}; }
+    double beyond(double k) const {
+        if (n < 0x1p53) return SummedTails::above(k);
+        if (const auto sum = sum_to_limit(*this, k, middle())) return *sum;
+        return sum_masses(*this, k + 1, middle()) + mirrored().up_to(n - middle() - 1);
+    }
 };
 
 /// Failures before the s-th success, s > 0 an integer, with a success probability that is Beta(a, b), a, b > 0. The s-th
@@ -84,17 +102,22 @@ struct BetaNegBin : SummedTails<BetaNegBin> {
     double tail_exponent() const { return a; }
     double tail_scale() const { return (s + 1) * (b + 1) + (a + s + b) * (a + s + b); }
     /// The upper sum of an s that is not whole is the last resort.
-    double pivot() const { return whole() ? std::floor(s * b / (a + 1)) : numerics::kInfinity; }
-    bool whole() const { return s == std::floor(s) && s < 0x1p53; }
+    double pivot() const {
+        return whole() || s > 0x1p53 ? std::floor(s * (b / (a + 1))) : numerics::kInfinity;
+    }
+    bool whole() const { return s == std::floor(s) && s <= 0x1p53; }
 
     double up_to(double k) const {
-        const auto tails = compared_betas(s, k + 1, a, b);
+        const auto tails = limiting(k);
         return tails ? tails->lower : SummedTails::up_to(k);
     }
     double above(double k) const {
-        if (const auto tails = compared_betas(s, k + 1, a, b)) return tails->upper;
-        return whole() ? BetaBinomial(k + s, a, b).up_to(s - 1) : SummedTails::above(k);
+        if (const auto tails = limiting(k)) return tails->upper;
+        if (whole() && (k + s) - s == k) return BetaBinomial(k + s, a, b).up_to(s - 1);
+        const auto sum = sum_to_limit(*this, k, numerics::kInfinity);
+        return sum ? *sum : SummedTails::above(k);
     }
+    std::optional<Tails> limiting(double k) const { return compared_betas(s, k + 1, a, b); }
     double start(double u) const {
         const auto [x, y] = numerics::beta_upper_inverse(a, b, u);
         return x > 0 ? std::floor(s * (y / x)) : numerics::kInfinity;

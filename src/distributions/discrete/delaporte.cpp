@@ -18,13 +18,13 @@ class Convolution {
     Convolution(const Polya& polya, const Poisson& poisson, double k, Other log_other)
         : a_(polya), b_(poisson), k_(k), log_other_(log_other), edge_(std::min(k + 1, kSingular)) {}
 
-    double sum() { return std::exp(log_sum()); }
+    double sum() { return std::min(std::exp(log_sum()), 1.0); }
     double log_sum() {
         const bool is_long = edge_ <= k_;
         const Place peak = is_long ? largest_term() : Place{0, k_};
         log_unit_ =
             std::max({log_term(0, k_), log_term(edge_ - 1, k_ - (edge_ - 1)), log_term(peak.i, peak.j)});
-        if (!(log_unit_ > -HUGE_VAL)) return log_unit_;
+        if (!(log_unit_ > kLogWithoutDigits)) return log_unit_;  // what the others add would not show
         if (is_long) peak.j < kFewCounts ? one_by_one(std::floor(peak.j)) : by_panels(peak);
         double i = edge_ - 1;
         while (i >= 0 && counts(term(i, k_ - i))) --i;
@@ -109,6 +109,7 @@ class Convolution {
 
     /// Next to 0 and for few Poisson counts the terms are not smooth enough for an integral.
     static constexpr double kSingular = 256, kFewCounts = 400;
+    static constexpr double kLogWithoutDigits = -1e13;
     static constexpr int kMostTerms = 2048, kMostPanels = 400, kMostHalvings = 100;
 
     const Polya& a_;
@@ -124,9 +125,13 @@ class Convolution {
 Delaporte::Delaporte(double alpha_, double beta_, double lambda_)
     : alpha(alpha_), beta(beta_), lambda(lambda_), polya_(alpha_, beta_), poisson_(lambda_) {
     const double mean = pivot(), variance = mean + alpha * beta * beta;
-    limit_.scale = 0.5 * ((lambda + alpha * beta * (1 + beta) * (1 + 2 * beta)) / variance);
-    limit_.shape = variance / limit_.scale / limit_.scale;
-    limit_.origin = mean - variance / limit_.scale;
+    if (mean > kRoundedMean) {
+        limit_ = {alpha, beta, lambda};
+    } else {
+        limit_.scale = 0.5 * ((lambda + alpha * beta * (1 + beta) * (1 + 2 * beta)) / variance);
+        limit_.shape = variance / limit_.scale / limit_.scale;
+        limit_.origin = mean - variance / limit_.scale;
+    }
     if (!(mean + 9.5 * std::sqrt(variance) + 40 * beta <= kFewSteps)) return;
     const numerics::DoubleDouble log_mass =
         numerics::multiply({-0.5 * alpha, 0}, numerics::extended_log(numerics::two_sum(1, beta)));
@@ -150,7 +155,8 @@ Delaporte::Masses Delaporte::from_zero(double k) const {
 double Delaporte::up_to(double k) const {
     if (is_continuous()) return numerics::gamma_lower(limit_.shape, limit_.standardised(k));
     if (no_polya()) return poisson_.cumulative(k);
-    if (lambda == 0) return polya_.cumulative(k);
+    if (no_poisson()) return polya_.cumulative(k);
+    if (is_beyond_poisson(k)) return polya_.cumulative(k - lambda);
     if (!is_near(k))
         return Convolution(polya_, poisson_, k, [&](double i) { return polya_.log_cumulative(i); }).sum();
     Masses at = {0, unit_, 0};
@@ -162,10 +168,11 @@ double Delaporte::up_to(double k) const {
 double Delaporte::above(double k) const {
     if (is_continuous()) return numerics::gamma_upper(limit_.shape, limit_.standardised(k));
     if (no_polya()) return poisson_.survival(k);
-    if (lambda == 0) return polya_.survival(k);
+    if (no_poisson()) return polya_.survival(k);
+    if (is_beyond_poisson(k)) return polya_.survival(k - lambda);
     if (!is_near(k)) {
         const auto log_survival = [&](double i) { return polya_.log_survival(i); };
-        return poisson_.survival(k) + Convolution(polya_, poisson_, k, log_survival).sum();
+        return std::min(poisson_.survival(k) + Convolution(polya_, poisson_, k, log_survival).sum(), 1.0);
     }
     Masses at = from_zero(k + 1);
     double sum = at.f;
@@ -180,10 +187,12 @@ double Delaporte::above(double k) const {
 }
 
 double Delaporte::log_density(double k) const {
+    if (is_continuous() && k < limit_.origin) return -HUGE_VAL;
     if (is_continuous())
         return numerics::log_gamma_density(limit_.shape, limit_.standardised(k)) - std::log(limit_.scale);
     if (no_polya()) return poisson_.log_density(k);
-    if (lambda == 0) return polya_.log_density(k);
+    if (no_poisson()) return polya_.log_density(k);
+    if (is_beyond_poisson(k)) return polya_.log_density(k - lambda);
     if (is_near(k)) {
         constexpr double kDenormalNear = 1e-280;
         const double mass = from_zero(k).f;
@@ -226,7 +235,7 @@ double Delaporte::start(double p) const {
     if (none > 0.5 && p < none) return std::floor(numerics::gamma_lower_inverse(lambda, p / none));
     const double mean = pivot(), dispersion = 1 + beta * (alpha * beta / mean);
     const double gamma = std::floor(dispersion * numerics::gamma_lower_inverse(mean / dispersion, p));
-    if (lambda == 0 || gamma >= poisson_.start(p)) return gamma;
+    if (no_poisson() || gamma >= poisson_.start(p)) return gamma;
     return poisson_.start(std::sqrt(p)) + polya_.start(std::sqrt(p));
 }
 

@@ -13,8 +13,10 @@ namespace pral {
 ///
 /// The masses follow from f(0) = e^-lambda (1 + beta)^-alpha by sums of positive terms (De Pril 1986): with q = beta/(1 + beta),
 ///   h(k) = q (h(k - 1) + f(k - 1)), k f(k) = lambda f(k - 1) + alpha h(k).
-/// Where that takes thousands of steps a value is the convolution of the two parts, as a sum or an integral. With a mean
-/// above 1e15, where integers soon have no neighbours, it is the shifted gamma distribution with the same first three moments.
+/// Where that takes thousands of steps a value is the convolution of the two parts, as a sum or an integral. Integers beyond
+/// 2^53 cannot be told from their neighbours, and where the Poisson part is below them it is as good as constant. With a lambda
+/// next to them and a Polya part of large alpha the sum is the shifted gamma distribution with the same first three moments;
+/// with a mean above 1e30, whose roots doubles cannot tell, it is the rate itself, lambda and a gamma variable.
 struct Delaporte : SummedTails<Delaporte> {
     /// Masses and their ratios are no cheaper than tails: the walk leaves its steps to Newton's.
     static constexpr int kWalk = 2;
@@ -49,16 +51,26 @@ struct Delaporte : SummedTails<Delaporte> {
 
     struct ShiftedGamma {
         double shape, scale, origin;
-        double standardised(double k) const { return (k - origin) / scale; }
+        double standardised(double k) const {
+            return k < origin ? 0 : std::max(k - origin, 1e-17 * k) / scale;
+        }
     };
 
-    bool is_continuous() const { return !(pivot() <= 1e15); }
+    /// Whether the distribution is as good as limit_.
+    bool is_continuous() const {
+        return lambda > kLargeRate && !no_polya() && (alpha > 1e6 || pivot() > kRoundedMean);
+    }
     bool no_polya() const { return alpha < 1e-300 || beta == 0; }  // so small an alpha does not count
+    bool no_poisson() const { return lambda < 1e-300; }
+    /// Whether k is so far above the Poisson part that only lambda of it counts.
+    bool is_beyond_poisson(double k) const {
+        return k > 0x1p53 && (lambda <= kLargeRate || k - lambda > 1e9 * (alpha + 1) * std::sqrt(lambda));
+    }
     /// Whether the recurrence from 0 reaches k in few steps.
     bool is_near(double k) const { return few_ && k <= kFewSteps; }
     Masses from_zero(double k) const;
 
-    static constexpr double kFewSteps = 4096;
+    static constexpr double kFewSteps = 4096, kLargeRate = 1e15, kRoundedMean = 1e30;
 
     Polya polya_;
     Poisson poisson_;

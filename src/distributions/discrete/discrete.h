@@ -79,19 +79,24 @@ class InversionWalk {
             const bool mirrored = tail > kSmaller;
             const double newton_tail = !mirrored ? tail : tail < kNearOne ? 1 - tail : other_tail_at(k);
             const double log_ratio = std::log((mirrored ? 1 - target : target) / newton_tail);
-            const double distance =
-                (lower_ != mirrored ? log_ratio : -log_ratio) * std::exp(std::log(newton_tail) - d_.log_density(k));
-            const bool countable = std::fabs(k) < 0x1p53;
-            if ((std::fabs(distance) <= kWalk && countable) || std::isnan(tail)) return false;
-            const bool no_better = std::fabs(log_ratio) > 0.5 * before;
-            if (std::fabs(log_ratio) < (no_better ? kNoise : kRounding)) return true;
-            before = std::fabs(log_ratio);
             const bool is_short = falls_short(tail);
+            const double next_mass = d_.log_density(is_short ? std::min(k + 1, top_) : k);
+            const double distance =
+                (lower_ != mirrored ? log_ratio : -log_ratio) * std::exp(std::log(newton_tail) - next_mass);
+            const bool walkable = std::fabs(distance) <= (std::fabs(log_ratio) < kStraight ? kWalk : 1);
+            const bool countable = std::fabs(k) < 0x1p53;
+            if ((walkable && countable) || std::isnan(tail)) return false;
+            const bool no_better = !(std::fabs(log_ratio) < 0.9 * before);
+            if (std::fabs(log_ratio) < (!no_better               ? kRounding
+                                        : std::fabs(k) < kFarOut ? kNoise
+                                                                 : kNoiseFarOut))
+                return true;
+            before = std::fabs(log_ratio);
             if (newton_tail == 0 && !is_short && short_at(neighbour_below(k))) return true;
             (is_short ? low : high) = k;
             (is_short ? seen_low : seen_high) = true;
             if (high - low <= kWalk) return false;
-            stretch = no_better ? kStretch * stretch : 1;
+            stretch = no_better ? kStretch * stretch * stretch : 1;
             double next = moved(k, stretch * distance);
             if (next == k) {  // beyond 2^53 integers have no neighbours
                 if (is_short) k = std::nextafter(k, top_);
@@ -101,7 +106,12 @@ class InversionWalk {
                 k = top_;
                 return true;
             }
-            if ((no_better && seen_low && seen_high) || !(next > low && next < high)) next = middle(low, high);
+            const bool bracketed = seen_low && seen_high;
+            if (newton_tail == 0 && !bracketed) {  // a tail without digits has no slope
+                const double length = stretch * std::max<double>(kWalk, std::fabs(k) * 0x1p-50);
+                next = is_short ? k + length : k - length;
+            }
+            if ((no_better && bracketed) || !(next > low && next < high)) next = middle(low, high);
             if (next <= low || next >= high) {
                 k = high;
                 return true;
@@ -214,12 +224,16 @@ class InversionWalk {
     static constexpr int kWalk = D::kWalk;
     /// Newton's steps or halvings of the exponent: 2^1024 down to a factor of 4 in 10, then 50 bits of it at worst.
     static constexpr int kApproach = 70;
-    /// Steps that are no better than the one before are made longer by this factor, until the result is bracketed.
+    /// Steps that are no better than the one before are made longer by a factor that begins with this one, until the
+    /// result is bracketed.
     static constexpr double kStretch = 16;
+    /// Over a smaller part of its logarithm a tail is nearly as straight as Newton's step takes it to be.
+    static constexpr double kStraight = 2;
     /// Steps after which the ends are tried, where most of the mass may be.
     static constexpr int kEndsFrom = 1;
-    /// Tails are not known better than to this relative error; steps that end within the other one go to and fro.
-    static constexpr double kRounding = 4e-15, kNoise = 1e-12;
+    /// Tails are not known better than to this relative error; steps that end within the next one go to and fro,
+    /// far out those within the last.
+    static constexpr double kRounding = 4e-15, kNoise = 1e-12, kNoiseFarOut = 1e-9, kFarOut = 0x1p46;
     /// A larger tail is so flat that the other one guides Newton's steps.
     static constexpr double kSmaller = 0.7;
     /// Up to it the other tail is the complement, with digits enough for a guide.
@@ -235,24 +249,26 @@ class InversionWalk {
     bool lower_;
 };
 
-/// Many percentiles of one distribution: the tails of all integers between the extremes are summed once, and a guide table
-/// (Chen and Asau 1974) leads from a percentile to its integer in about one comparison. The sums agree with the family's
-/// own tails to rounding; where that could decide, the walk does, so that the integers are the same as one by one.
+/// Many percentiles of one distribution, all given as lower tails or all as upper ones: the tails of all integers between the
+/// extremes are summed once, and a guide table (Chen and Asau 1974) leads from a percentile to its integer in about one
+/// comparison. The sums agree with the family's own tails to rounding; where that could decide, the walk does, so that the
+/// integers are the same as one by one.
 template <class D>
 class InversionTable {
   public:
     /// Integers beyond which a table is not worth its memory, and for each percentile its time.
     static constexpr double kMostIntegers = 1 << 17, kMostForEach = 64;
 
-    /// For `count` percentiles in [least, most], which the walk serves where they lie beyond the table's end; valid() tells
-    /// whether a table is worth while.
-    InversionTable(const D& d, double least, double most, std::size_t count) : d_(d) {
-        first_ = InversionWalk<D>(d, least)();
-        double last = InversionWalk<D>(d, most)();
+    /// For `count` percentiles from `begin` to `end`, tails that ascend in the integers, which the walk serves where they lie
+    /// beyond the table's end; valid() tells whether a table is worth while.
+    InversionTable(const D& d, Side side, double begin, double end, std::size_t count)
+        : d_(d), side_(side), begin_(begin), first_(walk(begin)) {
+        double last = walk(end);
         const double room = std::min(kMostIntegers, kMostForEach * static_cast<double>(count));
         if (!(last - first_ < room)) {
             last = first_ + (room - 1);
-            if (!(last - first_ < room && d.cumulative(last) - least > 0.5 * (most - least))) return;
+            const double reached = side == Side::lower ? d.cumulative(last) : d.survival(last);
+            if (!(last - first_ < room && (reached - begin) / (end - begin) > 0.5)) return;
         }
         tails_.resize(static_cast<std::size_t>(last - first_) + 1);
         std::vector<double> mass(tails_.size());
@@ -266,31 +282,39 @@ class InversionTable {
         tails_.back().upper = d.survival(last);
         for (std::size_t i = tails_.size() - 1; i > 0; --i) tails_[i - 1].upper = tails_[i].upper + mass[i];
         guide_.resize(std::bit_ceil(tails_.size()));
+        per_unit_ = (static_cast<double>(guide_.size()) - 0.5) / (end - begin);
         std::size_t i = 0;
         for (std::size_t g = 0; g < guide_.size(); ++g) {
-            const double p = static_cast<double>(g) / static_cast<double>(guide_.size());
-            while (i + 1 < tails_.size() && tails_[i].lower < p) ++i;
+            const double t = begin + static_cast<double>(g) / per_unit_;
+            const auto short_of = [&](std::size_t j) {
+                return side == Side::lower ? tails_[j].lower < t : tails_[j].upper > t;
+            };
+            while (i + 1 < tails_.size() && short_of(i)) ++i;
             guide_[g] = static_cast<std::uint32_t>(i > 0 ? i - 1 : 0);  // one back: the guide rounds, too
         }
     }
 
     bool valid() const { return !guide_.empty(); }
 
-    double operator()(double p) const {
-        const bool below = p <= 0.5;
-        const double target = below ? p : 1 - p;
-        const auto tail = [&](std::size_t i) { return below ? tails_[i].lower : tails_[i].upper; };
-        const auto short_of = [&](std::size_t i) { return below ? tail(i) < target : tail(i) > target; };
-        std::size_t i = guide_[static_cast<std::size_t>(p * static_cast<double>(guide_.size()))];
+    double operator()(double t) const {
+        const bool lower = side_ == Side::lower && t <= 0.5;
+        const double target = lower || side_ == Side::upper ? t : 1 - t;
+        const auto tail = [&](std::size_t i) { return lower ? tails_[i].lower : tails_[i].upper; };
+        const auto short_of = [&](std::size_t i) { return lower ? tail(i) < target : tail(i) > target; };
+        std::size_t i = guide_[static_cast<std::size_t>((t - begin_) * per_unit_)];
         while (i + 1 < tails_.size() && short_of(i)) ++i;
-        if (short_of(i)) return InversionWalk<D>(d_, p)();
+        if (short_of(i)) return walk(t);
         const double margin = 1e-11 * target;
         const bool doubt =
             std::fabs(tail(i) - target) < margin || (i > 0 && std::fabs(tail(i - 1) - target) < margin);
-        return doubt ? InversionWalk<D>(d_, p)() : first_ + static_cast<double>(i);
+        return doubt ? walk(t) : first_ + static_cast<double>(i);
     }
 
   private:
+    double walk(double t) const {
+        return side_ == Side::lower ? InversionWalk<D>(d_, t)() : InversionWalk<D>(d_, 1 - t, t, false)();
+    }
+
     void recur(std::span<double> mass) const {
         for (std::size_t i = 0; i < mass.size(); ++i) {
             const bool anchor = i % kAnchor == 0;
@@ -303,7 +327,8 @@ class InversionTable {
     static constexpr std::size_t kAnchor = 32;
 
     const D& d_;
-    double first_;
+    Side side_;
+    double begin_, first_, per_unit_ = 0;
     std::vector<Tails> tails_;
     std::vector<std::uint32_t> guide_;
 };
@@ -332,19 +357,9 @@ struct OnIntegers {
         return InversionWalk<D>(self(), p, q, false)();
     }
 
-    void quantiles(std::span<double> p) const {
-        constexpr std::size_t kWorthATable = 300;
-        if (p.size() >= kWorthATable && !approximated()) {
-            const auto [least, most] = std::ranges::minmax(p);
-            if (const InversionTable<D> table(self(), least, std::min(most, D::kLastPercentile), p.size());
-                table.valid()) {
-                for (double& value : p)
-                    value = value > D::kLastPercentile ? self().support().upper : table(value);
-                return;
-            }
-        }
-        for (double& value : p) value = quantile(value);
-    }
+    void quantiles(std::span<double> p) const { invert(Side::lower, p); }
+    /// quantile_upper() of each element, in place.
+    void quantiles_upper(std::span<double> q) const { invert(Side::upper, q); }
 
     /// Whether quantiles are those of an approximation for large parameters, approximate_quantile(p), and not the walk's.
     bool approximated() const {
@@ -355,6 +370,22 @@ struct OnIntegers {
     }
 
   private:
+    void invert(Side side, std::span<double> tails) const {
+        constexpr std::size_t kWorthATable = 300;
+        const bool lower = side == Side::lower;
+        const auto beyond_last = [&](double t) { return (lower ? t : 1 - t) > D::kLastPercentile; };
+        const auto one = [&](double t) { return lower ? quantile(t) : quantile_upper(t); };
+        if (tails.size() >= kWorthATable && !approximated()) {
+            const auto [least, most] = std::ranges::minmax(tails);
+            const double begin = lower ? least : most, end = lower ? std::min(most, D::kLastPercentile)
+                                                                   : std::max(least, 1 - D::kLastPercentile);
+            if (const InversionTable<D> table(self(), side, begin, end, tails.size()); table.valid()) {
+                for (double& t : tails) t = beyond_last(t) ? self().support().upper : table(t);
+                return;
+            }
+        }
+        for (double& t : tails) t = one(t);
+    }
     const D& self() const { return static_cast<const D&>(*this); }
 };
 

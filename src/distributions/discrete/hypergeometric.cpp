@@ -9,8 +9,13 @@ namespace pral {
 
 namespace {
 
-/// Integers up to it are exact; out of more items draws are taken as independent.
+/// Integers up to it are exact.
 constexpr double kExact = 0x1p53;
+
+/// Whether `less` draws, or marked items, are so few among all of them that they are as good as independent.
+bool drawn_independently(double less, double more, double M) {
+    return M > kExact && less * less < 1e-16 * more;
+}
 
 /// ln of C(n, k) p^k (1 - p)^(n - k), real 0 <= k <= n, as the density of a beta distribution.
 double log_binomial(double n, double k, double p, double q) {
@@ -52,7 +57,8 @@ Hypergeometric::Hypergeometric(double n, double D, double M) {
 }
 
 double log_hypergeometric(double n, double D, double M, double k) {
-    if (M > kExact) return log_binomial(std::min(n, D), k, std::max(n, D) / M, 1 - std::max(n, D) / M);
+    const double less = std::min(n, D), more = std::max(n, D);
+    if (drawn_independently(less, more, M)) return log_binomial(less, k, more / M, (M - more) / M);
     // Any p gives the masses; this one, between 0 and 1, makes all three binomial ones large.
     const double p = (n + 0.5) / (M + 1), q = (M - n + 0.5) / (M + 1);
     return log_binomial(D, k, p, q) + log_binomial(M - D, n - k, p, q) - log_binomial(M, n, p, q);
@@ -71,14 +77,14 @@ double Hypergeometric::Urn::count_up_to(double k) const {
 double Hypergeometric::Urn::cumulative(double k) const {
     if (k < 0 || k >= n) return k >= n;
     if (count_of_none > 0) return count_up_to(k) / count_of_all;
-    if (M > kExact) return numerics::beta_upper(k + 1, n - k, D / M, 1 - D / M);
+    if (drawn_independently(n, D, M)) return numerics::beta_upper(k + 1, n - k, D / M, 1 - D / M);
     return balanced(k) ? 0.5 : SummedTails::cumulative(k);
 }
 
 double Hypergeometric::Urn::survival(double k) const {
     if (k < 0 || k >= n) return k < 0;
     if (count_of_none > 0) return (count_of_all - count_up_to(k)) / count_of_all;
-    if (M > kExact) return numerics::beta_lower(k + 1, n - k, D / M, 1 - D / M);
+    if (drawn_independently(n, D, M)) return numerics::beta_lower(k + 1, n - k, D / M, 1 - D / M);
     return balanced(k) ? 0.5 : SummedTails::survival(k);
 }
 

@@ -6,8 +6,8 @@
 
 namespace pral {
 
-/// ln of C(D, k) C(M - D, n - k)/C(M, n); real numbers, all upper ones at least as large as the lower ones, n and k >= 0. Out
-/// of more than 2^53 items, whose numbers are rounded anyway, the draws are taken as independent.
+/// ln of C(D, k) C(M - D, n - k)/C(M, n); real numbers, all upper ones at least as large as the lower ones, n and k >= 0. A
+/// few draws out of more than 2^53 items are taken as independent.
 double log_hypergeometric(double n, double D, double M, double k);
 
 /// Integers that count items: 0, 1, ..., all finite ones.
@@ -40,7 +40,9 @@ class Hypergeometric {
         double pivot() const { return (n + 1) * ((D + 1) / (M + 2)); }
         double cumulative(double k) const;
         double survival(double k) const;
-        double log_density(double k) const { return log_hypergeometric(n, D, M, k); }
+        double log_density(double k) const {
+            return k >= 0 && k <= n ? log_hypergeometric(n, D, M, k) : -HUGE_VAL;
+        }
         double mass_ratio(double k) const { return (D - k) / (k + 1) * ((n - k) / (M - D - n + k + 1)); }
         /// The number of samples with at most k marked items.
         double count_up_to(double k) const;
@@ -195,6 +197,9 @@ struct HypergeoM : SummedTails<HypergeoM> {
     double mass_ratio(double M) const {
         return (M + 1 - D) / (M + 1 - D - (n - s)) * ((M + 1 - n) / (M + 1));
     }
+    /// f(M) falls as M^-s.
+    double tail_exponent() const { return s - 1; }
+    double tail_scale() const { return (n + 1) * (D + 1); }
     double start(double p) const;
 
   private:

@@ -27,8 +27,8 @@ double sum_less_integral(F f) {
 /// over 10^15 integers takes some hundred values of f.
 ///
 /// Needs of the family: support(), log_density(k) at real k, smooth between the ends of the support, and mass_ratio(k). A
-/// family whose masses fall as k^(-a - 1), too slowly for panels, has tail_exponent() = a and tail_scale(), beyond which
-/// powers of k alone count.
+/// family whose masses fall as k^(-a - 1), too slowly for panels, has tail_exponent() = a >= 0 and tail_scale(), beyond
+/// which powers of k alone count.
 template <class D>
 class MassSum {
   public:
@@ -37,12 +37,13 @@ class MassSum {
           to_(to),
           step_(from <= to ? 1 : -1),
           k_(from),
-          singular_(singularity_behind()),
-          offset_(std::clamp(d.log_density(from), -650.0, 0.0)) {}
+          singular_(end(-step_)),
+          ahead_(end(step_)),
+          offset_(std::clamp(d.log_density(from), lowest_offset(from, to), 0.0)) {}
 
     double operator()() {
         add_all();
-        return sum_ * std::exp(offset_);
+        return offset_ < -650 ? std::exp(std::log(sum_) + offset_) : sum_ * std::exp(offset_);
     }
 
   private:
@@ -56,7 +57,10 @@ class MassSum {
         double length = 0.5;
         for (int panel = 0; panel < kMaxPanels; ++panel) {
             if (left() <= kShort) {
-                if (!countable()) return;
+                if (!countable()) {
+                    sum_ += left() * mass(k_);
+                    return;
+                }
                 sum_ -= difference_terms();
                 recur(kShort);
                 return;
@@ -68,11 +72,15 @@ class MassSum {
     /// Whether doubles still tell an integer from the next; if not, the sum is an integral to rounding.
     bool countable() const { return std::fabs(k_) < 0x1p53; }
     double left() const { return std::fabs(to_ - k_) + 1; }
-    double singularity_behind() const {
+    double end(double direction) const {
         const auto [lower, upper] = d_.support();
-        return step_ > 0 ? lower : upper;
+        return direction > 0 ? upper : lower;
     }
-    /// Masses of a far tail would be denormal; they are all told in units of e^offset.
+    /// Masses of a far tail would be denormal; they are all told in units of e^offset. A tail that falls as a power of k can
+    /// count where its masses are below any double; where the sum leads back to larger ones they must not overflow.
+    static double lowest_offset(double from, double to) {
+        return to > from ? -650 - std::log(std::fabs(from) + 1) : -650;
+    }
     double mass(double k) const { return std::exp(d_.log_density(k) - offset_); }
 
     /// Adds at most `terms` terms; whether there are more that count.
@@ -93,10 +101,13 @@ class MassSum {
         return sum_less_integral([&](int n) { return mass(k_ + step_ * n); });
     }
 
-    /// Adds the integral over the next panel, in the logarithm of the distance from the nearer end of the summed range,
-    /// where f is singular; whether more panels count. `length` in that logarithm follows from the panel before.
+    /// Adds the integral over the next panel, in the logarithm of the distance from the nearer end of the support, where f
+    /// is singular; whether more panels count. `length` in that logarithm follows from the panel before.
     bool integrate(double& length) {
-        const double edge = k_ - 0.5 * step_, behind = std::fabs(edge - singular_), ahead = left();
+        // No nearer to an end than doubles can tell.
+        const double nearest = std::max(16.0, std::fabs(k_) * 0x1p-46), edge = k_ - 0.5 * step_;
+        const double behind = std::max(std::fabs(edge - singular_), nearest),
+                     ahead = std::max(std::fabs(ahead_ - k_) + 1, nearest);
         const bool leaving = behind <= ahead;
         const double distance = leaving ? behind : ahead, growth = leaving ? 1 : -1;
         const double log_distance = std::log(distance),
@@ -106,14 +117,14 @@ class MassSum {
         const auto moved = [&](double t) { return growth * distance * numerics::expm1_fn(growth * t); };
         const auto log_at = [&](double t) {
             const double k =
-                leaving ? edge + step_ * moved(t) : to_ + step_ * (0.5 - distance * std::exp(-t));
+                leaving ? edge + step_ * moved(t) : ahead_ + step_ * (0.5 - distance * std::exp(-t));
             return d_.log_density(k) - offset_ + growth * t;
         };
         const double at_edge = log_at(0);
         double steps = 0, middle = 0, end = 0;
         bool calm = false;
         for (int halving = 0; halving < kMaxHalvings; ++halving) {
-            steps = std::floor(moved(length));
+            steps = std::min(std::floor(moved(length)), left());
             length = leaving || steps < 0.5 * distance
                          ? growth * numerics::log1p_fn(growth * steps / distance)
                          : std::log(distance / (distance - steps));
@@ -128,14 +139,22 @@ class MassSum {
         }
         if (k_ + step_ * steps == k_) return false;  // beyond 2^53: integers that doubles cannot tell apart
         sum_ += distance * numerics::integrate(length, 1, [&](double t) { return std::exp(log_at(t)); });
+        const bool ended = steps == left();
         k_ += step_ * steps;
+        if (ended) {
+            if (countable()) sum_ -= difference_terms();
+            return false;
+        }
         const double mass_left = std::exp(end - growth * length) * (steps - moved(0.5 * length)),
                      decline = middle - end + 0.5 * growth * length;
         if (decline > 0 && mass_left <= kNegligible * sum_ * decline) return false;
         if constexpr (requires { d_.tail_scale(); }) {
             const double next_edge = k_ - 0.5 * step_;
             if (step_ > 0 && next_edge > 0x1p54 * d_.tail_scale()) {
-                sum_ += std::exp(end - length) * (next_edge / d_.tail_exponent());
+                const double a = d_.tail_exponent(), log_rest = std::log(left() / next_edge + 1);
+                const double finite = a > 0 ? -numerics::expm1_fn(-a * log_rest) / a : log_rest;
+                const double powers = a > 0 && to_ == numerics::kInfinity ? 1 / a : finite;
+                sum_ += std::exp(end - length) * (next_edge * powers);
                 return false;
             }
         }
@@ -160,7 +179,7 @@ class MassSum {
     static constexpr double kNegligible = 1e-17, kDenormalNear = 1e-280;
 
     const D& d_;
-    double to_, step_, k_, singular_, offset_, sum_ = 0;
+    double to_, step_, k_, singular_, ahead_, offset_, sum_ = 0;
 };
 
 template <class D>

@@ -105,7 +105,9 @@ struct Geometric : NegBin {
 /// and p = 1/(1 + beta).
 struct Polya : NegativeBinomial<Polya> {
     Polya(double alpha, double beta)
-        : NegativeBinomial(alpha, 1 / (1 + beta), beta < 1e300 ? beta / (1 + beta) : 1), beta_(beta) {}
+        : NegativeBinomial(alpha > 0 ? std::max(alpha, 1e-300) : alpha, 1 / (1 + beta),
+                           beta < 1e300 ? beta / (1 + beta) : 1),
+          beta_(beta) {}
     Message check() const {
         if (!(s > 0)) return "Error: alpha must be > 0";
         if (!(beta_ > 0)) return "Error: beta must be > 0";

@@ -66,6 +66,9 @@ struct BurntFingerPoisson : OnIntegers<BurntFingerPoisson> {
     void quantiles(std::span<double> p) const {
         equal() ? poisson_after().quantiles(p) : OnIntegers::quantiles(p);
     }
+    void quantiles_upper(std::span<double> q) const {
+        equal() ? poisson_after().quantiles_upper(q) : OnIntegers::quantiles_upper(q);
+    }
     bool rounds_after_shift() const { return equal() && poisson_after().rounds_after_shift(); }
     double quantile_unrounded(double p) const { return poisson_after().quantile_unrounded(p); }
     bool approximates() const { return equal() && poisson_after().approximates(); }

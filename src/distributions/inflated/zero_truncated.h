@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cfloat>
 #include <cmath>
 #include <optional>
 #include <span>
@@ -41,6 +42,8 @@ struct ZeroTruncated {
     }
     std::optional<double> point_mass() const {
         const auto point = base.point_mass();
+        if (not_zero_ < DBL_MIN)
+            return 1;  // all but 0 is out of range; the least of it has nearly everything
         return point ? std::optional(std::max(*point, 1.0)) : std::nullopt;
     }
 
@@ -53,9 +56,10 @@ struct ZeroTruncated {
             for (double k = 1; k < x; k += 1) sum += mass *= base.mass_ratio(k);
             return std::min(sum / not_zero_, 1.0);
         }
-        return not_zero_ < 0.5 ? 1 - survival(x) : (base.cumulative(x) - zero_) / not_zero_;
+        return std::clamp(not_zero_ < 0.5 ? 1 - survival(x) : (base.cumulative(x) - zero_) / not_zero_, 0.0,
+                          1.0);
     }
-    double survival(double x) const { return base.survival(x) / not_zero_; }
+    double survival(double x) const { return std::min(base.survival(x) / not_zero_, 1.0); }
     double log_density(double x) const { return base.log_density(x) - log_not_zero_; }
     double log_likelihood(const Sample& x) const {
         constexpr double kLikely = 1e-3;  // otherwise the two logarithms cancel
@@ -74,6 +78,11 @@ struct ZeroTruncated {
         for (double& value : u) value = std::min(zero_ + not_zero_ * value, 1 - 0x1p-53);
         base.quantiles(u);
         for (double& value : u) value = std::max(value, 1.0);
+    }
+    void quantiles_upper(std::span<double> q) const {
+        for (double& value : q) value *= not_zero_;
+        base.quantiles_upper(q);
+        for (double& value : q) value = std::max(value, 1.0);
     }
 
   private:

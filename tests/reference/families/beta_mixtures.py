@@ -8,7 +8,31 @@ def log_beta(a, b):
     return m.loggamma(a) + m.loggamma(b) - m.loggamma(a + b)
 
 
+class PowerOfTheMaximum(Discrete):
+    """beta = 1, however many trials: F(k) is the a-th moment of the (k + 1)-th smallest of n uniform variables."""
+
+    def __init__(self, n, a):
+        self.n, self.a = n, a
+        super().__init__((0, n), lambda k: self.below(k) * a / (k + a), None, n * a / (a + 1))
+
+    @m.workdps(400)
+    def below(self, k):
+        if not 0 <= k < self.n:
+            return m.mpf(k >= 0)
+        return m.exp(m.loggamma(k + 1 + self.a) - m.loggamma(k + 1) + m.loggamma(self.n + 1)
+                     - m.loggamma(self.n + 1 + self.a))
+
+    def lower(self, k):
+        return self.below(k)
+
+    @m.workdps(400)
+    def upper(self, k):
+        return 1 - self.below(k)
+
+
 def beta_binomial(n, a, b):
+    if b == 1 and n > 10**6:
+        return PowerOfTheMaximum(n, a)
     mass = lambda k: m.exp(m.loggamma(n + 1) - m.loggamma(k + 1) - m.loggamma(n - k + 1)
                            + log_beta(k + a, n - k + b) - log_beta(a, b))
     mode = (n - 1) * (a - 1) / (a + b - 2) if a > 1 and b > 1 else n * a / (a + b)
@@ -38,6 +62,7 @@ class SlowTail(Discrete):
             total += dual.mass(m.mpf(j))
         return total
 
+    @m.workdps(400)
     def lower(self, k):
         return 1 - self.upper(k) if k > 3000 else self.tail(k, -1)
 
@@ -47,9 +72,10 @@ class SlowTail(Discrete):
 
 FAMILIES = {
     "BetaBinomial": (beta_binomial, [(10, 2, 3), (100, 0.5, 0.25), (300, 20, 5)],
-                     [(1, 1e-9, 1), (600, 1e4, 3e4), (200, 1e-3, 2), (10, 1e10, 1e10)]),
+                     [(1, 1e-9, 1), (600, 1e4, 3e4), (200, 1e-3, 2), (10, 1e10, 1e10),
+                      (1e12, 0.25, 1), (1e18, 2.5, 1), (1e100, 1e9, 1), (1e300, 4, 1)]),
     "BetaNegBin": (SlowTail, [(3, 4, 2), (1, 2.5, 7), (5, 6, 0.5)],
-                   [(2, 2.25, 3)]),
+                   [(2, 2.25, 3), (2, 30, 1e15), (2, 1e9, 1e16), (1, 400, 1e290)]),
     "BetaGeometric": (lambda a, b: SlowTail(m.mpf(1), a, b), [(3, 2), (2.5, 40)],
                       [(2.25, 1)]),
 }
