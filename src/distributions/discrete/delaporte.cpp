@@ -233,6 +233,9 @@ double Delaporte::start(double p) const {
         return std::floor(limit_.origin + limit_.scale * numerics::gamma_lower_inverse(limit_.shape, p));
     const double none = no_polya() ? 1 : std::exp(polya_.log_density(0));
     if (none > 0.5 && p < none) return std::floor(numerics::gamma_lower_inverse(lambda, p / none));
+    constexpr double kNarrow = 1e4;  // a Polya part that is mostly next to 0 only widens the Poisson part
+    if (alpha < 1 && lambda > kNarrow)
+        return std::max(poisson_.start(p), std::floor(lambda + polya_.start(p)));
     const double mean = pivot(), dispersion = 1 + beta * (alpha * beta / mean);
     const double gamma = std::floor(dispersion * numerics::gamma_lower_inverse(mean / dispersion, p));
     if (no_poisson() || gamma >= poisson_.start(p)) return gamma;

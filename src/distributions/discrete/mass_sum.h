@@ -154,7 +154,7 @@ class MassSum {
                 const double a = d_.tail_exponent(), log_rest = std::log(left() / next_edge + 1);
                 const double finite = a > 0 ? -numerics::expm1_fn(-a * log_rest) / a : log_rest;
                 const double powers = a > 0 && to_ == numerics::kInfinity ? 1 / a : finite;
-                sum_ += std::exp(end - length) * (next_edge * powers);
+                sum_ += std::exp(end - growth * length) * (next_edge * powers);
                 return false;
             }
         }

@@ -83,6 +83,7 @@ FAMILIES = {
 TRUNCATED = [
     ("BetaBinomial", (100, 2, 3), 0, 90, 96, 94),
     ("BetaBinomial", (100, 20, 30), 0, 1, 8, 5),
+    ("BetaBinomial", (10, 0.5, 3), 0, -3, 8, 2),
     ("BetaBinomial", (300, 20, 5), 3, 0.0625, 0.75, 249),
     ("BetaNegBin", (3, 4, 2), 0, 1000, 1e300, 1500),
     ("BetaNegBin", (5, 6, 0.5), 1, 0, 0.96875, 2),

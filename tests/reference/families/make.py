@@ -12,7 +12,6 @@ import glob
 import importlib
 import os
 import sys
-import sys
 
 import mpmath as m
 
@@ -70,13 +69,12 @@ def truncated(definitions, cases):
     rows = []
     for name, parameters, mode, low, high, x in cases:
         family = definitions[name][0](*(m.mpf(float(p)) for p in parameters))
-        clip = lambda v: max(family.support[0], min(family.support[1], v))
-        bounded = lambda f, v, at_inf, at_minus: at_inf if v == INF else at_minus if v == -INF else f(v)
+        beyond = lambda f, v, below, above: below if v < family.support[0] else above if v >= family.support[1] else f(v)
         end = lambda v: INF if v == sys.float_info.max else -INF if v == -sys.float_info.max else m.mpf(v)
-        low_p = m.mpf(low) if mode & 2 else bounded(family.cdf, clip(end(low)), 1, 0)
-        low_q = 1 - low_p if mode & 2 else bounded(family.sf, clip(end(low)), 0, 1)
-        high_p = m.mpf(high) if mode & 1 else bounded(family.cdf, clip(end(high)), 1, 0)
-        high_q = 1 - high_p if mode & 1 else bounded(family.sf, clip(end(high)), 0, 1)
+        low_p = m.mpf(low) if mode & 2 else beyond(family.cdf, end(low), m.mpf(0), m.mpf(1))
+        low_q = 1 - low_p if mode & 2 else beyond(family.sf, end(low), m.mpf(1), m.mpf(0))
+        high_p = m.mpf(high) if mode & 1 else beyond(family.cdf, end(high), m.mpf(0), m.mpf(1))
+        high_q = 1 - high_p if mode & 1 else beyond(family.sf, end(high), m.mpf(1), m.mpf(0))
         lower_side = low_p < 0.5
         mass = high_p - low_p if lower_side else low_q - high_q
         at = m.mpf(float(x))
