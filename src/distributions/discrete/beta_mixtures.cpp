@@ -101,8 +101,13 @@ double log_beta_binomial(double k, double m, double a, double b) {
     if (k > 1e8 * of_failures * of_failures) return log_mass_of_few(m, k, b, a);
     // Three beta densities at one point, where the powers of the point cancel: no difference of large log-gammas.
     const auto [x, y] = Shares(0.5 * k + 0.5 * a, 0.5 * m + 0.5 * b);
-    return numerics::log_beta_density(k + 1, m + 1, x, y) - numerics::log1p_fn(k + m) +
-           numerics::log_beta_density(a, b, x, y) - numerics::log_beta_density(k + a, m + b, x, y);
+    const double of_draws = numerics::log_beta_density(k + 1, m + 1, x, y) - numerics::log1p_fn(k + m),
+                 before = numerics::log_beta_density(a, b, x, y),
+                 after = numerics::log_beta_density(k + a, m + b, x, y);
+    const double log_mass = of_draws + before - after;
+    constexpr double kWithoutDigits =
+        -1e13;  // a difference of such logarithms tells no more than that there is no mass
+    return log_mass > 0 && of_draws < kWithoutDigits ? -HUGE_VAL : log_mass;
 }
 
 std::optional<Tails> compared_betas(double a, double b, double c, double d) {

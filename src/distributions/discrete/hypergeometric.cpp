@@ -17,6 +17,11 @@ bool drawn_independently(double less, double more, double M) {
     return M > kExact && less * less < 1e-16 * more;
 }
 
+/// The same for tails, where many draws out of so many are taken so, too: their sums have no end.
+bool tails_of_independent(double less, double more, double M) {
+    return drawn_independently(less, more, M) || (M > kExact && less > 1e4);
+}
+
 /// ln of C(n, k) p^k (1 - p)^(n - k), real 0 <= k <= n, as the density of a beta distribution.
 double log_binomial(double n, double k, double p, double q) {
     return numerics::log_beta_density(k + 1, n - k + 1, p, q) - numerics::log1p_fn(n);
@@ -77,14 +82,14 @@ double Hypergeometric::Urn::count_up_to(double k) const {
 double Hypergeometric::Urn::cumulative(double k) const {
     if (k < 0 || k >= n) return k >= n;
     if (count_of_none > 0) return count_up_to(k) / count_of_all;
-    if (drawn_independently(n, D, M)) return numerics::beta_upper(k + 1, n - k, D / M, 1 - D / M);
+    if (tails_of_independent(n, D, M)) return numerics::beta_upper(k + 1, n - k, D / M, 1 - D / M);
     return balanced(k) ? 0.5 : SummedTails::cumulative(k);
 }
 
 double Hypergeometric::Urn::survival(double k) const {
     if (k < 0 || k >= n) return k < 0;
     if (count_of_none > 0) return (count_of_all - count_up_to(k)) / count_of_all;
-    if (drawn_independently(n, D, M)) return numerics::beta_lower(k + 1, n - k, D / M, 1 - D / M);
+    if (tails_of_independent(n, D, M)) return numerics::beta_lower(k + 1, n - k, D / M, 1 - D / M);
     return balanced(k) ? 0.5 : SummedTails::survival(k);
 }
 
