@@ -42,8 +42,14 @@ class InversionWalk {
         double k = std::isnan(told) ? bottom_ : std::clamp(told, bottom_, top_);
         double tail = tail_at(k);
         const Origin origin = {k, falls_short(tail)};
-        if (approach(k, tail)) return k;
-        return falls_short(tail) ? upwards(k, tail, origin) : downwards(k, tail, origin);
+        for (int round = 0; round < kRounds; ++round) {
+            if (approach(k, tail)) return k;
+            const auto found = falls_short(tail) ? upwards(k, tail, origin) : downwards(k, tail, origin);
+            if (found) return *found;
+            tail = tail_at(k);
+        }
+        return settled(falls_short(tail) ? first_reached(k, gallop(k, 1)) : first_reached(gallop(k, -1), k),
+                       origin);
     }
 
   private:
@@ -159,8 +165,9 @@ class InversionWalk {
         return std::floor(from_low + (high - from_low) / 2);
     }
 
-    /// From k, which falls short, up to the first that does not.
-    double upwards(double k, double tail, Origin origin) const {
+    /// From k, which falls short, up to the first that does not; none if that is further than the walk goes, to where k is
+    /// then.
+    std::optional<double> upwards(double& k, double tail, Origin origin) const {
         double mass = mass_at(k), anchor = tail;
         bool doubt = doubtful(tail);
         for (int step = 0; step < kWalk; ++step) {
@@ -172,11 +179,11 @@ class InversionWalk {
             doubt = doubt || doubtful(tail);
             if (!falls_short(tail)) return doubt ? settled(k, origin) : k;
         }
-        return settled(first_reached(k, gallop(k, 1)), origin);
+        return std::nullopt;
     }
 
-    /// From k, which does not fall short, down to the last that does not.
-    double downwards(double k, double tail, Origin origin) const {
+    /// From k, which does not fall short, down to the last that does not, likewise.
+    std::optional<double> downwards(double& k, double tail, Origin origin) const {
         double mass = mass_at(k), anchor = tail;
         for (int step = 0; step < kWalk; ++step) {
             if (k <= bottom_) return bottom_;
@@ -187,7 +194,7 @@ class InversionWalk {
             k -= 1;
             mass = mass > kDenormalNear ? mass / d_.mass_ratio(k) : mass_at(k);
         }
-        return settled(first_reached(gallop(k, -1), k), origin);
+        return std::nullopt;
     }
 
     /// The result next to k that the tails themselves give, and the rule for an exact hit.
@@ -222,6 +229,8 @@ class InversionWalk {
     }
 
     static constexpr int kWalk = D::kWalk;
+    /// Newton's steps and a walk are tried so often: the first walk may begin where the tail falls as a power of k.
+    static constexpr int kRounds = 3;
     /// Newton's steps or halvings of the exponent: 2^1024 down to a factor of 4 in 10, then 50 bits of it at worst.
     static constexpr int kApproach = 70;
     /// Steps that are no better than the one before are made longer by a factor that begins with this one, until the
