@@ -81,16 +81,24 @@ bool fit_parameters(int code, SAFEARRAY** out, const Data& data) {
     });
 }
 
-/// The observations as a table of equal weights, or of the spacings of sorted uniforms.
-Discrete empirical(const Data& data) {
+/// Equal weights, or the spacings of sorted uniforms.
+std::vector<double> weights_of(const Data& data) {
     std::vector<double> weights(data.values().size(), 1.0);
     if (data.uncertainty) {
         random_stream().fill(std::span(weights).first(weights.size() - 1));
         std::ranges::sort(weights);
         std::adjacent_difference(weights.begin(), weights.end(), weights.begin());
     }
-    return Discrete(data.data, data.n, weights.data(), data.n);
+    return weights;
 }
+
+/// The observations as a table, which may view the weights.
+struct Empirical {
+    const std::vector<double> weights;
+    const Discrete table;
+    explicit Empirical(const Data& data)
+        : weights(weights_of(data)), table(data.data, data.n, weights.data(), data.n) {}
+};
 
 }  // namespace
 
@@ -161,7 +169,7 @@ bool PralDiscreteFit_Core(double* out, const double* data, int n, int* uncertain
         const Data given = {data, n, is_set(uncertainty), TruncMin, TruncMax, key};
         if (!given.check() || !within_bounds(given.values(), given.request())) return false;
         const Bounds bounds(TruncMin, TruncMax);
-        return pral::array_member({out, static_cast<std::size_t>(size)}, empirical(given),
+        return pral::array_member({out, static_cast<std::size_t>(size)}, Empirical(given).table,
                                   bounds.modifiers(U == kNotGiven ? nullptr : &U));
     });
 }
@@ -172,7 +180,7 @@ bool empirical_probability(double* out, double* x, int count, const Data& data, 
                            const pral::Modifiers& modifiers, pral::Scale scale) {
     return pral::guarded(out, 1, [&](int) {
         return data.check() &&
-               pral::probability_member(out, x, count, empirical(data), cumulative, modifiers, scale);
+               pral::probability_member(out, x, count, Empirical(data).table, cumulative, modifiers, scale);
     });
 }
 
