@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "distributions/family.h"
+#include "distributions/quantile_table.h"
 #include "distributions/sample.h"
 #include "numerics/each.h"
 #include "numerics/extended_log.h"
@@ -56,6 +57,12 @@ struct LocationScale {
     {
         standard.quantiles(p);
         for (double& x : p) x = location + scale * x;
+    }
+
+    auto quantile_table() const
+        requires(HasDensitySlope<Standard> || requires { Standard::kCostlyQuantiles; }) {
+        const LinearPlace place = {location, scale};
+        return QuantileTable(standard, place, place.cancels_below());
     }
 
     double standardised(double x) const { return (x - location) / scale; }

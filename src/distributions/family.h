@@ -49,7 +49,8 @@ concept Distribution = requires(const D& d, double x) {
 ///   quantile_upper(q)       the inverse of the survival, without forming 1 - q
 ///   quantiles(span)         quantile() of each element, in place
 ///   quantiles_upper(span)   quantile_upper() of each element, in place
-///   quantile_table()        a QuantileTable (quantile_table.h) for arrays, truncated or not; neither is a point mass
+///   quantile_table()        a QuantileTable (quantile_table.h) for arrays, truncated or not; neither is a point mass.
+///                           LocationScale has it for standard distributions with kCostlyQuantiles = true
 ///   log_cumulative(x)       ln F(x), where F itself loses digits or underflows
 ///   log_survival(x)         ln(1 - F(x)), likewise
 ///   log_likelihood(values)  the sum of the log densities, where it is cheaper than its terms; also of a Sample

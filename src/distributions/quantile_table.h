@@ -1,4 +1,4 @@
-// Arrays of quantiles of the distributions of Pearson's system, some twenty times faster than one by one.
+// Arrays of quantiles by polynomials in the tail, some twenty times faster than one by one.
 #pragma once
 
 #include <algorithm>
@@ -18,12 +18,21 @@ struct LogDensitySlope {
     std::array<double, 3> numerator, denominator;
 };
 
-/// Quantiles by Taylor series in the tail probability: each bin of 1/32 octave gets the series around its centre when it is
-/// first asked for, from one exact quantile and the density there. The quantile x as a function of its tail v obeys
-/// x' = +-1/f(x), hence x'' = -(f'/f) x'^2, a recurrence for the coefficients. Where the series does not reach full
-/// precision (powers of v above some 15: small shapes), or cancels, the table has no answer.
+/// A distribution whose quantiles have series of their own.
+template <class D>
+concept HasDensitySlope = requires(const D& d) {
+    { d.log_density_slope() } -> std::same_as<LogDensitySlope>;
+};
+
+/// Quantiles by polynomials in the tail probability v, one for each part of an octave.
 ///
-/// `Standard` is a distribution with a log_density_slope(); `Place` maps its values to those of the family.
+/// With a log_density_slope(), Taylor's series around the centre of the bin, from one exact quantile and the density there:
+/// the quantile x obeys x' = +-1/f(x), hence x'' = -(f'/f) x'^2, a recurrence for the coefficients. They are computed when
+/// the bin is first asked for. Other distributions are interpolated at Chebyshev's points, once the bin has been asked for
+/// as often as that takes quantiles. Where the polynomial does not reach full precision (powers of v above some 15: small
+/// shapes), or cancels, the table has no answer.
+///
+/// `Place` maps the values of `Standard` to those of the family.
 template <class Standard, class Place>
 class QuantileTable {
   public:
@@ -31,11 +40,7 @@ class QuantileTable {
     /// `mirrored` when place is falling.
     QuantileTable(const Standard& standard, const Place& place, double cancels_below = 0,
                   bool mirrored = false)
-        : standard_(standard),
-          slope_(standard.log_density_slope()),
-          place_(place),
-          cancels_below_(cancels_below),
-          mirrored_(mirrored) {}
+        : standard_(standard), place_(place), cancels_below_(cancels_below), mirrored_(mirrored) {}
 
     /// The value whose lower (upper) tail is `tail`, at most some 1/2; NaN where the family must be asked itself.
     double operator()(Side side, double tail) {
@@ -47,40 +52,89 @@ class QuantileTable {
         if (bins == nullptr) bins = std::make_unique<Octave>();
         const std::size_t index = (bits >> (52 - kBinBits)) & (kBins - 1);
         Bin& bin = (*bins)[index];
-        if (bin.centre == 0)
-            build(bin, upper, std::ldexp(1 + (index + 0.5) / kBins, -1 - static_cast<int>(octave)));
-        const double h = (tail - bin.centre) * bin.per_centre, h2 = h * h;
+        if (bin.requests <= kPatience && ++bin.requests > kPatience)
+            build(bin, upper, std::ldexp(1.0, -1 - static_cast<int>(octave)), index);
+        const double h = (tail - bin.centre) * bin.per_unit, h2 = h * h;
         const auto& c = bin.coefficients;
-        const double even = c[0] + h2 * (c[2] + h2 * (c[4] + h2 * (c[6] + h2 * c[8])));
-        const double odd = c[1] + h2 * (c[3] + h2 * (c[5] + h2 * c[7]));
-        const double y = even + h * odd;
+        double even = c[kDegree], odd = c[kDegree - 1];
+        for (std::size_t k = kDegree - 2; k > 0; k -= 2) {
+            even = c[k] + h2 * even;
+            odd = c[k - 1] + h2 * odd;
+        }
+        const double y = (c[0] + h2 * even) + h * odd;
         if (!(std::fabs(y) >= bin.smallest)) return numerics::kNaN;
         const double x = place_(y);
         return std::fabs(x) >= cancels_below_ ? x : numerics::kNaN;
     }
 
   private:
-    static constexpr std::size_t kDegree = 8;
-    static constexpr int kBinBits = 5, kBins = 1 << kBinBits;
+    static constexpr bool kTaylor = HasDensitySlope<Standard>;
+    static constexpr std::size_t kDegree = kTaylor ? 8 : 12;
+    static constexpr int kBinBits = kTaylor ? 5 : 2, kBins = 1 << kBinBits;
+    static constexpr int kPatience = kTaylor ? 0 : kDegree + 1;
     static constexpr std::uint64_t kOctaves = 64, kFirstExponent = 1022;
     using Series = std::array<double, kDegree + 1>;
 
     struct Bin {
-        double centre = 0, per_centre = 0;  // 0: not yet built
-        double smallest = HUGE_VAL;         // below it the series cancels or has not converged
+        int requests = 0;
+        double centre = 0, per_unit = 0;
+        double smallest = HUGE_VAL;  // below it the polynomial cancels or is not precise
         Series coefficients = {};
     };
     using Octave = std::array<Bin, kBins>;
 
-    /// Coefficient k of the product of two series.
-    static double product(const Series& a, const Series& b, std::size_t k) {
-        double sum = 0;
-        for (std::size_t i = 0; i <= k; ++i) sum += a[i] * b[k - i];
-        return sum;
+    double quantile(bool upper, double tail) const {
+        return upper ? standard_.quantile_upper(tail) : standard_.quantile(tail);
+    }
+
+    void build(Bin& bin, bool upper, double octave, std::size_t index) const {
+        bin.centre = octave * (1 + (index + 0.5) / kBins);
+        const double left_out = kTaylor ? expand(bin, upper) : interpolate(bin, upper, octave * 0.5 / kBins);
+        const double x = std::fabs(bin.coefficients[0]);
+        // Squares of x and of its slope take part.
+        if (x > 1e-140 && x < 1e140) bin.smallest = std::max(x / 128, left_out);
+    }
+
+    /// The Taylor series in (tail - centre)/centre, and the least value whose relative error is small enough.
+    double expand(Bin& bin, bool upper) const requires kTaylor {
+        constexpr double kReach = 1.0 / 65;   // largest |h| in a bin
+        constexpr double kTolerance = 2e-15;  // relative
+        bin.per_unit = 1 / bin.centre;
+        const double x = quantile(upper, bin.centre);
+        const double slope = bin.centre * std::exp(-standard_.log_density(x));
+        const Series& c = bin.coefficients = series(x, upper ? -slope : slope);
+        return (std::fabs(c[7]) * kReach + std::fabs(c[8])) * std::pow(kReach, 8) * 2 * kReach / kTolerance;
+    }
+    double expand(Bin&, bool) const { return HUGE_VAL; }
+
+    /// The polynomial in (tail - centre)/half_width through the quantiles at Chebyshev's points, likewise.
+    double interpolate(Bin& bin, bool upper, double half_width) const {
+        constexpr double kTolerance = 3e-14;  // the quantiles themselves may be as good as that
+        constexpr std::size_t n = kDegree + 1;
+        bin.per_unit = 1 / half_width;
+        Series chebyshev = {}, before = {}, polynomial = {1};
+        for (std::size_t k = 0; k < n; ++k) {
+            const double angle = numerics::kPi * (k + 0.5) / n;
+            const double x = quantile(upper, bin.centre + half_width * std::cos(angle));
+            for (std::size_t j = 0; j < n; ++j)
+                chebyshev[j] += x * std::cos(j * angle) * (j == 0 ? 1.0 : 2.0) / n;
+        }
+        // T_(j+1) = 2 h T_j - T_(j-1)
+        for (std::size_t j = 0; j < n; ++j) {
+            Series next = {};
+            for (std::size_t k = 0; k < n; ++k) {
+                bin.coefficients[k] += chebyshev[j] * polynomial[k];
+                next[k] = (k > 0 ? polynomial[k - 1] : 0) * (j == 0 ? 1 : 2) - before[k];
+            }
+            before = polynomial;
+            polynomial = next;
+        }
+        return (std::fabs(chebyshev[n - 2]) + std::fabs(chebyshev[n - 1])) / kTolerance;
     }
 
     /// The series in h of the quantile at tail = centre (1 + h), from its first two coefficients x and x'.
-    Series series(double x, double slope) const {
+    Series series(double x, double slope) const requires kTaylor {
+        const LogDensitySlope log_slope = standard_.log_density_slope();
         Series c = {x, slope}, rate = {slope}, squares = {}, rate_squares = {}, above = {}, below = {};
         for (std::size_t k = 0; k + 2 <= kDegree; ++k) {
             squares[k] = product(c, c, k);
@@ -88,8 +142,8 @@ class QuantileTable {
             const auto polynomial = [&](const std::array<double, 3>& p) {
                 return (k == 0 ? p[0] : 0) + p[1] * c[k] + p[2] * squares[k];
             };
-            above[k] = polynomial(slope_.numerator);
-            below[k] = polynomial(slope_.denominator);
+            above[k] = polynomial(log_slope.numerator);
+            below[k] = polynomial(log_slope.denominator);
             double sum = product(above, rate_squares, k);
             for (std::size_t j = 1; j <= k; ++j)
                 sum += below[j] * static_cast<double>(k - j + 1) * rate[k - j + 1];
@@ -98,25 +152,14 @@ class QuantileTable {
         }
         return c;
     }
-
-    void build(Bin& bin, bool upper, double centre) const {
-        constexpr double kReach = 1.0 / 65;   // largest |h| in a bin
-        constexpr double kTolerance = 2e-15;  // relative
-        bin.centre = centre;
-        bin.per_centre = 1 / centre;
-        const double x = upper ? standard_.quantile_upper(centre) : standard_.quantile(centre);
-        const double slope = centre * std::exp(-standard_.log_density(x));
-        bin.coefficients = series(x, upper ? -slope : slope);
-        const auto& c = bin.coefficients;
-        const double left_out =
-            (std::fabs(c[7]) * kReach + std::fabs(c[8])) * std::pow(kReach, 8) * 2 * kReach;
-        // Squares of x and of its slope take part.
-        const bool in_range = std::fabs(x) > 1e-140 && std::fabs(x) < 1e140;
-        if (in_range) bin.smallest = std::max(std::fabs(x) / 128, left_out / kTolerance);
+    /// Coefficient k of the product of two series.
+    static double product(const Series& a, const Series& b, std::size_t k) {
+        double sum = 0;
+        for (std::size_t i = 0; i <= k; ++i) sum += a[i] * b[k - i];
+        return sum;
     }
 
     Standard standard_;
-    LogDensitySlope slope_;
     Place place_;
     double cancels_below_;
     bool mirrored_;

@@ -79,6 +79,10 @@ class InvGauss {
     }
     double quantile(double p) const;
     double quantile_upper(double q) const;
+    LogDensitySlope log_density_slope() const {
+        return {{lambda / 2, -1.5, -lambda / mu / (2 * mu)}, {0, 0, 1}};
+    }
+    auto quantile_table() const { return QuantileTable(*this, LinearPlace{0, 1}); }
 
   private:
     double gap(double x) const { return 2 * std::sqrt(lambda / x); }                         // b - a

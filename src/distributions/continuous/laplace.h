@@ -102,6 +102,10 @@ class Error {
     double log_likelihood(std::span<const double> values) const;
     double quantile(double p) const { return p > 0.5 ? quantile_upper(1 - p) : mu - sigma * distance(2 * p); }
     double quantile_upper(double q) const { return q > 0.5 ? quantile(1 - q) : mu + sigma * distance(2 * q); }
+    auto quantile_table() const {
+        const LinearPlace place = {mu, sigma};
+        return QuantileTable(Error(0, 1, nu), place, place.cancels_below());
+    }
 
   private:
     numerics::DoubleDouble log_power(double x) const;  // ln w

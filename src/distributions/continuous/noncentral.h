@@ -3,6 +3,7 @@
 
 #include "distributions/continuous/beta.h"
 #include "distributions/quantile_search.h"
+#include "distributions/quantile_table.h"
 #include "numerics/noncentral_beta.h"
 #include "numerics/noncentral_chi_square.h"
 
@@ -16,6 +17,9 @@ struct SearchedQuantile {
     }
     double quantile_upper(double q) const {
         return search(q <= 0.5 ? Side::upper : Side::lower, q <= 0.5 ? q : 1 - q);
+    }
+    auto quantile_table() const {
+        return QuantileTable(static_cast<const Family&>(*this), LinearPlace{0, 1});
     }
 
   private:

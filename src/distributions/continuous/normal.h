@@ -92,6 +92,7 @@ struct Erf : LocationScale<StandardNormal> {
 /// The equal mixture of Normal(0, wide^2) and Normal(0, narrow^2), wide^2 + narrow^2 = 2, of a given excess kurtosis.
 class StandardNormalMix {
   public:
+    static constexpr bool kCostlyQuantiles = true;
     double excess_kurtosis;
 
     explicit StandardNormalMix(double excess_kurtosis);
@@ -126,6 +127,7 @@ struct NormalMix : LocationScale<StandardNormalMix> {
 /// f = 2 phi(z) Phi(alpha z) (Azzalini 1985).
 class StandardSkewNormal {
   public:
+    static constexpr bool kCostlyQuantiles = true;
     double alpha;
 
     explicit StandardSkewNormal(double alpha_) : alpha(alpha_), slant_(std::sqrt(1 + alpha_ * alpha_)) {}
@@ -162,6 +164,7 @@ struct SkewNormal : LocationScale<StandardSkewNormal> {
 
 /// A standard normal variable over an independent uniform one (Rogers and Tukey 1972).
 struct StandardSlash {
+    static constexpr bool kCostlyQuantiles = true;
     Support support() const { return kReals; }
     double cumulative(double z) const { return z < 0 ? tail(-z) : 1 - tail(z); }
     double survival(double z) const { return cumulative(-z); }

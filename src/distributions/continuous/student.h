@@ -5,7 +5,6 @@
 #include <cmath>
 
 #include "distributions/adapters.h"
-#include "distributions/quantile_table.h"
 #include "numerics/beta_quantile.h"
 #include "numerics/gamma.h"
 
@@ -53,20 +52,11 @@ struct StandardStudent {
     }
 };
 
-/// location + scale T, T Student's t.
-struct ScaledStudent : LocationScale<StandardStudent> {
-    using LocationScale::LocationScale;
-    auto quantile_table() const {
-        const LinearPlace place = {location, scale};
-        return QuantileTable(standard, place, place.cancels_below());
-    }
-};
-
 /// Degrees of freedom nu, a positive integer; support all reals.
-struct Student : ScaledStudent {
+struct Student : LocationScale<StandardStudent> {
     double nu;
 
-    explicit Student(double nu_) : ScaledStudent(0, 1, StandardStudent(nu_)), nu(nu_) {}
+    explicit Student(double nu_) : LocationScale(0, 1, StandardStudent(nu_)), nu(nu_) {}
     Message check() const {
         if (const Message objection = check_range()) return objection;
         return nu == std::floor(nu) ? nullptr : kMessage;
@@ -78,10 +68,10 @@ struct Student : ScaledStudent {
 };
 
 /// Location mu, scale sigma >= 0, 0 being a point mass at mu, degrees of freedom nu >= 3, an integer: mu + sigma Student(nu).
-struct Student3 : ScaledStudent {
+struct Student3 : LocationScale<StandardStudent> {
     double nu;
 
-    Student3(double mu, double sigma, double nu_) : ScaledStudent(mu, sigma, StandardStudent(nu_)), nu(nu_) {}
+    Student3(double mu, double sigma, double nu_) : LocationScale(mu, sigma, StandardStudent(nu_)), nu(nu_) {}
     Message check() const {
         if (const Message objection = check_range()) return objection;
         return nu == std::floor(nu) ? nullptr : kMessage;
