@@ -170,8 +170,8 @@ class QuantileTable {
 struct LinearPlace {
     double origin, scale;
     double operator()(double y) const { return origin + scale * y; }
-    /// Where the sum has lost 8 bits or more.
-    double cancels_below() const { return std::fabs(origin) / 256; }
+    /// Where the sum has lost 4 bits or more.
+    double cancels_below() const { return std::fabs(origin) / 16; }
 };
 
 }  // namespace pral
