@@ -34,7 +34,8 @@ Message variant_check_probability(const Base& base) {
         return Checks::check(base);
 }
 
-/// With probability pi a value of the base family, else 0: F(x) = 1 - pi + pi F_base(x) from 0 on. The base family's
+/// With probability pi a value of the base family, else 0: F(x) = 1 - pi + pi F_base(x), as percentiles are inverted. Where
+/// the base family has negative values (Skellam), that counts the extra zeros below them as well. The base family's
 /// parameters come first, pi last. `Checks` holds the variant's own checks; what they let pass, the base family may
 /// still refuse.
 ///
@@ -72,14 +73,8 @@ struct ZeroInflated {
     }
     std::optional<double> point_mass() const { return std::nullopt; }
 
-    double cumulative(double x) const {
-        const double scaled = pi * tails(base, x).lower;
-        return x >= 0 ? scaled + (1 - pi) : scaled;
-    }
-    double survival(double x) const {
-        const double scaled = pi * tails(base, x).upper;
-        return x >= 0 ? scaled : scaled + (1 - pi);
-    }
+    double cumulative(double x) const { return pi * tails(base, x).lower + (1 - pi); }
+    double survival(double x) const { return pi * tails(base, x).upper; }
     double log_density(double x) const {
         const double log_base = base_log_density(x);
         if (x != 0) return log_base + std::log(pi);

@@ -32,8 +32,8 @@ def inflated(name):
         inside = lambda x: x >= base.support[0]
         mass = lambda x: (pi * base.mass(x) if inside(x) else 0) + (1 - pi if x == 0 else 0)
         return Variant(base, min(0, base.support[0]),
-                       lambda x: (1 - pi if x >= 0 else 0) + (pi * base.cdf(x) if inside(x) else 0),
-                       lambda x: (1 - pi if x < 0 else 0) + pi * (base.sf(x) if inside(x) else 1),
+                       lambda x: 1 - pi + (pi * base.cdf(x) if inside(x) else 0),
+                       lambda x: pi * (base.sf(x) if inside(x) else 1),
                        lambda x: m.log(mass(x)))
     return told
 
