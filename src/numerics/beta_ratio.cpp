@@ -106,8 +106,9 @@ void BetaRatio::limit_shapes() {
     const double smaller = std::min(a_, b_), larger = std::max(a_, b_);
     if (!(smaller > 0)) return;
     if (larger < kSmallestShape) {
-        given_a_ = a_ *= 0x1p600;
+        given_a_ = a_ *= 0x1p600;  // only their ratio is left in the tails
         given_b_ = b_ *= 0x1p600;
+        log_enlargement_ = 600 * kLn2;
     }
     a_ = std::max(a_, kDenormalNear);
     b_ = std::max(b_, kDenormalNear);
@@ -328,7 +329,8 @@ double BetaRatio::log_density(double x, double y) const {
     const DoubleDouble logs = add(add(at.log_x, at.log_y), negated(log_stretch()));
     // The factor's own logarithm can be as large as the exponent, and of the other sign.
     const double log_density =
-        add(add(density_exponent(at), negated(logs)), extended_log({density_factor_, 0})).hi;
+        add(add(density_exponent(at), negated(logs)), extended_log({density_factor_, 0})).hi -
+        log_enlargement_;
     // Beside a common factor of both shapes only the normal density next to the centre is left.
     return common_ > 1 ? log_density + 0.5 * std::log(common_) + (common_ - 1) * density_exponent(at).hi
                        : log_density;

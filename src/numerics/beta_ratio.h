@@ -58,6 +58,8 @@ class BetaRatio {
     /// The shapes as given, but for a common factor where both are so large that no double tells the distribution from a
     /// step; and with the larger one in the range of exact products, where the smaller coordinate is stretched to match.
     double given_a_, given_b_, a_, b_, common_ = 1, stretch_x_ = 1, stretch_y_ = 1;
+    /// ln of the factor by which two tiny shapes are enlarged, which the density must lose again.
+    double log_enlargement_ = 0;
     /// x^a y^b / B(a, b) = density_factor_ e^(a (ln x - shift_a_) + b (ln y - shift_b_)).
     double density_factor_, asymptotic_factor_ = 0;
     DoubleDouble shift_a_{}, shift_b_{};

@@ -252,6 +252,7 @@ double log_gamma_fn(double x) {
 
 double lgamma_1p(double a) {
     if (!(std::fabs(a) < 0.5)) return log_gamma_fn(a + 1);
+    if (std::fabs(a) < 1e-20) return -kEuler * a;  // squares might underflow, which is slow
     return (a * zeta_series(a) - kEuler) * a - log1p_minus_x(a);
 }
 

@@ -123,6 +123,9 @@ TEST(BetaRatio, EndsAndHostileArguments) {
     EXPECT_EQ(ratio.log_density(0, 1), -kInfinity);
     EXPECT_DOUBLE_EQ(BetaRatio(1, 3).log_density(0, 1), std::log(3.0));
     EXPECT_EQ(BetaRatio(0.5, 3).log_density(0, 1), kInfinity);
+    // Of tiny shapes 1/B(a, a) = a/2 is left.
+    for (const double a : {1e-100, 1e-200, 1e-270, 1e-300})
+        EXPECT_NEAR(BetaRatio(a, a).log_density(0.25, 0.75), std::log(a / 2 / 0.1875), 1e-12) << a;
     const double kHostile[] = {kNaN,  -1,    0,     5e-324,    1e-300,
                                1e-17, 0.5,   1,     3,         1e5,
                                1e16,  1e150, 1e300, kInfinity, std::numeric_limits<double>::infinity()};

@@ -61,6 +61,18 @@ double log_mass_of_few(double k, double m, double a, double b) {
     return of_successes - numerics::log_beta(a, b) - a * std::log(m) + correction;
 }
 
+/// The same where both counts are large beside small shapes:
+/// Gamma(k + a)/Gamma(k + 1) Gamma(m + b)/Gamma(m + 1) Gamma(n + 1)/Gamma(n + a + b) / B(a, b), n = k + m.
+double log_mass_of_small_shapes(double k, double m, double a, double b) {
+    // What shapes below 1e-30 add is lost in the sum, and denormal numbers are slow.
+    const auto algdiv = [](double shape, double count) {
+        return shape < 1e-30 ? 0 : numerics::toms708::algdiv(shape, count);
+    };
+    const double fewer = std::min(k, m), more = std::max(k, m), all = std::min(k + m, DBL_MAX);
+    return algdiv(a + b, all) - algdiv(a, k) - algdiv(b, m) - numerics::log_beta(a, b) +
+           numerics::log1p_fn(fewer / more) - std::log(fewer);
+}
+
 /// The same where both m and b are as good as constant: the successes are negative binomial.
 double log_mass_of_scarce(double k, double m, double a, double b) {
     const auto [p, q] = Shares(b, m);
@@ -93,6 +105,7 @@ std::optional<double> limiting_log_mass(double k, double m, double a, double b) 
 }  // namespace
 
 double log_beta_binomial(double k, double m, double a, double b) {
+    if (std::min(k, m) >= 8 && a + b <= 4) return log_mass_of_small_shapes(k, m, a, b);
     if (std::max({k, m, a, b}) >= kLarge) {
         if (const auto limit = limiting_log_mass(k, m, a, b)) return *limit;
     }

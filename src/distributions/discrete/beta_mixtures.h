@@ -11,7 +11,7 @@ namespace pral {
 
 /// A shape of a beta variable as it is reckoned with: products of denormal ones would be nothing, sums of huge ones
 /// infinite.
-inline double beta_shape(double given) { return given > 0 ? std::clamp(given, 1e-300, 2e307) : given; }
+inline double beta_shape(double given) { return given > 0 ? std::clamp(given, 1e-270, 2e307) : given; }
 
 /// ln of the beta-binomial mass of k successes and m failures, C(k + m, k) B(k + a, m + b)/B(a, b), for real arguments.
 double log_beta_binomial(double k, double m, double a, double b);
@@ -25,9 +25,9 @@ std::optional<Tails> compared_betas(double a, double b, double c, double d);
 /// 1 - F(k) as a sum to where the limiting() tails of a distribution take over; none if they do not below `most`.
 template <class D>
 std::optional<double> sum_to_limit(const D& d, double k, double most) {
-    for (double far = 0x1p58; far < most && far < 0x1p200; far *= 0x1p16) {
-        if (!(far > k)) continue;
-        if (const auto tails = d.limiting(far)) return sum_masses(d, k + 1, far) + tails->upper;
+    for (double end = 0x1p58; end < most && end < 0x1p200; end *= 0x1p16) {
+        if (!(end > k)) continue;
+        if (const auto tails = d.limiting(end)) return sum_masses(d, k + 1, end) + tails->upper;
     }
     return std::nullopt;
 }

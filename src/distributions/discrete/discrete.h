@@ -72,8 +72,8 @@ class InversionWalk {
     }
 
     /// Newton steps on the logarithm of the smaller tail, within the bracket that they leave, until the walk can do the
-    /// rest; one that is no better than the one before is followed by a longer one, or by a halving. True when k is the result, as near as
-    /// the tails themselves tell: with masses below their rounding no walk could settle it.
+    /// rest; one that is no better than the one before is followed by a longer one, or by a halving. True when k is the
+    /// result, as near as the tails themselves tell: with masses below their rounding no walk could settle it.
     bool approach(double& k, double& tail) const {
         double low = bottom_, high = top_;  // the result is not below low, nor above high
         double before = HUGE_VAL, stretch = 1;
