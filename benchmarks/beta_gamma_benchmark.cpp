@@ -12,3 +12,4 @@ PRAL_BENCHMARK_FAMILY(PERTAlt, 1.0, 2.0, 4.0, 0.1, 0.9);
 PRAL_BENCHMARK_FAMILY(F, 3.0, 10.0);
 PRAL_BENCHMARK_FAMILY(Student, 3.0);
 BENCHMARK(pral::benchmarks::Quantile<PralNCChiSq_Core, 5.0, 10.0>);
+BENCHMARK(pral::benchmarks::Array<PralNCChiSqArray_Core, 5.0, 10.0>)->Arg(1000)->Arg(100000);

@@ -49,7 +49,7 @@ Starts start_error(const StartData& data) {
 }
 
 Starts start_gev(const StartData& data) {
-    return by_quantiles<GEV>(data.x, {0.01, 0.15, 0.5, 1, -0.15, -0.4});
+    return by_quantiles<GEV>(data.x, {0.01, 0.15, 0.5, 1, 3, 8, -0.15, -0.4});
 }
 Starts start_glogistic(const StartData& data) { return by_quantiles<GLogistic>(data.x, {1, 0.3, 3, 12}); }
 
