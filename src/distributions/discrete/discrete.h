@@ -308,9 +308,12 @@ class InversionTable {
     double operator()(double t) const {
         const bool lower = side_ == Side::lower && t <= 0.5;
         const double target = lower || side_ == Side::upper ? t : 1 - t;
+        const double place = (t - begin_) * per_unit_;
+        // NaN, where absurd parameters leave no percentiles or none apart from each other.
+        if (!(place >= 0 && place < static_cast<double>(guide_.size()))) return walk(t);
         const auto tail = [&](std::size_t i) { return lower ? tails_[i].lower : tails_[i].upper; };
         const auto short_of = [&](std::size_t i) { return lower ? tail(i) < target : tail(i) > target; };
-        std::size_t i = guide_[static_cast<std::size_t>((t - begin_) * per_unit_)];
+        std::size_t i = guide_[static_cast<std::size_t>(place)];
         while (i + 1 < tails_.size() && short_of(i)) ++i;
         if (short_of(i)) return walk(t);
         const double margin = 1e-11 * target;
