@@ -100,7 +100,8 @@ Places places_delaporte(const CountMoments& m) {
 Starts start_poisson_uniform(const StartData& data) {
     const double n = data.x.count(), m = data.x.mean(), variance = data.x.variance() * n / (n - 1);
     if (m >= variance) return "Fit not possible as variance < mean";
-    const double low = std::max(m - std::sqrt(3 * (variance - m)), 0.0), high = 2 * m - low;  // NaN for one value
+    // Not a number for a single value, which has no variance.
+    const double low = std::max(m - std::sqrt(3 * (variance - m)), 0.0), high = 2 * m - low;
     return {place({low, high}), place({0.05 * m, 1.95 * m}), place({0.5 * m, 1.5 * m})};
 }
 Starts start_mean(const StartData& data) { return one({data.x.mean()}); }
