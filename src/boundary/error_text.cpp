@@ -1,9 +1,11 @@
 #include "boundary/error_text.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <cstring>
+#include <iterator>
+#include <system_error>
 
 #include "boundary/automation.h"
 #include "boundary/core_api.h"
@@ -47,9 +49,13 @@ bool fail_bounds(double lower, double upper, bool as_values) {
 
 std::string number_text(double value) {
     char buffer[400];  // 309 digits, 16 decimals, sign and point
+    constexpr int kDigits = 16;
     const double r = rounded(value);
-    std::snprintf(buffer, sizeof buffer, r == 0 ? "%.16g" : "%.16f", r == 0 ? value : r);
-    std::string digits = buffer;
+    // Not printf's family, which writes the decimal comma of the host's locale.
+    const auto [end, problem] =
+        r == 0 ? std::to_chars(buffer, std::end(buffer), value, std::chars_format::general, kDigits)
+               : std::to_chars(buffer, std::end(buffer), r, std::chars_format::fixed, kDigits);
+    std::string digits(buffer, problem == std::errc() ? end : buffer);
     while (digits.size() > 1 && digits.back() == '0') digits.pop_back();
     if (digits.size() > 1 && digits.back() == '.') digits.pop_back();
     return digits.empty() ? "0" : digits;
