@@ -25,7 +25,8 @@ double Sample::mean_of(Term term) const {
     return numerics::interleaved_sum(values_, term) / count();
 }
 
-Sample::Sample(std::span<const double> values) : values_(values), min_(HUGE_VAL), max_(-HUGE_VAL) {
+Sample::Sample(std::span<const double> values, const Pause* pause)
+    : values_(values), pause_(pause), min_(HUGE_VAL), max_(-HUGE_VAL) {
     for (const double x : values) {
         min_ = std::min(min_, x);
         max_ = std::max(max_, x);

@@ -1,6 +1,7 @@
 // Data summarised once, for likelihoods that are asked for hundreds of times.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <span>
 #include <vector>
@@ -17,7 +18,11 @@ class Sample {
         double value, times;
     };
 
-    explicit Sample(std::span<const double> values);
+    /// Called between the blocks of a long sum; it throws to end that.
+    using Pause = std::function<void()>;
+
+    /// `pause` must outlive the sample as well; null: sums are not interrupted.
+    explicit Sample(std::span<const double> values, const Pause* pause = nullptr);
 
     std::span<const double> values() const { return values_; }
     std::size_t size() const { return values_.size(); }
@@ -62,12 +67,18 @@ class Sample {
     double times(double integer) const;
     double share_of(double integer) const { return times(integer) / count(); }
 
+    bool interruptible() const { return pause_ != nullptr; }
+    void pause() const {
+        if (pause_ != nullptr) (*pause_)();
+    }
+
   private:
     /// The mean of term(x).
     template <class Term>
     double mean_of(Term term) const;
 
     std::span<const double> values_;
+    const Pause* pause_;
     double min_, max_;
     mutable std::optional<double> mean_, variance_, root_mean_square_, mean_log_, variance_log_,
         harmonic_mean_, log_below_mean_, log_below_root_mean_square_, log_below_harmonic_mean_,
@@ -80,14 +91,25 @@ class Sample {
 /// factor * mean, 0 for a factor of 0 whatever the mean.
 inline double times(double factor, double mean) { return factor == 0 ? 0 : factor * mean; }
 
+/// A mass takes microseconds where it is itself a sum.
+inline constexpr std::size_t kCountsBetweenPauses = 32;
+/// Up to here every integer is a double.
+inline constexpr double kConsecutive = 0x1p53;
+
 /// The sum of the log masses of counts in ascending order: one mass after the other by their ratio, from a new one after
-/// every so many steps.
+/// every so many steps. Beyond 2^53, where k + 1 may be k, every mass is a new one.
 template <Distribution D>
-double sum_by_ratios(const D& d, std::span<const Sample::Count> counts) {
+double sum_by_ratios(const D& d, const Sample& x) {
     constexpr double kSteps = 64, kLeast = 1e-200;
     double sum = 0, first = -HUGE_VAL, k = 0, log_first = 0, product = 0;
-    for (const auto& [value, times] : counts) {
-        if (value - first <= kSteps && product > kLeast && product < 1 / kLeast) {
+    std::size_t until_pause = kCountsBetweenPauses;
+    for (const auto& [value, times] : x.counts()) {
+        if (--until_pause == 0) {
+            x.pause();
+            until_pause = kCountsBetweenPauses;
+        }
+        if (value - first <= kSteps && std::fabs(value) < kConsecutive - kSteps && product > kLeast &&
+            product < 1 / kLeast) {
             for (; k < value; k += 1) product *= d.mass_ratio(k);
         } else {
             first = k = value;
@@ -104,19 +126,24 @@ template <Distribution D>
 double sum_over_counts(const D& d, const Sample& x) {
     if (!x.whole()) return -HUGE_VAL;
     const double first = x.counts().front().value, range = x.counts().back().value - first;
-    std::vector<double> masses;  // of families that have them by a recurrence
-    if constexpr (requires { d.masses(first, std::span<double>(masses)); }) {
+    std::vector<double>
+        masses;  // of families that have them by a recurrence, and no ratio that is cheaper than a mass
+    constexpr bool kRecurrence = requires { d.masses(first, std::span<double>(masses)); };
+    if constexpr (kRecurrence) {
         constexpr double kFew = 4096;
-        if (range < kFew) {
+        if (range < kFew && x.counts().back().value < kConsecutive) {
             masses.resize(static_cast<std::size_t>(range) + 1);
             d.masses(first, masses);
         }
     }
-    if constexpr (requires { d.mass_ratio(first); }) {
-        if (masses.empty()) return sum_by_ratios(d, x.counts());
-    }
+    if constexpr (!kRecurrence && requires { d.mass_ratio(first); }) return sum_by_ratios(d, x);
     double sum = 0;
+    std::size_t until_pause = kCountsBetweenPauses;
     for (const auto& [value, times] : x.counts()) {
+        if (--until_pause == 0) {
+            x.pause();
+            until_pause = kCountsBetweenPauses;
+        }
         const double mass = masses.empty() ? 0 : masses[static_cast<std::size_t>(value - first)];
         sum += times * (mass > DBL_MIN ? std::log(mass) : d.log_density(value));
     }
@@ -132,7 +159,16 @@ double log_likelihood(const D& d, const Sample& x) {
     } else if constexpr (requires { D::kIntegers; }) {
         return sum_over_counts(d, x);
     } else {
-        return log_likelihood(d, x.values());
+        if (!x.interruptible()) return log_likelihood(d, x.values());
+        constexpr std::size_t kBlock = 4096;
+        double sum = 0;
+        for (std::span<const double> left = x.values(); !left.empty();) {
+            const std::size_t size = std::min(kBlock, left.size());
+            sum += log_likelihood(d, left.first(size));
+            left = left.subspan(size);
+            x.pause();
+        }
+        return sum;
     }
 }
 

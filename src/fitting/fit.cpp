@@ -51,13 +51,13 @@ struct Candidate {
 class Fit {
   public:
     Fit(FitDescriptor& descriptor, const FittedFamily& family, std::span<const double> data,
-        const FitRequest& request)
+        const FitRequest& request, const Deadline& deadline)
         : descriptor_(descriptor),
           family_(family),
           request_(request),
-          x_(data),
-          bounds_(request.TruncMin, request.TruncMax),
-          deadline_(Deadline::in(timeout_seconds)) {}
+          deadline_(deadline),
+          x_(data, &pause_),
+          bounds_(request.TruncMin, request.TruncMax) {}
 
     bool operator()() {
         if (given(request_.TruncMin) && x_.min() < request_.TruncMin)
@@ -71,10 +71,10 @@ class Fit {
         if (family_.sample_moments && !truncated() && !shifting()) {
             descriptor_.params[0] = statistics::mean(x_.values());
             if (x_.size() > 1) descriptor_.params[1] = std::sqrt(statistics::variance(x_.values()));
-        } else if (!family_.own_search && !MinimiseNegLogLikelihood()) {
-            return false;
+        } else if (!family_.own_search) {
+            MinimiseNegLogLikelihood();
         }
-        for (std::size_t i = 0; i < parameter_count(); ++i) {
+        for (std::size_t i = 0; i < parameter_count() + (shifting() ? 1 : 0); ++i) {
             if (!valid(descriptor_.params[i])) return fail_without_likelihood();
         }
         RoundIntegerParameters();
@@ -84,11 +84,11 @@ class Fit {
 
   private:
     bool EstimateStartParameters();
-    bool check_start(const Coordinates& coordinates) const;
+    bool keep_possible_places(const Sample& x);
     void choose_shift();
     void climb(Candidate& candidate, const Sample& x, double negligible);
     void approach();
-    bool MinimiseNegLogLikelihood();
+    void MinimiseNegLogLikelihood();
     void RoundIntegerParameters();
 
     bool fail_without_likelihood() const {
@@ -112,7 +112,7 @@ class Fit {
     double log_likelihood(const Parameters& parameters, const Sample& x) {
         const double moved = shifting() ? parameters[parameter_count()] : 0;
         if (moved == 0) return natural_log_likelihood(family_, parameters, x, bounds_);
-        return natural_log_likelihood(family_, parameters, Sample(less(x, moved)), bounds_);
+        return natural_log_likelihood(family_, parameters, Sample(less(x, moved), &pause_), bounds_);
     }
     /// The values less `moved`, valid until the next call.
     std::span<const double> less(const Sample& x, double moved) {
@@ -124,9 +124,10 @@ class Fit {
     FitDescriptor& descriptor_;
     const FittedFamily& family_;
     const FitRequest& request_;
+    const Deadline& deadline_;
+    const Sample::Pause pause_ = [this] { deadline_.check(); };
     const Sample x_;
     Bounds bounds_;
-    Deadline deadline_;
     bool held_ = false;
     std::vector<Parameters> places_;
     std::vector<double> moved_;
@@ -156,8 +157,8 @@ bool Fit::EstimateStartParameters() {
         std::fill(place.begin() + descriptor_.paramCount, place.end(), -numerics::kInfinity);
         if (shifting()) shift(place) = *request_.shift;
     }
+    if (!keep_possible_places(x)) return false;
     descriptor_.params = places_.front();
-    if (!check_start(Coordinates(ranges(), descriptor_.params, x))) return false;
     if (request_.startValues != nullptr) {
         std::copy_n(request_.startValues, parameter_count(), descriptor_.params.begin());
         places_.insert(places_.begin(), descriptor_.params);
@@ -165,20 +166,24 @@ bool Fit::EstimateStartParameters() {
     return true;
 }
 
-/// Reports the first start value that is no number or outside of its range.
-bool Fit::check_start(const Coordinates& coordinates) const {
-    const int outside = family_.closed_form ? -1 : coordinates.first_outside(descriptor_.params);
-    for (int i = 0; i < descriptor_.paramCount; ++i) {
-        const auto place = static_cast<std::size_t>(i);
-        if (valid(descriptor_.params[place]) && i != outside) continue;
-        if (family_.own_search) return fail_fit(message(family_, "Unable to perform the fit"));
-        if (family_.names[place] != nullptr)
-            return fail_fit(std::string("Error: Can't estimate {") + family_.names[place] +
-                            "} start parameter");
-        return fail_fit("Error: Unable to perform a fit because can't estimate (" + std::to_string(i + 1) +
-                        ") start parameter");
-    }
-    return true;
+/// Drops the places with a value that is no number or outside of its range. Where all are such, reports the first such
+/// value of the first.
+bool Fit::keep_possible_places(const Sample& x) {
+    const auto first_wrong = [&](const Parameters& place) {
+        const int outside = family_.closed_form ? -1 : Coordinates(ranges(), place, x).first_outside(place);
+        for (int i = 0; i < descriptor_.paramCount; ++i) {
+            if (i == outside || !valid(place[static_cast<std::size_t>(i)])) return i;
+        }
+        return -1;
+    };
+    const int wrong = first_wrong(places_.front());
+    std::erase_if(places_, [&](const Parameters& place) { return first_wrong(place) >= 0; });
+    if (!places_.empty()) return true;
+    if (family_.own_search) return fail_fit(message(family_, "Unable to perform the fit"));
+    if (const char* name = family_.names[static_cast<std::size_t>(wrong)])
+        return fail_fit(std::string("Error: Can't estimate {") + name + "} start parameter");
+    return fail_fit("Error: Unable to perform a fit because can't estimate (" + std::to_string(wrong + 1) +
+                    ") start parameter");
 }
 
 /// With a lower bound the shift starts so that the distribution begins just below it.
@@ -221,7 +226,7 @@ void Fit::approach() {
     const bool each_value_counts = !at_maximum && (!family_.summarised || shifting());
     std::vector<double> part;
     if (each_value_counts && 2 * part_size < x_.size()) part = thinned(x_.values(), part_size);
-    const Sample first(part.empty() ? x_.values() : part);
+    const Sample first(part.empty() ? x_.values() : part, &pause_);
     std::vector<Candidate> candidates;
     for (const Parameters& place : places_) candidates.push_back({place, log_likelihood(place, first)});
     std::ranges::stable_sort(candidates, std::greater<>(), &Candidate::log_likelihood);
@@ -237,12 +242,12 @@ void Fit::approach() {
 
 /// The search itself: Nelder and Mead's simplex over the parameters as they are, a held one and families' own searches
 /// excepted. Ending at the limit of iterations is no failure.
-bool Fit::MinimiseNegLogLikelihood() {
+void Fit::MinimiseNegLogLikelihood() {
     constexpr SimplexRules kRules = {0.1, 1e-5, 1000, false};
     constexpr double kRefused = 1e100;
     const std::size_t first = held_ ? 1 : 0, end = parameter_count() + (shifting() ? 1 : 0);
     Point point(descriptor_.params.begin() + first, descriptor_.params.begin() + end);
-    if (point.empty()) return true;
+    if (point.empty()) return;
     Parameters parameters = descriptor_.params;
     const Coordinates ranges_of_search(ranges(), parameters, x_);
     const bool keep_ranges = family_.costly && !shifting();
@@ -252,12 +257,8 @@ bool Fit::MinimiseNegLogLikelihood() {
         const double log = log_likelihood(parameters, x_);
         return log > -HUGE_VAL ? -log / numerics::kLn10 : kRefused;
     };
-    if (minimise(objective, point, kRules, deadline_) == SimplexEnd::timeout) {
-        fail("Error: calculation aborted or timeout expired");
-        return fail_fit("Error: Unable to fit from selected data array");
-    }
+    minimise(objective, point, kRules, deadline_);
     std::ranges::copy(point, descriptor_.params.begin() + first);
-    return true;
 }
 
 /// After the search, and nothing is fitted again after it.
@@ -274,10 +275,20 @@ const FittedFamily& family_of(const FitDescriptor& descriptor) {
     return *family;
 }
 
+bool fit_until(const Deadline& deadline, FitDescriptor& descriptor, std::span<const double> data,
+               const FitRequest& request);
+
 /// The parametric bootstrap: as many draws from the fitted distribution as there were data, fitted in their turn.
-bool replicate(FitDescriptor& descriptor, std::size_t count, const FitRequest& request) {
+bool replicate(const Deadline& deadline, FitDescriptor& descriptor, std::size_t count,
+               const FitRequest& request) {
+    constexpr std::size_t kDrawsBetweenLooks = 1 << 14;
     std::vector<double> draws(count);
-    if (!EvaluateFitted(descriptor, draws, nullptr, request.TruncMin, request.TruncMax)) return false;
+    for (std::span<double> left = draws; !left.empty(); deadline.check()) {
+        const std::size_t size = std::min(left.size(), kDrawsBetweenLooks);
+        if (!EvaluateFitted(descriptor, left.first(size), nullptr, request.TruncMin, request.TruncMax))
+            return false;
+        left = left.subspan(size);
+    }
     if (request.shift != nullptr) {
         for (double& value : draws) value += *request.shift;
     }
@@ -285,7 +296,27 @@ bool replicate(FitDescriptor& descriptor, std::size_t count, const FitRequest& r
     FitRequest again = request;
     again.uncertainty = false;
     again.startValues = fitted_parameters.data();
-    return FitDistribution(descriptor, draws, again);
+    return fit_until(deadline, descriptor, draws, again);
+}
+
+bool fit_until(const Deadline& deadline, FitDescriptor& descriptor, std::span<const double> data,
+               const FitRequest& request) {
+    // The results of a fit with a shift and of a replicate's are not kept: the key holds neither where the shift begins
+    // nor start values.
+    const bool kept = request.shift == nullptr && request.startValues == nullptr;
+    const FitKey key = {request.key != nullptr ? request.key : descriptor.name,
+                        descriptor.code,
+                        request.uncertainty,
+                        request.TruncMin,
+                        request.TruncMax,
+                        request.firstParameter != nullptr ? *request.firstParameter : kNotGiven};
+    if (const Parameters* known = kept ? result_cache.find(key, data) : nullptr) {
+        descriptor.params = *known;
+    } else {
+        if (!Fit(descriptor, family_of(descriptor), data, request, deadline)()) return false;
+        if (kept) result_cache.store(key, data, descriptor.params);
+    }
+    return !request.uncertainty || replicate(deadline, descriptor, data.size(), request);
 }
 
 }  // namespace
@@ -299,25 +330,27 @@ FitDescriptor::FitDescriptor(int code_)
 
 bool FitDistribution(FitDescriptor& descriptor, std::span<const double> data, const FitRequest& request) {
     const FittedFamily& family = family_of(descriptor);
-    if (data.empty()) return fail_fit("Error: source array is not valid");
-    // A fit with a shift and a replicate's are not kept: their parameters belong to more than the request tells.
-    const bool kept = request.shift == nullptr && request.startValues == nullptr;
-    const FitKey key = {request.key != nullptr ? request.key : descriptor.name,
-                        descriptor.code,
-                        request.uncertainty,
-                        request.TruncMin,
-                        request.TruncMax,
-                        request.firstParameter != nullptr ? *request.firstParameter : kNotGiven};
-    if (const Parameters* known = kept ? result_cache.find(key, data) : nullptr) {
-        descriptor.params = *known;
-    } else {
-        if (!Fit(descriptor, family, data, request)()) {
+    /// What a fit that fails, or ends by an exception, must leave behind.
+    struct Undo {
+        FitDescriptor& descriptor;
+        double* shift;
+        double shift_before = shift != nullptr ? *shift : 0;
+        bool success = false;
+        ~Undo() {
+            if (success) return;
             descriptor.clear();
-            return false;
+            if (shift != nullptr) *shift = shift_before;
         }
-        if (kept) result_cache.store(key, data, descriptor.params);
+    } undo{descriptor, request.shift};
+    if (data.empty()) return fail_fit("Error: source array is not valid");
+    try {
+        undo.success = fit_until(Deadline::in(timeout_seconds), descriptor, data, request);
+    } catch (const TimedOut& reason) {
+        fail(std::string("Error: ") + reason.what());
+        return fail_fit(family.own_search ? message(family, "Unable to perform the fit")
+                                          : "Error: Unable to fit from selected data array");
     }
-    return !request.uncertainty || replicate(descriptor, data.size(), request);
+    return undo.success;
 }
 
 bool within_bounds(std::span<const double> data, const FitRequest& request) {

@@ -1,11 +1,15 @@
 #include "fitting/maximise.h"
 
-#include <gsl/gsl_errno.h>
 #include <gsl/gsl_multimin.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <exception>
 #include <memory>
+#include <new>
+
+#include "numerics/gsl.h"
 
 namespace pral::fitting {
 
@@ -15,43 +19,58 @@ struct FreeMinimiser {
     void operator()(gsl_multimin_fminimizer* minimiser) const { gsl_multimin_fminimizer_free(minimiser); }
 };
 
-/// The objective as GSL calls it, with vectors that are contiguous. It notices when nothing is left to tell points apart.
+/// The objective as GSL calls it, with vectors that are contiguous: always a finite number, and no exception on its way
+/// through C. It notices when nothing is left to tell points apart.
 class Watched {
   public:
-    explicit Watched(const Objective& objective) : objective_(objective) {}
+    Watched(const Objective& objective, const Deadline& deadline)
+        : objective_(objective), deadline_(deadline) {}
 
-    static double call(const gsl_vector* x, void* watched) {
+    static double call(const gsl_vector* x, void* watched) noexcept {
         return static_cast<Watched*>(watched)->value({x->data, x->size});
     }
     /// The last so many values have all been the lowest to rounding: the steps are too short for the parameters.
     bool flat(std::size_t values) const { return level_ >= values; }
+    /// Hands on what the objective has thrown; values since then count for nothing.
+    void rethrow() const {
+        if (thrown_) std::rethrow_exception(thrown_);
+    }
 
   private:
-    double value(std::span<const double> x) {
+    static constexpr double kRefused = 1e100;
+
+    double value(std::span<const double> x) noexcept {
+        if (thrown_) return kRefused;
+        try {
+            deadline_.check();
+            return noted(objective_(x));
+        } catch (...) {
+            thrown_ = std::current_exception();
+            return kRefused;
+        }
+    }
+    double noted(double value) {
         constexpr double kRounding = 1e-12;
-        const double value = objective_(x);
+        if (!std::isfinite(value)) value = kRefused;
         level_ = std::fabs(value - lowest_) <= kRounding * std::fabs(lowest_) ? level_ + 1 : 0;
         lowest_ = std::min(lowest_, value);
         return value;
     }
 
     const Objective& objective_;
+    const Deadline& deadline_;
+    std::exception_ptr thrown_;
     double lowest_ = HUGE_VAL;
     std::size_t level_ = 0;
 };
 
 }  // namespace
 
-Deadline Deadline::in(double seconds) {
-    constexpr double kLongest = 1e9;
-    const std::chrono::duration<double> wait(std::clamp(seconds, 0.0, kLongest));
-    return Deadline(Clock::now() + std::chrono::duration_cast<Clock::duration>(wait));
-}
-
-SimplexEnd minimise(const Objective& objective, Point& point, const SimplexRules& rules,
-                    const Deadline& deadline) {
+void minimise(const Objective& objective, Point& point, const SimplexRules& rules, const Deadline& deadline) {
+    const numerics::GslErrorsReturn guard;
     const std::size_t dimension = point.size();
-    Watched watched(objective);
+    if (!std::ranges::all_of(point, [](double x) { return std::isfinite(x); })) return;
+    Watched watched(objective, deadline);
     gsl_multimin_function function = {Watched::call, dimension, &watched};
     Point steps(dimension, rules.step);
     const auto start = gsl_vector_view_array(point.data(), dimension);
@@ -61,16 +80,16 @@ SimplexEnd minimise(const Objective& objective, Point& point, const SimplexRules
     const std::unique_ptr<gsl_multimin_fminimizer, FreeMinimiser> minimiser(
         gsl_multimin_fminimizer_alloc(type, dimension));
     if (!minimiser) throw std::bad_alloc();
-    gsl_multimin_fminimizer_set(minimiser.get(), &function, &start.vector, &step.vector);
-    for (int iteration = 0; iteration < rules.most_iterations; ++iteration) {
-        if (deadline.passed()) return SimplexEnd::timeout;
-        if (gsl_multimin_fminimizer_iterate(minimiser.get()) != GSL_SUCCESS) break;
+    int status = gsl_multimin_fminimizer_set(minimiser.get(), &function, &start.vector, &step.vector);
+    watched.rethrow();
+    for (int i = 0; status == GSL_SUCCESS && i < rules.most_iterations; ++i) {
+        status = gsl_multimin_fminimizer_iterate(minimiser.get());
+        watched.rethrow();
+        if (status != GSL_SUCCESS || watched.flat(4 * (dimension + 1))) break;
         const double size = gsl_multimin_fminimizer_size(minimiser.get());
         if (gsl_multimin_test_size(size, rules.tolerance) == GSL_SUCCESS) break;
-        if (watched.flat(4 * (dimension + 1))) break;
     }
     for (std::size_t i = 0; i < dimension; ++i) point[i] = gsl_vector_get(minimiser->x, i);
-    return SimplexEnd::done;
 }
 
 namespace {
@@ -178,11 +197,11 @@ bool climb(const Objective& objective, const LocalModel& model, Maximum& best, d
 
 /// Newton's method from `best` upwards; whether it ends where the gradient vanishes, or on a slope towards infinity that has
 /// become level.
-bool newton(const Objective& objective, Maximum& best, const Deadline& deadline, double negligible) {
+bool newton(const Objective& objective, Maximum& best, double negligible) {
     constexpr int kMostSteps = 60, kLevelSteps = 2;
     const double level_gain = std::max(negligible, 1e-6);
     double damping = 0;
-    for (int i = 0, level = 0; i < kMostSteps && !deadline.passed(); ++i) {
+    for (int i = 0, level = 0; i < kMostSteps; ++i) {
         const LocalModel model(objective, best.point, best.value);
         if (!model.valid()) return false;
         Row full = {};
@@ -200,22 +219,23 @@ bool newton(const Objective& objective, Maximum& best, const Deadline& deadline,
 
 Maximum maximise(const Objective& objective, const Point& start, const Deadline& deadline,
                  double negligible) {
-    Maximum best = {start, objective(start)};
+    const Objective timed = [&](std::span<const double> x) {
+        deadline.check();
+        const double value = objective(x);
+        return std::isfinite(value) ? value : -HUGE_VAL;
+    };
+    Maximum best = {start, timed(start)};
     if (start.empty() || start.size() > kMost || !std::isfinite(best.value)) return best;
     constexpr int kMostRounds = 4;
     constexpr double kWorthARound = 1e-5;
     constexpr SimplexRules kSimplex = {0.25, 1e-4, 400, true};
-    constexpr double kRefused = 1e100;  // GSL's simplex takes no infinities
-    const Objective descent = [&](std::span<const double> x) {
-        const double value = objective(x);
-        return std::isfinite(value) ? -value : kRefused;
-    };
+    const Objective descent = [&](std::span<const double> x) { return -objective(x); };
     for (int round = 0; round < kMostRounds; ++round) {
         const double before = best.value;
-        if (newton(objective, best, deadline, negligible)) return best;
+        if (newton(timed, best, negligible)) return best;
         Point point = best.point;
-        if (minimise(descent, point, kSimplex, deadline) == SimplexEnd::timeout) return best;
-        if (const double value = objective(point); value > best.value) best = {point, value};
+        minimise(descent, point, kSimplex, deadline);
+        if (const double value = timed(point); value > best.value) best = {point, value};
         if (round > 0 && best.value - before < kWorthARound) return best;
     }
     return best;

@@ -1,27 +1,15 @@
 // Maximisation of a log-likelihood over a handful of coordinates.
 #pragma once
 
-#include <array>
-#include <chrono>
 #include <functional>
 #include <span>
 #include <vector>
 
+#include "fitting/deadline.h"
+
 namespace pral::fitting {
 
-/// When a calculation has to end.
-class Deadline {
-  public:
-    using Clock = std::chrono::steady_clock;
-    static Deadline in(double seconds);
-    bool passed() const { return Clock::now() >= end_; }
-
-  private:
-    explicit Deadline(Clock::time_point end) : end_(end) {}
-    Clock::time_point end_;
-};
-
-/// A function of the coordinates; -infinity or NaN where it has no value.
+/// A function of the coordinates; infinite or NaN where it has no value.
 using Objective = std::function<double(std::span<const double>)>;
 using Point = std::vector<double>;
 
@@ -38,16 +26,14 @@ struct SimplexRules {
     bool incremental;  // nmsimplex2, otherwise nmsimplex
 };
 
-enum class SimplexEnd { done, timeout };
-
 /// Moves `point` to the lowest vertex that the simplex finds. Ends early, with what it has, when GSL reports an error or
-/// when the values around are the same to rounding.
-SimplexEnd minimise(const Objective& objective, Point& point, const SimplexRules& rules,
-                    const Deadline& deadline);
+/// when the values around are the same to rounding. Throws TimedOut at the deadline.
+void minimise(const Objective& objective, Point& point, const SimplexRules& rules, const Deadline& deadline);
 
 /// A local maximum near `start`: Newton's method on central differences, damped after Levenberg and Marquardt, for
 /// coordinates of which a step of 1 is a large one; with Nelder-Mead where the function has no second derivatives. The
-/// value is within some ten times `negligible` of the maximum, unless the deadline comes first.
+/// value is within some ten times `negligible` of the maximum. Throws TimedOut at the deadline: what has not been finished
+/// is no result.
 Maximum maximise(const Objective& objective, const Point& start, const Deadline& deadline,
                  double negligible = 1e-8);
 

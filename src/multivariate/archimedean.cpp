@@ -1,10 +1,10 @@
 #include "multivariate/archimedean.h"
 
-#include <gsl/gsl_errno.h>
 #include <gsl/gsl_sf_debye.h>
 
 #include <array>
 
+#include "numerics/gsl.h"
 #include "statistics/comparison.h"
 
 namespace pral::multivariate {
@@ -62,6 +62,7 @@ void Frank::frailties(std::span<double> first, std::span<const double>) const {
 }
 
 double Frank::tau(double theta) {
+    const numerics::GslErrorsReturn guard;
     gsl_sf_result debye;
     if (theta == 0 || gsl_sf_debye_1_e(theta, &debye) != GSL_SUCCESS) return 0;
     return 1 - 4 / theta * (1 - debye.val);

@@ -166,21 +166,28 @@ TEST(Fits, EndForAnyData) {
                                          {1, 1, 1, 7},
                                          {0.1, 0.2, 1e9},
                                          {1e15, 1e15 + 1, 1e15 + 4},
+                                         {1e17, 1e17 + 16, 1e17 + 32},
                                          {0, 3, 0, 12, 1, 0, 5}};
     PralSetFitTimeout(5);
     for (const CatalogueRow& row : catalogue()) {
         FitDescriptor fit(code_of(row.name));
         if (fitted_family(fit.code) == nullptr) continue;
         for (const Values& x : samples) {
-            fit.clear();
-            PralSetCoreError("");
-            const bool success = FitDistribution(fit, x, {});
-            const bool silent = std::string(row.name) == "PralSkewNormal" && x.size() < 3;
-            EXPECT_TRUE(success || silent || PralCoreError()[0] != '\0') << row.name;
-            for (int i = 0; i < row.parameter_count; ++i) {
-                const double p = fit.params[static_cast<std::size_t>(i)];
-                EXPECT_TRUE(success ? std::fabs(p) < DBL_MAX : p == -DBL_MAX)
-                    << row.name << " of " << x[0] << ", ...";
+            for (const bool shifted : {false, true}) {
+                fit.clear();
+                PralSetCoreError("");
+                double shift = 0.25;
+                FitRequest request;
+                if (shifted) request.shift = &shift;
+                const bool success = FitDistribution(fit, x, request);
+                const bool silent = std::string(row.name) == "PralSkewNormal" && x.size() < 3;
+                EXPECT_TRUE(success || silent || PralCoreError()[0] != '\0') << row.name;
+                EXPECT_TRUE(success ? std::fabs(shift) < DBL_MAX : shift == 0.25) << row.name << " " << shift;
+                for (int i = 0; i < row.parameter_count; ++i) {
+                    const double p = fit.params[static_cast<std::size_t>(i)];
+                    EXPECT_TRUE(success ? std::fabs(p) < DBL_MAX : p == -DBL_MAX)
+                        << row.name << " of " << x[0] << ", ...";
+                }
             }
         }
     }
@@ -265,24 +272,126 @@ TEST(Fits, FindTheShift) {
               FitLogLikelihood(descriptor_of("Gamma", {3, 2}), x, kNotGiven, kNotGiven, -100));
 }
 
-TEST(Fits, AreRememberedAndFoundAgain) {
-    Values x = drawn(descriptor_of("Weibull", {2, 3}), 300, 9);
-    FitDescriptor first = descriptor_of("Weibull"), second = first;
-    ASSERT_TRUE(FitDistribution(first, x, {}));
-    const long before = evaluations();
-    ASSERT_TRUE(FitDistribution(second, x, {}));
-    EXPECT_EQ(evaluations(), before);
-    EXPECT_EQ(first.params, second.params);
-    for (const auto change :
-         {+[](FitRequest& r) { r.TruncMin = 0; }, +[](FitRequest& r) { r.key = "Sheet1!A1"; }}) {
-        FitRequest request;
-        change(request);
-        const long so_far = evaluations();
-        ASSERT_TRUE(FitDistribution(second, x, request));
-        EXPECT_GT(evaluations(), so_far);
+/// Data that a family can have, however hard they make it to begin.
+TEST(Fits, AcceptTiesZerosAndOutliers) {
+    const Values ties = {1, 2, 2, 2, 2, 2, 2, 2, 3, 4.5}, low_ties = {1, 1, 1, 1, 1, 1, 1, 1, 2, 5},
+                 zeros = {0, 0, 0, 0, 0, 0, 0, 0.5, 2, 7};
+    Values outlier(40, 0), inflated(50, 0);
+    for (std::size_t i = 0; i < outlier.size(); ++i) outlier[i] = std::sin(static_cast<double>(i));
+    outlier[0] = 1e9;
+    Values below = outlier;
+    below[0] = -1e9;
+    std::copy_n(Values{1, 1, 2, 1, 3}.begin(), 5, inflated.begin());
+    const std::pair<const char*, Values> rows[] = {
+        {"Cauchy", ties},       {"Logistic", ties},    {"HS", ties},
+        {"Slash", ties},        {"ExtValueMax", ties}, {"ExtValueMin", ties},
+        {"Burr", low_ties},     {"Fatigue", low_ties}, {"LogGamma", low_ties},
+        {"Levy", low_ties},     {"Pareto2", zeros},    {"ExtValueMin", outlier},
+        {"ExtValueMax", below}, {"Logistic", outlier}, {"ZILogarithmic", inflated}};
+    for (const auto& [name, x] : rows) {
+        FitDescriptor fit = descriptor_of(name);
+        EXPECT_TRUE(FitDistribution(fit, x, {})) << name << ": " << PralCoreError();
+        double median = 0;
+        const double half = 0.5;
+        EXPECT_TRUE(EvaluateFitted(fit, {&median, 1}, &half, kNotGiven, kNotGiven)) << name;
     }
-    x.back() = std::nextafter(x.back(), 0);
-    ASSERT_TRUE(FitDistribution(second, x, {}));
+}
+
+/// Wherever there is a fit, it has values and replicates.
+TEST(Fits, HaveValuesWhateverTheParameters) {
+    for (const char* name : {"BetaNegBin", "ZIBetaNegBin", "ZTBetaNegBin"}) {
+        for (const Values& x : {Values{1, 1, 1, 1, 2}, Values{1, 2, 5, 40, 1000}, Values{3, 4, 4, 5, 5, 6},
+                                Values{1, 1, 2, 1, 1, 30}}) {
+            FitDescriptor fit = descriptor_of(name);
+            ASSERT_TRUE(FitDistribution(fit, x, {})) << name << ": " << PralCoreError();
+            Values out(3);
+            EXPECT_TRUE(FitAndEvaluate(fit, out, x, 0.5, {})) << name << " " << x.back() << PralCoreError();
+        }
+    }
+}
+
+/// A fit that the time-out has ended leaves nothing behind, in the memory of results neither.
+TEST(Fits, UnfinishedOnesAreFailures) {
+    const Values x = drawn(descriptor_of("Gamma", {3, 2}), 200, 21);
+    for (const char* name : {"JohnsonU", "Kumaraswamy4", "Gamma", "Triangle", "Delaporte"}) {
+        const Values& data = std::string(name) == "Delaporte" ? Values{3, 1, 0, 4, 9, 2, 2, 7} : x;
+        for (const bool shifted : {false, true}) {
+            double shift = -1;
+            FitRequest request;
+            if (shifted) request.shift = &shift;
+            FitDescriptor fit = descriptor_of(name);
+            set_timeout(0);
+            EXPECT_FALSE(FitDistribution(fit, data, request)) << name;
+            EXPECT_EQ(fit.params[0], -DBL_MAX) << name;
+            EXPECT_EQ(shift, -1) << name;
+            set_timeout(60);
+            const long before = evaluations();
+            EXPECT_TRUE(FitDistribution(fit, data, request)) << name << PralCoreError();
+            EXPECT_GT(evaluations(), before) << name;
+        }
+    }
+}
+
+/// The deadline reaches into the likelihood of a large sample.
+TEST(Fits, LongSumsCanBeInterrupted) {
+    struct Enough {};
+    const FitDescriptor truth = descriptor_of("NegBin", {2, 1e-9});
+    const Values counts = drawn(truth, 5000, 1), reals = drawn(descriptor_of("Cauchy", {0, 1}), 20000, 2);
+    const std::pair<const char*, const Values*> rows[] = {{"Poisson", &counts},   {"Skellam", &counts},
+                                                          {"ZIPoisson", &counts}, {"Delaporte", &counts},
+                                                          {"Cauchy", &reals},     {"JohnsonU", &reals}};
+    for (const auto& [name, x] : rows) {
+        int pauses = 0;
+        const pral::Sample::Pause pause = [&] {
+            if (++pauses == 3) throw Enough();
+        };
+        const FitDescriptor fit = descriptor_of(name, {1, 0.5, 0.5, 0.5});
+        EXPECT_THROW(fitted_family(fit.code)->log_likelihood(fit.params.data(), pral::Sample(*x, &pause),
+                                                             Bounds(kNotGiven, kNotGiven).modifiers()),
+                     Enough)
+            << name;
+    }
+}
+
+/// One change of each member of a request: another fit, whichever comes first.
+TEST(Fits, AreRememberedAndFoundAgain) {
+    using Change = void (*)(FitRequest&);
+    static double count, shift;
+    static Values start;
+    const Change changes[] = {[](FitRequest&) {},
+                              [](FitRequest& r) { r.TruncMin = 0; },
+                              [](FitRequest& r) { r.TruncMax = 1000; },
+                              [](FitRequest& r) { r.key = "Sheet1!A1"; },
+                              [](FitRequest& r) { r.firstParameter = &(count = 30); },
+                              [](FitRequest& r) { r.firstParameter = &(count = 31); },
+                              [](FitRequest& r) { r.shift = &(shift = 0); },
+                              [](FitRequest& r) { r.startValues = start.data(); },
+                              [](FitRequest& r) { r.uncertainty = true; }};
+    constexpr std::size_t kFirstNotKept = 6;
+    Values x = drawn(descriptor_of("BetaBinomial", {20, 2, 3}), 100, 9);
+    start = {25, 2, 3};
+    for (const bool backwards : {false, true}) {
+        x.front() += 1;  // data that no fit has met
+        for (std::size_t i = 0; i < std::size(changes); ++i) {
+            const std::size_t change = backwards ? std::size(changes) - 1 - i : i;
+            FitRequest request;
+            changes[change](request);
+            const long before = evaluations();
+            FitDescriptor fit = descriptor_of("BetaBinomial"), again = fit;
+            ASSERT_TRUE(FitDistribution(fit, x, request)) << change << PralCoreError();
+            EXPECT_GT(evaluations(), before) << change;
+            changes[change](request);
+            const long so_far = evaluations();
+            ASSERT_TRUE(FitDistribution(again, x, request));
+            EXPECT_EQ(evaluations() == so_far, change < kFirstNotKept) << change;
+            EXPECT_EQ(fit.params == again.params, !request.uncertainty) << change;
+        }
+    }
+    FitDescriptor last = descriptor_of("BetaBinomial");
+    ASSERT_TRUE(FitDistribution(last, x, {}));
+    const long before = evaluations();
+    x.back() = x.back() > 0 ? x.back() - 1 : 1;
+    ASSERT_TRUE(FitDistribution(last, x, {}));
     EXPECT_GT(evaluations(), before);
 }
 
