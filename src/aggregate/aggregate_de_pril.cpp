@@ -4,10 +4,11 @@
 #include <cmath>
 #include <cstring>
 #include <numeric>
-#include <unordered_map>
 
 #include "aggregate/crc16.h"
 #include "boundary/core_api.h"
+#include "boundary/recently_used.h"
+#include "boundary/turn.h"
 #include "distributions/members.h"
 
 namespace pral {
@@ -43,32 +44,27 @@ std::shared_ptr<const ComputedPortfolio> compute(const Portfolio& portfolio, std
     });
 }
 
-/// The portfolios computed so far. None is ever dropped; once they hold kMostKept numbers, further ones are computed for
-/// their call alone.
+/// The portfolios computed last.
 class Store {
   public:
     /// The portfolio of the latest call, when it is this one: no key needs to be computed.
     std::shared_ptr<const ComputedPortfolio> latest(const Portfolio& portfolio, std::size_t order) const {
-        return latest_ != nullptr && latest_->is_of(portfolio, order) ? latest_ : nullptr;
+        const auto* const latest = computed_.latest();
+        return latest != nullptr && (*latest)->is_of(portfolio, order) ? *latest : nullptr;
     }
 
     std::shared_ptr<const ComputedPortfolio> find_or_compute(const Portfolio& portfolio, std::size_t order) {
         const std::uint16_t key = key_of(portfolio, order);
-        const auto [begin, end] = by_key_.equal_range(key);
-        const auto found = std::find_if(
-            begin, end, [&](const auto& entry) { return entry.second->is_of(portfolio, order); });
-        if (found != end) return latest_ = found->second;
-        latest_ = compute(portfolio, order);
-        const std::size_t numbers = size(*latest_);
-        if (numbers <= kMostKept - kept_) {
-            by_key_.emplace(key, latest_);
-            kept_ += numbers;
-        }
-        return latest_;
+        const auto* const found =
+            computed_.find(key, [&](const auto& computed) { return computed->is_of(portfolio, order); });
+        if (found != nullptr) return *found;
+        auto computed = compute(portfolio, order);
+        const std::size_t bytes = bytes_of(*computed);
+        return computed_.add(key, std::move(computed), bytes);
     }
 
   private:
-    static constexpr std::size_t kMostKept = std::size_t{1} << 25;
+    static constexpr std::size_t kMostPortfolios = 4096, kMostBytes = 64'000'000;
 
     static std::uint16_t key_of(const Portfolio& portfolio, std::size_t order) {
         const std::size_t shape[] = {portfolio.amounts, order};
@@ -77,14 +73,14 @@ class Store {
         return crc16(std::as_bytes(std::span(shape)), key);
     }
     /// A Relative keeps six numbers for each amount.
-    static std::size_t size(const ComputedPortfolio& computed) {
+    static std::size_t bytes_of(const ComputedPortfolio& computed) {
         const double amounts = computed.uncertain != nullptr ? computed.uncertain->support().upper : 0;
-        return computed.q.size() + computed.policies.size() + 6 * static_cast<std::size_t>(amounts);
+        const std::size_t numbers =
+            computed.q.size() + computed.policies.size() + 6 * static_cast<std::size_t>(amounts);
+        return numbers * sizeof(double);
     }
 
-    std::unordered_multimap<std::uint16_t, std::shared_ptr<const ComputedPortfolio>> by_key_;
-    std::shared_ptr<const ComputedPortfolio> latest_;
-    std::size_t kept_ = 0;
+    RecentlyUsed<std::shared_ptr<const ComputedPortfolio>> computed_{kMostPortfolios, kMostBytes};
 };
 
 Store& store() {
@@ -150,36 +146,48 @@ double AggregateDePril::units(double x) const {
 
 namespace {
 
-/// The parameters stand before the percentile here, which is drawn for a portfolio that has been computed.
-bool aggregate_value(double* out, const AggregateDePril& aggregate, const double* U) {
-    if (aggregate.check() != nullptr) return fail(aggregate.check());
-    return value_member(out, aggregate, {U, nullptr, nullptr, nullptr, nullptr});
+/// Calls for aggregates share the store.
+Turnstile aggregates;
+
+/// Runs `body` on the aggregate of these arguments, when no other call is at work on one.
+template <class Body>
+bool with_aggregate(double* out, const double* q, const double* policies, int m, int c, double base,
+                    const int* K, Body body) {
+    return guarded(out, 1, [&](int) {
+        const Turnstile::Turn turn(aggregates);
+        if (!turn) return fail("Error: another aggregate is being computed, and calls must not overlap");
+        return body(AggregateDePril(q, policies, m, c, base, K));
+    });
+}
+
+bool joint_probability(double* out, double* x, int count, const double* q, const double* policies, int m,
+                       int c, double base, const int* K, const int* cumulative, Scale scale) {
+    return with_aggregate(out, q, policies, m, c, base, K, [=](const AggregateDePril& aggregate) {
+        return probability_member(out, x, count, aggregate, cumulative, {}, scale);
+    });
 }
 
 }  // namespace
 
 }  // namespace pral
 
+/// The parameters stand before the percentile here, which is drawn for a portfolio that has been computed.
 bool PralAggregateDePril_Core(double* out, const double* q, const double* policies, int m, int c, double base,
                               const int* K, const double* U) {
-    return pral::guarded(out, 1, [&](int) {
-        return pral::aggregate_value(out, {q, policies, m, c, base, K}, U);
+    return pral::with_aggregate(out, q, policies, m, c, base, K, [=](const pral::AggregateDePril& aggregate) {
+        if (aggregate.check() != nullptr) return pral::fail(aggregate.check());
+        return pral::value_member(out, aggregate, {U, nullptr, nullptr, nullptr, nullptr});
     });
 }
 
 bool PralAggregateDePrilProb_Core(double* out, double* x, int count, const double* q, const double* policies,
                                   int m, int c, double base, const int* K, const int* cumulative) {
-    return pral::guarded(out, 1, [&](int) {
-        return pral::probability_member(out, x, count, pral::AggregateDePril(q, policies, m, c, base, K),
-                                        cumulative, {}, pral::Scale::plain);
-    });
+    return pral::joint_probability(out, x, count, q, policies, m, c, base, K, cumulative, pral::Scale::plain);
 }
 
 bool PralAggregateDePrilProb10_Core(double* out, double* x, int count, const double* q,
                                     const double* policies, int m, int c, double base, const int* K,
                                     const int* cumulative) {
-    return pral::guarded(out, 1, [&](int) {
-        return pral::probability_member(out, x, count, pral::AggregateDePril(q, policies, m, c, base, K),
-                                        cumulative, {}, pral::Scale::natural_log);
-    });
+    return pral::joint_probability(out, x, count, q, policies, m, c, base, K, cumulative,
+                                   pral::Scale::natural_log);
 }

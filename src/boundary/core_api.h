@@ -256,7 +256,9 @@ PRAL_API bool PralMarkovSampleVB_Core(SAFEARRAY** out, const double* population,
  * whose claim amounts to j + 1 units, j < c; base > 0 is the unit. The probabilities g(0), g(1), ... of 0, 1, ... units
  * follow De Pril's recursion (1986), in which *K >= 1, when given and not 0, limits the order of the inner sum: faster
  * and less accurate. The table ends at the first amount beyond the mean whose probability is not positive. Policies
- * with q = 1 are certain: their claims are added to those of the others. Tables are kept from call to call.
+ * with q = 1 are certain: their claims are added to those of the others. The tables used last are kept from call to
+ * call: 4,096 of them, as many as fit into 64 MB, and the latest one in any case. A call during another one fails with
+ * "Error: another aggregate is being computed, and calls must not overlap".
  *
  * The amount is told as a continuous variable: base times a variable whose density is the polygon through (s, g(s)),
  * scaled to area 1 (Relative(0, S, {0, ..., S}, g)); the density is that per unit, not divided by base. A portfolio
@@ -815,7 +817,10 @@ PRAL_API bool PralCopulaMultiTFitPVB_Core(double* nu, SAFEARRAY** corr, const do
  * mean and standard deviation of the sample (divisor n - 1). Integer parameters are real numbers during the search;
  * those of BetaBinomial, Binomial, Chi, ChiSq, Erlang (truncated), NCChiSq, NegBin, Student, Student3, ZIBetaBinomial
  * and ZTBetaBinomial are rounded after it. The base of LognormalB is 10 to begin with: no data can tell it.
- * The results of the last 64 fits (4,000,000 data) are kept and found again by equal requests.
+ * The results of the 64 fits used last, with data and names of 32 MB (4,000,000 data) at most, are kept and found again
+ * by equal requests. Fits with a shift and replicates are not kept.
+ *
+ * A fit, with its replicate, ends after PralSetFitTimeout's seconds; one that has not been finished then has failed.
  *
  * Errors
  *   "Error: source array is not valid"                                     n <= 0 or no data
@@ -830,8 +835,9 @@ PRAL_API bool PralCopulaMultiTFitPVB_Core(double* nu, SAFEARRAY** corr, const do
  *   "Fit not possible as variance < mean"                                  PoissonUniform
  *   "Error: Unable to perform a fit from selected data"                    no likelihood, even at the start
  *   "Error: Unable to fit from selected data array"                        time-out
+ *   "Error: another fit is running, and calls must not overlap"            in another thread
  * JohnsonU and Kumaraswamy4 put their names in the place of "Error" and have "Unable to perform the fit" for all else.
- * After a failed FitP all elements are -DBL_MAX.
+ * After a failed FitP all elements are -DBL_MAX, and *shift is as it was.
  */
 /* clang-format off */
 #define PRAL_FITTED_FAMILIES(FIT)                                                                                 \
@@ -886,7 +892,7 @@ PRAL_API bool PralFitLogLikelihood_Core(double* out, const char* distribution, c
                                         int count, const double* data, int n, double TruncMin,
                                         double TruncMax, const double* shift);
 
-/* The search of a fit ends after so many seconds (60 in a freshly loaded library) with "Error: Unable to fit from
+/* A fit ends after so many seconds of processor time (60 in a freshly loaded library) with "Error: Unable to fit from
  * selected data array". Not a number and negative values count as 0. */
 PRAL_API void PralSetFitTimeout(double seconds);
 

@@ -1,10 +1,11 @@
 // The exported entry points of the fits.
 #include <algorithm>
-#include <cstdio>
 #include <numeric>
+#include <string>
 
 #include "boundary/call.h"
 #include "boundary/core_api.h"
+#include "boundary/turn.h"
 #include "distributions/families.h"
 #include "distributions/real_counts.h"
 #include "fitting/catalogue.h"
@@ -34,35 +35,44 @@ struct Data {
     }
 };
 
+/// Fits share the time-out, the memory of results and the message of the last one that failed.
+Turnstile fits;
+constexpr Message kOverlap = "Error: another fit is running, and calls must not overlap";
+
 bool is_set(const int* flag) { return flag != nullptr && *flag != 0; }
 
 bool fit_values(int code, double* out, int count, const Data& data, double U) {
     return guarded(out, count, [&](int size) {
         if (!data.check()) return false;
+        const Turnstile::Turn turn(fits);
+        if (!turn) return fail(kOverlap);
         FitDescriptor descriptor(code);
-        return FitAndEvaluate(descriptor, {out, static_cast<std::size_t>(size)}, data.values(), U,
-                              data.request());
+        const std::span<double> values(out, static_cast<std::size_t>(size));
+        const bool success = FitAndEvaluate(descriptor, values, data.values(), U, data.request());
+        if (!success) std::ranges::fill(values, 0.0);
+        return success;
     });
 }
 
 bool check_length(int given, int wanted) {
     if (given == wanted) return true;
-    char message[128];
-    std::snprintf(message, sizeof message,
-                  "Error: Output array length(%d) must equal to number of distribution parameters(%d)", given,
-                  wanted);
-    return fail(message);
+    return fail("Error: Output array length(" + std::to_string(given) +
+                ") must equal to number of distribution parameters(" + std::to_string(wanted) + ")");
 }
 
 bool fit_parameters(int code, double* out, int length, const Data& data, double* shift) {
     return guarded([&] {
         FitDescriptor descriptor(code);
         if (!check_length(length, descriptor.paramCount) || !pral::given({{"out", out}})) return false;
+        std::copy_n(descriptor.params.begin(), length, out);  // -DBL_MAX: what a failure leaves
+        if (!data.check()) return false;
+        const Turnstile::Turn turn(fits);
+        if (!turn) return fail(kOverlap);
         FitRequest request = data.request();
         request.shift = shift;
-        const bool success = data.check() && FitDistribution(descriptor, data.values(), request);
+        if (!FitDistribution(descriptor, data.values(), request)) return false;
         std::copy_n(descriptor.params.begin(), length, out);
-        return success;
+        return true;
     });
 }
 
@@ -153,6 +163,8 @@ bool PralFitLogLikelihood_Core(double* out, const char* distribution, const doub
         const Data given = {data, n, false, TruncMin, TruncMax, nullptr};
         FitDescriptor descriptor(code);
         if (!check_length(count, descriptor.paramCount) || !given.check()) return false;
+        const pral::Turnstile::Turn turn(fits);
+        if (!turn) return pral::fail(kOverlap);
         std::copy_n(parameters, count, descriptor.params.begin());
         *out =
             FitLogLikelihood(descriptor, given.values(), TruncMin, TruncMax, shift != nullptr ? *shift : 0);

@@ -1,6 +1,7 @@
 #include "fitting/result_cache.h"
 
 #include <bit>
+#include <cstdint>
 #include <cstring>
 
 namespace pral::fitting {
@@ -24,26 +25,19 @@ std::uint64_t hash_of(std::span<const double> data) {
 
 }  // namespace
 
-const Parameters* ResultCache::find(const FitKey& key, std::span<const double> data) const {
-    if (entries_.empty()) return nullptr;
-    const std::uint64_t hash = hash_of(data);
-    for (const Entry& entry : entries_) {
-        if (entry.hash == hash && entry.data.size() == data.size() && same(entry.key, key) &&
-            std::memcmp(entry.data.data(), data.data(), data.size_bytes()) == 0)
-            return &entry.parameters;
-    }
-    return nullptr;
+const Parameters* ResultCache::find(const FitKey& key, std::span<const double> data) {
+    if (results_.latest() == nullptr) return nullptr;
+    const Entry* const found = results_.find(hash_of(data), [&](const Entry& entry) {
+        return entry.data.size() == data.size() && same(entry.key, key) &&
+               std::memcmp(entry.data.data(), data.data(), data.size_bytes()) == 0;
+    });
+    return found != nullptr ? &found->parameters : nullptr;
 }
 
 void ResultCache::store(const FitKey& key, std::span<const double> data, const Parameters& parameters) {
-    constexpr std::size_t kMostEntries = 64, kMostValues = 4'000'000;
-    if (data.size() > kMostValues) return;
-    entries_.push_back({key, hash_of(data), {data.begin(), data.end()}, parameters});
-    values_ += data.size();
-    while (entries_.size() > kMostEntries || values_ > kMostValues) {
-        values_ -= entries_.front().data.size();
-        entries_.pop_front();
-    }
+    const std::size_t bytes = data.size_bytes() + key.key.size();
+    if (bytes > kMostBytes) return;
+    results_.add(hash_of(data), {key, {data.begin(), data.end()}, parameters}, bytes);
 }
 
 }  // namespace pral::fitting

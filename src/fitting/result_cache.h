@@ -2,12 +2,11 @@
 // recalculation.
 #pragma once
 
-#include <cstdint>
-#include <deque>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "boundary/recently_used.h"
 #include "fitting/fitted_family.h"
 
 namespace pral::fitting {
@@ -22,19 +21,19 @@ struct FitKey {
 class ResultCache {
   public:
     /// The parameters of that fit, or null.
-    const Parameters* find(const FitKey& key, std::span<const double> data) const;
-    /// Forgets the oldest results when there are more than 64, or data of more than four million values.
+    const Parameters* find(const FitKey& key, std::span<const double> data);
+    /// A result with more data than the memory holds is not kept.
     void store(const FitKey& key, std::span<const double> data, const Parameters& parameters);
 
   private:
+    /// 4 million values, with the names.
+    static constexpr std::size_t kMostResults = 64, kMostBytes = 32'000'000;
     struct Entry {
         FitKey key;
-        std::uint64_t hash;
         std::vector<double> data;
         Parameters parameters;
     };
-    std::deque<Entry> entries_;
-    std::size_t values_ = 0;
+    RecentlyUsed<Entry> results_{kMostResults, kMostBytes};
 };
 
 }  // namespace pral::fitting

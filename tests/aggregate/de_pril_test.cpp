@@ -39,8 +39,8 @@ struct Book {
         const int flag = cumulative ? 7 : -1;
         const auto member = log10 ? PralAggregateDePrilProb10_Core : PralAggregateDePrilProb_Core;
         double same[] = {x, x};
-        const bool done = member(out, same, 1, q.data(), policies.data(), classes(), amounts(), base, &order,
-                                 cumulative ? &flag : nullptr);
+        const bool done =
+            member(out, same, 1, q.data(), policies.data(), classes(), amounts(), base, &order, &flag);
         EXPECT_EQ(same[0], x);
         return done;
     }

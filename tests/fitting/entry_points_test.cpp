@@ -2,8 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cfloat>
 #include <cmath>
+#include <thread>
 
 #include "boundary/automation.h"
 #include "boundary/core_api.h"
@@ -155,6 +157,60 @@ TEST(EntryPoints, EndAtTheTimeout) {
     PralSetFitTimeout(60);
     EXPECT_TRUE(PralLogisticFitP_Core(out.data(), 2, x.data(), 4, nullptr, kNotGiven, kNotGiven, nullptr, 0,
                                       0, nullptr, false));
+}
+
+/// Another thread's fit is refused while one is running, and does not disturb it.
+TEST(EntryPoints, FitsThatOverlapAreRefused) {
+    Values x(400), alone(3), beside(3), other(2);
+    PralSetRandomSeed(8);
+    ASSERT_TRUE(PralNCFArray_Core(x.data(), 400, 5, 12, 3, nullptr, nullptr, nullptr, nullptr, nullptr));
+    std::atomic<bool> running = true, success = false;
+    std::thread first([&] {
+        success = PralNCFFitP_Core(beside.data(), 3, x.data(), 400, nullptr, kNotGiven, kNotGiven, nullptr, 0,
+                                   0, "beside another", false);
+        running = false;
+    });
+    int refused = 0;
+    const Values few = {1, 2, 4, 8};
+    while (running) {
+        other = {7, 7};
+        if (PralGammaFitP_Core(other.data(), 2, few.data(), 4, nullptr, kNotGiven, kNotGiven, nullptr, 0, 0,
+                               nullptr, false))
+            continue;
+        ++refused;
+        EXPECT_STREQ(PralCoreError(), "Error: another fit is running, and calls must not overlap");
+        EXPECT_EQ(other, Values(2, -DBL_MAX));
+    }
+    first.join();
+    EXPECT_GT(refused, 0);
+    EXPECT_TRUE(success);
+    ASSERT_TRUE(PralNCFFitP_Core(alone.data(), 3, x.data(), 400, nullptr, kNotGiven, kNotGiven, nullptr, 0, 0,
+                                 "alone", false));
+    EXPECT_EQ(beside, alone);
+}
+
+TEST(EntryPoints, AFailureLeavesNoHalfOfAResult) {
+    const Values none = {-1, std::nan(""), 2};
+    for (const Entry& family : kEntries) {
+        double shift = 0.25;
+        Values out(9, 7);
+        int length = 0;
+        if (family.parameters == nullptr) continue;
+        do {
+            PralSetCoreError("");
+            EXPECT_FALSE(family.parameters(out.data(), ++length, none.data(), 3, nullptr, kNotGiven,
+                                           kNotGiven, &shift, 0, 0, nullptr, false))
+                << family.name;
+        } while (std::string(PralCoreError()).starts_with("Error: Output array length"));
+        EXPECT_EQ(shift, 0.25) << family.name;
+        for (int i = 0; i < 9; ++i)
+            EXPECT_EQ(out[static_cast<std::size_t>(i)], i < length ? -DBL_MAX : 7) << family.name;
+        std::fill_n(out.begin(), 2, 7.0);
+        EXPECT_FALSE(
+            family.values(out.data(), none.data(), 3, nullptr, kNotGiven, kNotGiven, 0.5, 2, nullptr, false));
+        EXPECT_EQ(out[0], 0) << family.name;
+        EXPECT_EQ(out[1], 0) << family.name;
+    }
 }
 
 TEST(EntryPoints, TheLikelihoodTakesRealCounts) {
