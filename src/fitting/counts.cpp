@@ -120,14 +120,15 @@ Starts start_logarithmic(const StartData& data) {
     return by_moments<places_logarithmic>(data);
 }
 
-/// The base family's estimate for each weight that is tried: between the share of what is not 0 and 1.
+/// The base family's estimate for each weight that is tried: the share of what is not 0, all that a base family without
+/// zeros can have, and others up to 1.
 template <CountEstimator estimator, int BaseParameters>
 Starts inflated(const StartData& data) {
     const Sample& x = data.x;
     const double zeros = x.share_of(0), mean = x.mean(), mean_square = x.variance() + mean * mean;
     Starts starts;
-    for (const double part : {0.05, 0.3, 0.7, 0.95}) {
-        const double weight = std::clamp(1 - zeros * (1 - part), 1e-3, 1 - 1e-3), base_mean = mean / weight;
+    for (const double part : {0.0, 0.05, 0.3, 0.7, 0.95}) {
+        const double weight = std::fmin(1 - zeros * (1 - part), 1 - 1e-3), base_mean = mean / weight;
         const CountMoments base = {base_mean, mean_square / weight - base_mean * base_mean,
                                    zeros * part / weight, x.max(), data.first};
         for (Parameters p : estimator(base)) {

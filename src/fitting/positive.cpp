@@ -94,9 +94,10 @@ Starts start_pareto(const StartData& data) {
 /// The rate that suits each scale.
 Starts start_pareto2(const StartData& data) {
     if (const Message objection = not_negative(data.x)) return objection;
+    const double median = data.x.quantile(0.5), middle = median > 0 ? median : data.x.mean();
     Starts starts;
     for (const double part : {1.0, 0.1, 10.0, 1000.0}) {
-        const double b = part * data.x.quantile(0.5);
+        const double b = part * middle;
         const double sum =
             numerics::interleaved_sum(data.x.values(), [=](double x) { return numerics::log1p_fn(x / b); });
         starts.places.push_back(place({b, data.x.count() / sum}));
@@ -125,7 +126,7 @@ template <class Estimate>
 Starts at_origins(const Sample& x, Estimate estimate) {
     Starts starts;
     for (const double part : kEndDistances) {
-        const double origin = x.min() - part * (x.quantile(0.75) - x.min());
+        const double origin = x.min() - part * reach(x);
         const std::vector<double> above = moved(x, origin);
         for (const Parameters& found : estimate(origin, Sample(above)).places) starts.places.push_back(found);
     }

@@ -38,12 +38,22 @@ struct LocationAndScale {
     template <class D>
     LocationAndScale(const D& standard, const Sample& x, double p = 0.1)
         : LocationAndScale(x.quantile(p), standard.quantile(p), x.quantile(1 - p),
-                           pral::quantile_upper(standard, p)) {}
+                           pral::quantile_upper(standard, p)) {
+        if (scale > 0) return;
+        location = x.quantile(0.5);  // most values are the same
+        scale = x.deviation();
+    }
 
   private:
     LocationAndScale(double x1, double z1, double x2, double z2)
         : location(0.5 * (x1 + x2) - 0.5 * (z1 + z2) * (x2 - x1) / (z2 - z1)), scale((x2 - x1) / (z2 - z1)) {}
 };
+
+/// How far the data reach beyond their smallest value: to the upper quartile, or by their deviation where that ties.
+inline double reach(const Sample& x) {
+    const double to_quartile = x.quantile(0.75) - x.min();
+    return to_quartile > 0 ? to_quartile : x.deviation();
+}
 
 /// Distances from the ends of the data at which unknown ends of a support are tried, in parts of the range.
 inline constexpr std::array kEndDistances = {0.002, 0.02, 0.2, 1.0};

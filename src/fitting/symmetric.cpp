@@ -28,8 +28,12 @@ Starts start_erf(const StartData& data) { return one({1 / (sqrt2 * data.x.root_m
 
 template <class D>
 Starts start_location_scale(const StartData& data) {
-    const LocationAndScale fit(D{0, 1}, data.x, 0.25);
-    return one({fit.location, fit.scale});
+    const Sample& x = data.x;
+    const LocationAndScale fit(D{0, 1}, x, 0.25);
+    const D d{fit.location, fit.scale};
+    if (std::isfinite(d.log_density(x.min()) + d.log_density(x.max()))) return one({fit.location, fit.scale});
+    // An outlier so far out that its density underflows.
+    return {place({x.quantile(0.5), x.deviation()}), place({x.quantile(0.5), x.range()})};
 }
 
 /// The median and the mean distance from it.
