@@ -102,14 +102,16 @@ struct BetaNegBin : SummedTails<BetaNegBin> {
     double tail_exponent() const { return a; }
     double tail_scale() const { return (s + 1) * (b + 1) + (a + s + b) * (a + s + b); }
     /// The upper sum of an s that is not whole is the last resort.
-    double pivot() const {
-        return whole() || s > 0x1p53 ? std::floor(s * (b / (a + 1))) : numerics::kInfinity;
-    }
+    double pivot() const { return whole() || s > 0x1p53 ? middle() : numerics::kInfinity; }
+    double middle() const { return std::floor(s * (b / (a + 1))); }
     bool whole() const { return s == std::floor(s) && s <= 0x1p53; }
 
+    /// Far out, where no mass is left to begin a sum downwards with, the complement.
     double up_to(double k) const {
-        const auto tails = limiting(k);
-        return tails ? tails->lower : SummedTails::up_to(k);
+        constexpr double kLogNothing = -600;
+        if (const auto tails = limiting(k)) return tails->lower;
+        if (k > middle() && log_density(k) < kLogNothing) return 1 - above(k);
+        return SummedTails::up_to(k);
     }
     double above(double k) const {
         if (const auto tails = limiting(k)) return tails->upper;
