@@ -6,6 +6,16 @@ namespace {
 
 using Kind = Range::Kind;
 
+/// The inverse hyperbolic sine of a shape; where the shape is limited, as a share of its largest value on the logistic scale,
+/// which levels off towards the limits.
+double from_shape(double shape, double most) {
+    const double t = std::asinh(shape);
+    return std::isinf(most) ? t : 2 * std::atanh(t / std::asinh(most));
+}
+double to_shape(double t, double most) {
+    return std::sinh(std::isinf(most) ? t : std::asinh(most) * std::tanh(0.5 * t));
+}
+
 /// Ends that the data set become numbers.
 Range resolved(Range range, const Sample& x) {
     if (range.kind == Kind::below_min) return between(range.lower, x.min());
@@ -36,6 +46,7 @@ Point Coordinates::point(const Parameters& parameters) const {
         const double p = parameters[i];
         if (kind == Kind::location) point.push_back((p - origin_[i]) / std::pow(spread_, power));
         if (kind == Kind::real) point.push_back(p);
+        if (kind == Kind::shape) point.push_back(from_shape(p, upper));
         if (kind != Kind::between) continue;
         // An end that the data set is measured by their spread, another by itself.
         if (std::isinf(lower))
@@ -59,6 +70,8 @@ Parameters Coordinates::parameters(std::span<const double> point) const {
             parameters[i] = origin_[i] + std::pow(spread_, power) * t;
         else if (kind == Kind::real)
             parameters[i] = t;
+        else if (kind == Kind::shape)
+            parameters[i] = to_shape(t, upper);
         else if (std::isinf(lower))
             parameters[i] = upper - spread_ * std::exp(t);
         else if (std::isinf(upper))

@@ -41,6 +41,9 @@ std::string message(const FittedFamily& family, const char* text) {
     return (family.own_search ? std::string(family.name) : "Error") + ": " + text;
 }
 
+/// What a first climb may leave to gain.
+constexpr double kRoughly = 1e-2;
+
 /// A place where the search may begin.
 struct Candidate {
     Parameters place;
@@ -87,6 +90,7 @@ class Fit {
     bool keep_possible_places(const Sample& x);
     void choose_shift();
     void climb(Candidate& candidate, const Sample& x, double negligible);
+    std::vector<Candidate> candidates(const Sample& x);
     void approach();
     void MinimiseNegLogLikelihood();
     void RoundIntegerParameters();
@@ -148,7 +152,10 @@ bool Fit::EstimateStartParameters() {
             *request_.firstParameter = x.max();
     }
     Starts starts =
-        std::isfinite(x.mean()) ? family_.starts({x, first, deadline_}) : Starts{Parameters{numerics::kNaN}};
+        std::isfinite(x.mean())
+            ? family_.starts({x, first, deadline_, given(request_.TruncMin) ? request_.TruncMin : -HUGE_VAL,
+                              given(request_.TruncMax) ? request_.TruncMax : HUGE_VAL})
+            : Starts{Parameters{numerics::kNaN}};
     if (starts.objection != nullptr) return starts.objection[0] != '\0' && fail_fit(starts.objection);
     if (starts.places.empty()) starts.places = {Parameters{numerics::kNaN}};
     places_ = std::move(starts.places);
@@ -215,26 +222,50 @@ void Fit::climb(Candidate& candidate, const Sample& x, double negligible) {
         candidate = {coordinates.parameters(found.point), found.value};
 }
 
+/// The best places, the best first: of families that ask for more than two climbs the first climbs are of a small part.
+std::vector<Candidate> Fit::candidates(const Sample& x) {
+    constexpr std::size_t kClimbs = 2, kSmallPart = 128;
+    std::vector<Candidate> all;
+    const auto keep = [&](std::size_t count, const Sample& of) {
+        for (Candidate& candidate : all) candidate.log_likelihood = log_likelihood(candidate.place, of);
+        std::ranges::stable_sort(all, std::greater<>(), &Candidate::log_likelihood);
+        if (all.size() > count) all.erase(all.begin() + static_cast<std::ptrdiff_t>(count), all.end());
+    };
+    for (const Parameters& place : places_) all.push_back({place, -HUGE_VAL});
+    const auto climbs = static_cast<std::size_t>(family_.climbs);
+    if (climbs <= kClimbs) {
+        keep(kClimbs, x);
+        return all;
+    }
+    keep(climbs, x);
+    if (2 * kSmallPart > x.size()) return all;
+    const std::vector<double> part = thinned(x.values(), kSmallPart);
+    const std::vector<Candidate> unmoved = all;
+    for (Candidate& candidate : all) {
+        candidate.log_likelihood = -HUGE_VAL;
+        climb(candidate, Sample(part), kRoughly);
+    }
+    all.insert(all.end(), unmoved.begin(), unmoved.end());
+    keep(kClimbs, x);
+    return all;
+}
+
 /// Brings the start as near to the maximum as can be: the steps of the search itself suit parameters of order 1 only. The
 /// better places are climbed from, the best result remains and is climbed from once more, to the top. Of much data a part
 /// comes first, not a small one: its likelihood must have the same maxima as that of all.
 void Fit::approach() {
-    constexpr std::size_t kClimbs = 2;
-    constexpr double kRoughly = 1e-2, kToTheTop = 1e-8;  // what may be left to gain
+    constexpr double kToTheTop = 1e-8;
     const std::size_t part_size = family_.costly ? 250 : 2000;
     const bool at_maximum = family_.closed_form && !truncated() && !shifting();
     const bool each_value_counts = !at_maximum && (!family_.summarised || shifting());
     std::vector<double> part;
     if (each_value_counts && 2 * part_size < x_.size()) part = thinned(x_.values(), part_size);
     const Sample first(part.empty() ? x_.values() : part, &pause_);
-    std::vector<Candidate> candidates;
-    for (const Parameters& place : places_) candidates.push_back({place, log_likelihood(place, first)});
-    std::ranges::stable_sort(candidates, std::greater<>(), &Candidate::log_likelihood);
-    if (candidates.size() > kClimbs) candidates.erase(candidates.begin() + kClimbs, candidates.end());
-    if (!at_maximum && (candidates.size() > 1 || !part.empty())) {
-        for (Candidate& candidate : candidates) climb(candidate, first, kRoughly);
+    std::vector<Candidate> best_places = candidates(first);
+    if (!at_maximum && (best_places.size() > 1 || !part.empty())) {
+        for (Candidate& candidate : best_places) climb(candidate, first, kRoughly);
     }
-    Candidate best = *std::ranges::max_element(candidates, {}, &Candidate::log_likelihood);
+    Candidate best = *std::ranges::max_element(best_places, {}, &Candidate::log_likelihood);
     if (!part.empty()) best.log_likelihood = log_likelihood(best.place, x_);
     if (!at_maximum) climb(best, x_, kToTheTop);
     descriptor_.params = best.place;

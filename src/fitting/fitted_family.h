@@ -23,6 +23,7 @@ struct Range {
     enum class Kind {
         location,   ///< any number, measured by the spread of the data to the given power
         real,       ///< any number, of order 1
+        shape,      ///< between -`upper` and `upper`, of either sign and any order
         between,    ///< inside (lower, upper), either of which may be infinite
         below_min,  ///< between `lower` and the smallest value of the data
         above_max,  ///< above the largest
@@ -35,10 +36,11 @@ struct Range {
 };
 inline constexpr Range kLocation = {Range::Kind::location}, kReal = {Range::Kind::real},
                        kBelowMin = {Range::Kind::below_min}, kAboveMax = {Range::Kind::above_max},
-                       kHeld = {Range::Kind::held};
+                       kShape = {Range::Kind::shape}, kHeld = {Range::Kind::held};
 /// A location that cannot be negative.
 inline constexpr Range kPositiveBelowMin = {Range::Kind::below_min, 0};
 constexpr Range between(double lower, double upper) { return {Range::Kind::between, lower, upper}; }
+constexpr Range shape_up_to(double most) { return {Range::Kind::shape, -most, most}; }
 constexpr Range above(double lower) { return between(lower, HUGE_VAL); }
 inline constexpr Range kPositive = above(0), kProbability = between(0, 1);
 
@@ -59,6 +61,8 @@ struct StartData {
     const double* first;
     /// For estimators that search.
     Deadline deadline;
+    /// Between which the data have been observed; infinite where the sample is not truncated.
+    double lower = -HUGE_VAL, upper = HUGE_VAL;
 };
 
 /// The names of the messages "can't estimate ... start parameter", by place; null for the number.
@@ -83,6 +87,8 @@ struct Peculiarities {
     /// No search over the parameters as they are, and messages that begin with the family's name.
     bool own_search = false;
     Rounding rounding = {};
+    /// From how many of the starts the search climbs: more than two where the likelihood is known to have several maxima.
+    int climbs = 2;
     /// The density takes about a microsecond.
     bool costly = false;
 };

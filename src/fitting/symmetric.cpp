@@ -5,6 +5,7 @@
 #include "distributions/real_counts.h"
 #include "fitting/starts.h"
 #include "numerics/constants.h"
+#include "numerics/gamma.h"
 
 namespace pral::fitting {
 
@@ -44,40 +45,78 @@ Starts start_laplace(const StartData& data) {
     return one({median, sqrt2 * sum / data.x.count()});
 }
 
+/// The standard deviation of greatest likelihood for the other two parameters.
+double error_deviation(const Sample& x, double mu, double nu) {
+    const double farthest = std::fmax(x.max() - mu, mu - x.min());
+    double sum = 0;
+    for (const double value : x.values()) sum += std::pow(std::fabs(value - mu) / farthest, nu);
+    const double log_moments = numerics::log_gamma(3 / nu) - numerics::log_gamma(1 / nu);
+    return farthest * std::exp(std::log(nu * sum / x.count()) / nu + 0.5 * log_moments);
+}
+/// Locations that suit the shapes: the likelihood has maxima about the quartiles as well, and for few data or flat ones its
+/// maximum is the limit of large nu, the uniform distribution.
 Starts start_error(const StartData& data) {
     const Sample& x = data.x;
+    if (x.constant()) return one({x.mean(), 0, 2});
+    constexpr double kUniform = 1e12;
+    const double median = x.quantile(0.5), centre = x.min() + 0.5 * x.range();
     Starts starts;
-    for (const double nu : {2.0, 1.2, 0.7, 5.0})
-        starts.places.push_back(place({nu < 2 ? x.quantile(0.5) : x.mean(), x.deviation(), nu}));
+    for (const auto& [mu, nu] : {std::pair(x.mean(), 2.0),
+                                 {median, 1.2},
+                                 {median, 0.7},
+                                 {x.quantile(0.25), 1.2},
+                                 {x.quantile(0.75), 1.2},
+                                 {x.mean(), 5.0},
+
+                                 {centre, kUniform}})
+        starts.places.push_back(place({mu, error_deviation(x, mu, nu), nu}));
     return starts;
 }
 
 Starts start_gev(const StartData& data) {
     return by_quantiles<GEV>(data.x, {0.01, 0.15, 0.5, 1, 3, 8, -0.15, -0.4});
 }
-Starts start_glogistic(const StartData& data) { return by_quantiles<GLogistic>(data.x, {1, 0.3, 3, 12}); }
+/// The last place is the limit of small shapes and scales: an exponential distribution that falls from its largest value.
+Starts start_glogistic(const StartData& data) {
+    constexpr double kLimit = 1e-10, kBeyond = 20;
+    const double mean_distance = data.x.max() - data.x.mean(), scale = kLimit * mean_distance;
+    Starts starts = by_quantiles<GLogistic>(data.x, {1, 0.3, 3, 12, 1000});
+    starts.places.push_back(place({data.x.max() + kBeyond * scale, scale, kLimit}));
+    return starts;
+}
 
 Starts start_normal_mix(const StartData& data) {
     const double kurtosis = data.x.excess_kurtosis();
     Starts starts;
     for (const double k : {std::clamp(kurtosis, 0.1, 2.8), 0.3, 1.5, 2.7})
         starts.places.push_back(place({data.x.mean(), data.x.deviation(), k}));
+    starts.places.push_back(place({data.x.quantile(0.5), data.x.deviation(), 2.5}));
     return starts;
 }
 
-/// The moments' skewness, of which the family reaches up to 0.995, and both signs of a slight one.
+/// The mean and deviation of the data, at which the family has the shape.
+Parameters skew_normal_place(const Sample& x, double alpha) {
+    const double mean = std::sqrt(2 / numerics::kPi) * alpha / std::sqrt(1 + alpha * alpha);
+    const double scale = x.deviation() / std::sqrt(1 - mean * mean);
+    return place({x.mean() - mean * scale, scale, alpha});
+}
+/// The shape of greatest magnitude: nearly one half of a normal distribution, which begins at an end of the data.
+Parameters half_normal_place(const Sample& x, double alpha) {
+    const double end = alpha > 0 ? x.min() : x.max(), from_end = x.mean() - end;
+    return place({end, std::sqrt(x.variance() + from_end * from_end), alpha});
+}
+/// The moments' skewness, of which the family reaches up to 0.995, and shapes from slight ones to the largest of both signs.
 Starts start_skew_normal(const StartData& data) {
-    if (data.x.size() < 3) return kSilent;
-    Starts starts;
-    const double skewness = std::clamp(data.x.skewness(), -0.95, 0.95);
-    for (const double s : {skewness, skewness > 0 ? 0.95 : -0.95, 0.02, -0.02}) {
-        const double r =
-            std::cbrt(2 * s / (4 - numerics::kPi));  // of the mean to the deviation, at location 0
-        const double delta = r * std::sqrt(numerics::kPi / 2) / std::sqrt(1 + r * r);
-        const double scale = data.x.deviation() * std::sqrt(1 + r * r);
-        starts.places.push_back(
-            place({data.x.mean() - data.x.deviation() * r, scale, delta / std::sqrt(1 - delta * delta)}));
+    const Sample& x = data.x;
+    if (x.size() < 3) return kSilent;
+    const double skewness = std::clamp(x.skewness(), -0.95, 0.95),
+                 r = std::cbrt(2 * skewness / (4 - numerics::kPi));
+    const double delta = r * std::sqrt(numerics::kPi / 2) / std::sqrt(1 + r * r);
+    Starts starts = {skew_normal_place(x, delta / std::sqrt(1 - delta * delta))};
+    for (const double alpha : {0.6, 3.0, 12.0}) {
+        for (const double sign : {1.0, -1.0}) starts.places.push_back(skew_normal_place(x, sign * alpha));
     }
+    for (const double alpha : {99.0, -99.0}) starts.places.push_back(half_normal_place(x, alpha));
     return starts;
 }
 
@@ -115,11 +154,12 @@ const FittedFamily kFamilies[] = {
     fitted<ExtValueMax, 2>("ExtValueMax", kLocationScale, start_location_scale<ExtValueMax>),
     fitted<ExtValueMin, 2>("ExtValueMin", kLocationScale, start_location_scale<ExtValueMin>),
     fitted<GEV, 3>("GEV", {kLocation, kPositive, kReal}, start_gev),
-    fitted<GLogistic, 3>("GLogistic", {kLocation, kPositive, kPositive}, start_glogistic),
-    fitted<Error, 3>("Error", {kLocation, kPositive, kPositive}, start_error, {.names = kMoments}),
+    fitted<GLogistic, 3>("GLogistic", {kLocation, kPositive, kPositive}, start_glogistic, {.climbs = 4}),
+    fitted<Error, 3>("Error", {kLocation, kPositive, kPositive}, start_error, {.names = kMoments, .climbs = 4}),
     fitted<NormalMix, 3>("NormalMix", {kLocation, kPositive, between(0, 3)}, start_normal_mix,
-        {.names = {"mu", "sigma"}}),
-    fitted<SkewNormal, 3>("SkewNormal", {kLocation, kPositive, kReal}, start_skew_normal, {.names = {"mu", "sigma"}}),
+        {.names = {"mu", "sigma"}, .climbs = 4}),
+    fitted<SkewNormal, 3>("SkewNormal", {kLocation, kPositive, shape_up_to(100)}, start_skew_normal,
+        {.names = {"mu", "sigma"}, .climbs = 4}),
     fitted<RealCounts<Student>, 1>("Student", {kPositive}, start_student, {.names = {"nu"}, .rounding = {0}}),
     fitted<RealCounts<Student3>, 3>("Student3", {kLocation, kPositive, above(3)}, start_student3,
         {.names = kMoments, .rounding = {2}}),
