@@ -1,4 +1,6 @@
 // Start values of the families on an interval, given or with ends that the data tell.
+#include <functional>
+
 #include "distributions/families.h"
 #include "fitting/maximise.h"
 #include "fitting/starts.h"
@@ -110,77 +112,185 @@ Starts start_bradford(const StartData& data) {
     return starts;
 }
 
-/// The triangle of greatest likelihood: for every pair of ends its mode is one of the values.
+struct Triangle3 {
+    double min, mode, max;
+};
+
+/// The likelihood of triangles, for values between bounds that may truncate them. For a pair of ends the best mode is one
+/// of the values, or nearly so where there are bounds.
 class TriangleLikelihood {
   public:
     /// Of values in ascending order.
-    explicit TriangleLikelihood(std::span<const double> sorted)
-        : x_(sorted), logs_below_(x_.size()), logs_above_(x_.size()) {}
+    TriangleLikelihood(std::span<const double> sorted, double lower, double upper)
+        : x_(sorted), lower_(lower), upper_(upper), logs_below_(x_.size()), logs_above_(x_.size()) {}
 
-    struct Triangle {
-        double min, mode, max;
-    };
+    std::span<const double> values() const { return x_; }
     /// Coordinates of the ends: the logarithms of their distances from the data, in parts of the range.
-    Triangle at(std::span<const double> point) {
+    std::pair<double, double> ends(std::span<const double> point) const {
         const double range = x_.back() - x_.front();
-        const double min = x_.front() - range * std::exp(point[0]),
-                     max = x_.back() + range * std::exp(point[1]);
-        return {min, best_mode(min, max).first, max};
+        return {x_.front() - range * std::exp(point[0]), x_.back() + range * std::exp(point[1])};
     }
-    double operator()(std::span<const double> point) {
-        const Triangle t = at(point);
-        return best_mode(t.min, t.max).second;
+    /// A constant apart.
+    double operator()(const Triangle3& t) const {
+        double sum = 0;
+        for (const double x : x_) {
+            if (x != t.mode)
+                sum += x < t.mode ? std::log((x - t.min) / (t.mode - t.min))
+                                  : std::log((t.max - x) / (t.max - t.mode));
+        }
+        return sum - count() * (std::log(t.max - t.min) + log_mass(t));
     }
-
-  private:
-    /// The mode and the log-likelihood, a constant apart.
-    std::pair<double, double> best_mode(double min, double max) {
+    /// The log-likelihood with the mode at each of the values.
+    std::vector<double> by_mode(double min, double max) {
         double left = 0, right = 0;  // the sums on either side of the mode
         for (std::size_t i = 0; i < x_.size(); ++i) {
             logs_below_[i] = std::log(x_[i] - min);
             right += logs_above_[i] = std::log(max - x_[i]);
         }
-        std::pair<double, double> best = {x_.front(), -HUGE_VAL};
-        const double n = static_cast<double>(x_.size()), width = n * std::log(max - min);
+        std::vector<double> values(x_.size());
+        const double width = std::log(max - min);
         for (std::size_t i = 0; i < x_.size(); ++i) {
             const double below = static_cast<double>(i + 1);
             left += logs_below_[i];
             right -= logs_above_[i];
-            const double value = left + right - below * logs_below_[i] - (n - below) * logs_above_[i] - width;
-            if (value > best.second) best = {x_[i], value};
+            values[i] = left + right - below * logs_below_[i] - (count() - below) * logs_above_[i] -
+                        count() * (width + log_mass({min, x_[i], max}));
+        }
+        return values;
+    }
+
+  private:
+    double count() const { return static_cast<double>(x_.size()); }
+    /// Of the probability between the bounds.
+    double log_mass(const Triangle3& t) const {
+        if (lower_ <= t.min && upper_ >= t.max) return 0;
+        const double to_mode = std::clamp(lower_, t.min, t.mode),
+                     until_mode = std::clamp(upper_, t.min, t.mode);
+        const double from_mode = std::clamp(lower_, t.mode, t.max),
+                     to_max = std::clamp(upper_, t.mode, t.max);
+        double mass = 0;
+        if (until_mode > to_mode)
+            mass += (until_mode - to_mode) / (t.mode - t.min) * (until_mode - t.min + (to_mode - t.min));
+        if (to_max > from_mode)
+            mass += (to_max - from_mode) / (t.max - t.mode) * (t.max - from_mode + (t.max - to_max));
+        return std::log(mass / (t.max - t.min));
+    }
+
+    std::span<const double> x_;
+    double lower_, upper_;
+    std::vector<double> logs_below_, logs_above_;
+};
+
+/// The search for the triangle of greatest likelihood. It has many local maxima, as any of the values may be the mode, and
+/// climbs from several modes; with the mode held the likelihood is smooth.
+class TriangleSearch {
+  public:
+    TriangleSearch(TriangleLikelihood& likelihood, const Deadline& deadline)
+        : likelihood_(likelihood), deadline_(deadline) {}
+
+    struct Found {
+        Point point;
+        std::size_t mode;
+        double value;
+    };
+    /// From pairs of ends on a grid, and from both ends of the data as the mode.
+    Found from_grid() {
+        constexpr std::array kDistances = {-6.0, -3.5, -2.0, -1.0, 0.0, 1.0, 3.0};
+        for (const double below : kDistances) {
+            for (const double above : kDistances) add({below, above}, 1);
+        }
+        constexpr double kAtTheData = -30;
+        for (const double distance : {-3.0, 0.0}) {
+            keep({{kAtTheData, distance}, 0, 0});
+            keep({{distance, kAtTheData}, likelihood_.values().size() - 1, 0});
+        }
+        return climbed();
+    }
+    /// From ends that have been found for a part of the values.
+    Found from(const Point& ends) {
+        add(ends, 3);
+        return climbed();
+    }
+    Triangle3 triangle(const Found& found) const {
+        const auto [min, max] = likelihood_.ends(found.point);
+        return {min, likelihood_.values()[found.mode], max};
+    }
+
+  private:
+    /// The best modes for the ends.
+    void add(const Point& ends, int modes) {
+        const auto [min, max] = likelihood_.ends(ends);
+        std::vector<double> values = likelihood_.by_mode(min, max);
+        for (; modes > 0; --modes) {
+            const auto best = std::ranges::max_element(values);
+            keep({ends, static_cast<std::size_t>(best - values.begin()), *best});
+            *best = -HUGE_VAL;
+        }
+    }
+    /// One candidate for each mode.
+    void keep(Found candidate) {
+        const double value = likelihood_(triangle(candidate));
+        candidate.value = std::isnan(value) ? -HUGE_VAL : value;
+        const auto known = std::ranges::find(candidates_, candidate.mode, &Found::mode);
+        if (known == candidates_.end())
+            candidates_.push_back(std::move(candidate));
+        else if (candidate.value > known->value)
+            *known = std::move(candidate);
+    }
+    void climb(Found& candidate) const {
+        const double mode = likelihood_.values()[candidate.mode];
+        const auto objective = [&](std::span<const double> point) {
+            const auto [min, max] = likelihood_.ends(point);
+            return likelihood_({min, mode, max});
+        };
+        const Maximum found = maximise(objective, candidate.point, deadline_, 1e-6);
+        if (found.value > candidate.value) candidate = {found.point, candidate.mode, found.value};
+    }
+    /// The best end of the climbs, each of which goes on as long as another mode suits its ends better.
+    Found climbed() {
+        constexpr std::size_t kClimbs = 5;
+        constexpr int kModes = 10;
+        std::ranges::stable_sort(candidates_, std::greater<>(), &Found::value);
+        Found best = candidates_.front();
+        for (std::size_t i = 0; i < std::min(kClimbs, candidates_.size()); ++i) {
+            Found found = candidates_[i];
+            for (int round = 0; round < kModes; ++round) {
+                climb(found);
+                const auto [min, max] = likelihood_.ends(found.point);
+                const std::vector<double> values = likelihood_.by_mode(min, max);
+                const auto other = std::ranges::max_element(values);
+                if (!(*other > found.value + 1e-9)) break;
+                found = {found.point, static_cast<std::size_t>(other - values.begin()), *other};
+            }
+            if (found.value > best.value) best = found;
         }
         return best;
     }
 
-    std::span<const double> x_;
-    std::vector<double> logs_below_, logs_above_;
+    TriangleLikelihood& likelihood_;
+    const Deadline& deadline_;
+    std::vector<Found> candidates_;
 };
 
-TriangleLikelihood::Triangle best_triangle(const Sample& x, const Deadline& deadline) {
+Triangle3 best_triangle(const Sample& x, double lower, double upper, const Deadline& deadline) {
     const std::vector<double> part = thinned(x.sorted(), kPart);
     const Sample first(part);
-    TriangleLikelihood of_part(first.sorted()), of_all(x.sorted());
-    const auto climb = [&](TriangleLikelihood& likelihood, const Point& start) {
-        return maximise([&](std::span<const double> point) { return likelihood(point); }, start, deadline);
-    };
-    constexpr double kNear = -3, kAtTheData = -30;  // the mode may be the end itself
-    Maximum best = {{kNear, kNear}, -HUGE_VAL};
-    for (const Point& start : {Point{kNear, kNear}, {kAtTheData, kNear}, {kNear, kAtTheData}}) {
-        const Maximum found = climb(of_part, start);
-        if (found.value > best.value) best = found;
-    }
-    return of_all.at(climb(of_all, best.point).point);
+    TriangleLikelihood of_part(first.sorted(), lower, upper), of_all(x.sorted(), lower, upper);
+    const TriangleSearch::Found roughly = TriangleSearch(of_part, deadline).from_grid();
+    TriangleSearch search(of_all, deadline);
+    return search.triangle(search.from(roughly.point));
 }
 Starts start_triangle(const StartData& data) {
     if (data.x.constant()) return one({data.x.min(), data.x.min(), data.x.min()});
-    const auto [min, mode, max] = best_triangle(data.x, data.deadline);
+    const auto [min, mode, max] = best_triangle(data.x, data.lower, data.upper, data.deadline);
     return one({min, mode, max});
 }
 Starts start_log_triangle(const StartData& data) {
     if (const Message objection = positive(data.x)) return objection;
     if (data.x.constant()) return start_triangle(data);
     const std::vector<double> logs = logarithms(data.x);
-    const auto [min, mode, max] = best_triangle(Sample(logs), data.deadline);
+    const double lower = data.lower > 0 ? std::log(data.lower) : -HUGE_VAL;
+    const auto [min, mode, max] = best_triangle(Sample(logs), lower, std::log(data.upper), data.deadline);
     return one({std::exp(min), std::exp(mode), std::exp(max)});
 }
 
@@ -198,7 +308,7 @@ const FittedFamily kFamilies[] = {
     fitted<Beta4, 4>("Beta4", {kPositive, kPositive, kBelowMin, kAboveMax}, start_beta4, {.names = kEnds}),
     fitted<BetaSubj, 4>("BetaSubj", {kBelowMin, kLocation, kLocation, kAboveMax}, start_beta_subj,
         {.names = {"minimum", nullptr, nullptr, "maximum"}}),
-    fitted<JohnsonB, 4>("JohnsonB", {kReal, kPositive, kBelowMin, kAboveMax}, start_johnson_b,
+    fitted<JohnsonB, 4>("JohnsonB", {kShape, kPositive, kBelowMin, kAboveMax}, start_johnson_b,
         {.names = kJohnsonNames}),
     fitted<Kumaraswamy4, 4>("Kumaraswamy4", {kPositive, kPositive, kBelowMin, kAboveMax}, start_kumaraswamy4,
         {.own_search = true}),
