@@ -6,6 +6,8 @@
 #include "fitting/starts.h"
 #include "numerics/constants.h"
 #include "numerics/elementary.h"
+#include "numerics/gamma.h"
+#include "numerics/golden_section.h"
 #include "numerics/sums.h"
 
 namespace pral::fitting {
@@ -26,10 +28,13 @@ Starts start_gamma(const StartData& data) {
     return {gamma_place(data.x)};
 }
 /// The reciprocals are gamma variables.
+Parameters inverse_gamma_place(const Sample& x) {
+    const double shape = gamma_shape(-x.log_below_harmonic_mean());
+    return place({shape, x.harmonic_mean() * shape});
+}
 Starts start_pearson5(const StartData& data) {
     if (const Message objection = positive(data.x)) return objection;
-    const double shape = gamma_shape(-data.x.log_below_harmonic_mean());
-    return one({shape, data.x.harmonic_mean() * shape});
+    return {inverse_gamma_place(data.x)};
 }
 Starts start_chi_square(const StartData& data) {
     if (const Message objection = positive(data.x)) return objection;
@@ -116,16 +121,24 @@ Starts dagum_places(const Sample& x) {
     }
     return starts;
 }
+/// The limit of small p and large a: a power of x up to its largest value.
+Parameters power_place(const Sample& x) {
+    constexpr double kLimit = 1e-10, kBeyond = 20;
+    const double scale = kLimit * (std::log(x.max()) - x.mean_log());
+    return place({1 / scale, x.max() * std::exp(kBeyond * scale), kLimit});
+}
 Starts start_dagum(const StartData& data) {
     if (const Message objection = positive(data.x)) return objection;
-    return dagum_places(data.x);
+    Starts starts = dagum_places(data.x);
+    if (!data.x.constant()) starts.places.push_back(power_place(data.x));
+    return starts;
 }
 
 /// An origin below the data and the estimate of the family that begins there.
 template <class Estimate>
-Starts at_origins(const Sample& x, Estimate estimate) {
+Starts at_origins(const Sample& x, Estimate estimate, std::span<const double> distances = kEndDistances) {
     Starts starts;
-    for (const double part : kEndDistances) {
+    for (const double part : distances) {
         const double origin = x.min() - part * reach(x);
         const std::vector<double> above = moved(x, origin);
         for (const Parameters& found : estimate(origin, Sample(above)).places) starts.places.push_back(found);
@@ -151,25 +164,80 @@ Starts start_weibull3(const StartData& data) {
     }
     return starts;
 }
+/// For families that have limits as their origin goes far below the data.
+constexpr std::array kFarOrigins = {0.002, 0.02, 0.2, 1.0, 10.0, 1000.0};
+
 /// The mean and the harmonic mean (Ng, Kundu and Balakrishnan 2003).
 Starts start_fatigue(const StartData& data) {
-    return at_origins(data.x, [](double origin, const Sample& above) {
+    const auto estimate = [](double origin, const Sample& above) {
         const double mean = above.mean(), harmonic = above.harmonic_mean();
         return one({origin, std::sqrt(mean * harmonic), std::sqrt(2 * (std::sqrt(mean / harmonic) - 1))});
-    });
+    };
+    return at_origins(data.x, estimate, kFarOrigins);
 }
 Starts start_levy(const StartData& data) {
     return at_origins(data.x, [](double origin, const Sample& above) {
         return one({above.harmonic_mean(), origin});
     });
 }
-Starts start_log_gamma(const StartData& data) {
-    return at_origins(data.x, [](double origin, const Sample& above) {
-        const std::vector<double> raised = moved(above, -1);
+/// The likelihood of an origin, with the best shape and scale for it: ln(x - origin + 1) are gamma variables.
+class LogGammaProfile {
+  public:
+    Parameters place;
+    double mean_log_likelihood;
+
+    LogGammaProfile(const Sample& x, double origin) {
+        const std::vector<double> raised = moved(x, origin - 1);
         const std::vector<double> logs = logarithms(Sample(raised));
-        const Parameters p = gamma_place(Sample(logs));
-        return one({p[0], p[1], origin});
-    });
+        const Sample y(logs);
+        const double below = y.log_below_mean();
+        const auto minus = [&](double log_shape) { return -value(y.mean(), below, std::exp(log_shape)); };
+        constexpr double kFormula = 0.03;  // how far it may be from the best shape
+        const double formula = std::log(gamma_shape(below));
+        const double shape =
+            std::exp(numerics::golden_section_minimise(minus, formula - kFormula, formula + kFormula, 1e-8));
+        place = fitting::place({shape, y.mean() / shape, origin});
+        mean_log_likelihood = value(y.mean(), below, shape);
+    }
+
+  private:
+    /// From the mean of the logarithms and the distance of their own mean logarithm below the logarithm of it.
+    static double value(double mean, double below, double shape) {
+        // The terms that grow with the shape cancel by Stirling's formula.
+        const double peak = 0.5 * std::log(shape) - numerics::kLnSqrt2Pi - stirling_rest(shape);
+        return peak - std::log(mean) - mean - (shape - 1) * below;
+    }
+    /// What Stirling's formula leaves of ln Gamma.
+    static double stirling_rest(double a) {
+        constexpr double kLarge = 10;
+        if (a >= kLarge) return numerics::lgamma_correction(a);
+        return numerics::log_gamma(a) - ((a - 0.5) * std::log(a) - a + numerics::kLnSqrt2Pi);
+    }
+};
+/// The maximum itself. Shape, scale and origin make up for each other along a ridge of the likelihood, too narrow to climb
+/// along: so only the distance of the origin is searched for, up to where nothing is left to gain.
+Starts start_log_gamma(const StartData& data) {
+    constexpr double kNearest = -6, kFarthest = 7, kStep = 1;
+    constexpr std::size_t kPart = 2000;
+    const Sample& all = data.x;
+    const std::vector<double> values = thinned(all.values(), kPart);
+    const Sample part(values);
+    const auto at = [&](const Sample& x, double log_distance) {
+        return LogGammaProfile(x, all.min() - all.deviation() * std::exp(log_distance));
+    };
+    if (!(all.range() > 0)) return one({numerics::kNaN});
+    std::vector<double> grid;
+    for (double t = kNearest; t <= kFarthest; t += kStep) grid.push_back(at(part, t).mean_log_likelihood);
+    // An origin that approaches the smallest value may raise the likelihood without end; a maximum elsewhere is preferred.
+    std::size_t best = 0;
+    for (std::size_t i = 1; i < grid.size(); ++i) {
+        const bool maximum = grid[i] > grid[i - 1] && (i + 1 == grid.size() || grid[i] >= grid[i + 1]);
+        if (maximum && (best == 0 || grid[i] > grid[best])) best = i;
+    }
+    const double about = kNearest + kStep * static_cast<double>(best);
+    const double log_distance = numerics::golden_section_minimise(
+        [&](double t) { return -at(all, t).mean_log_likelihood; }, about - kStep, about + kStep, 1e-3);
+    return {at(all, log_distance).place};
 }
 
 /// The maximum itself: the sums of the distances of ln x from ln Delta below and above it, Delta being one of the values,
@@ -222,16 +290,24 @@ Starts start_lifetime_exp(const StartData& data) {
     return starts;
 }
 
-/// Both shapes by a scan, the scale by the median.
+/// Both shapes by a scan, the scale by the median; and the limits of large shapes: the gamma distribution, that of gamma
+/// variables' reciprocals, the lognormal.
 Starts start_pearson6(const StartData& data) {
     if (const Message objection = positive(data.x)) return objection;
+    const Sample& x = data.x;
     Starts starts;
     for (const double alpha1 : {0.5, 2.0, 8.0, 40.0}) {
         for (const double alpha2 : {0.7, 3.0, 12.0, 100.0}) {
             const double median = Pearson6(alpha1, alpha2, 1).quantile(0.5);
-            starts.places.push_back(place({alpha1, alpha2, data.x.quantile(0.5) / median}));
+            starts.places.push_back(place({alpha1, alpha2, x.quantile(0.5) / median}));
         }
     }
+    constexpr double kLarge = 1e9;
+    const Parameters gamma = gamma_place(x), inverse = inverse_gamma_place(x);
+    starts.places.push_back(place({gamma[0], kLarge, gamma[1] * kLarge}));
+    starts.places.push_back(place({kLarge, inverse[0], inverse[1] / kLarge}));
+    const double both = 2 / x.variance_log();
+    starts.places.push_back(place({both, both, x.geometric_mean()}));
     return starts;
 }
 Starts start_f(const StartData& data) {
@@ -290,16 +366,16 @@ const FittedFamily kFamilies[] = {
     fitted<LogLogistic, 2>("LogLogistic", kAllPositive, start_log_logistic),
     fitted<Pareto, 2>("Pareto", {kPositive, kHeld}, start_pareto, {.closed_form = true}),
     fitted<Pareto2, 2>("Pareto2", kAllPositive, start_pareto2),
-    fitted<Dagum, 3>("Dagum", kAllPositive, start_dagum),
+    fitted<Dagum, 3>("Dagum", kAllPositive, start_dagum, {.climbs = 4}),
     fitted<Burr, 4>("Burr", {kBelowMin, kPositive, kPositive, kPositive}, start_burr),
     fitted<Fatigue, 3>("Fatigue", {kBelowMin, kPositive, kPositive}, start_fatigue),
     fitted<Levy, 2>("Levy", {kPositive, kBelowMin}, start_levy),
-    fitted<LogGamma, 3>("LogGamma", {kPositive, kPositive, kBelowMin}, start_log_gamma),
+    fitted<LogGamma, 3>("LogGamma", {kPositive, kPositive, kBelowMin}, start_log_gamma, {.closed_form = true}),
     fitted<LogLaplace, 3>("LogLaplace", kAllPositive, start_log_laplace, {.closed_form = true}),
     fitted<Lifetime2, 2>("Lifetime2", kAllPositive, start_lifetime2),
     fitted<Lifetime3, 3>("Lifetime3", {kPositive, kSquaredRate, kPositive}, start_lifetime3),
     fitted<LifetimeExp, 2>("LifetimeExp", {kReal, kPositive}, start_lifetime_exp),
-    fitted<Pearson6, 3>("Pearson6", kAllPositive, start_pearson6, {.names = {"alpha1", "alpha2"}}),
+    fitted<Pearson6, 3>("Pearson6", kAllPositive, start_pearson6, {.names = {"alpha1", "alpha2"}, .climbs = 4}),
     fitted<F, 2>("F", kAllPositive, start_f),
     fitted<RealCounts<NCChiSq>, 2>("NCChiSq", kAllPositive, start_nc_chi_square,
         {.rounding = {0, false, 1}, .costly = true}),
