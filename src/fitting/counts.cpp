@@ -78,11 +78,12 @@ Places places_skellam(const CountMoments& m) {
     return {place(
         {std::fmax(0.5 * (m.variance + m.mean), least), std::fmax(0.5 * (m.variance - m.mean), least)})};
 }
-/// The first rate by the share of zeros.
+/// The first rate by the share of zeros, which cannot be below the second: the last place is the Poisson distribution.
 Places places_burnt_finger(const CountMoments& m) {
     const double first = std::fmax(-std::log(std::clamp(m.zeros, 1e-12, 0.99)), 0.01);
     Places places;
     for (const double part : {0.9, 0.5, 0.1}) places.push_back(place({first, part * first}));
+    places.push_back(place({m.mean, m.mean}));
     return places;
 }
 
