@@ -239,7 +239,9 @@ class TriangleSearch {
     }
     void climb(Found& candidate) const {
         const double mode = likelihood_.values()[candidate.mode];
+        constexpr double kFarthest = 5;  // beyond, within bounds, the triangle is as good as a straight line
         const auto objective = [&](std::span<const double> point) {
+            if (point[0] > kFarthest || point[1] > kFarthest) return -HUGE_VAL;
             const auto [min, max] = likelihood_.ends(point);
             return likelihood_({min, mode, max});
         };
@@ -291,7 +293,8 @@ Starts start_log_triangle(const StartData& data) {
     const std::vector<double> logs = logarithms(data.x);
     const double lower = data.lower > 0 ? std::log(data.lower) : -HUGE_VAL;
     const auto [min, mode, max] = best_triangle(Sample(logs), lower, std::log(data.upper), data.deadline);
-    return one({std::exp(min), std::exp(mode), std::exp(max)});
+    constexpr double kLargestLog = 700;
+    return one({std::exp(min), std::exp(mode), std::exp(std::fmin(max, kLargestLog))});
 }
 
 constexpr ParameterNames kJohnsonNames = {"alpha1", "alpha2", "minimum", "maximum"};
