@@ -208,7 +208,7 @@ class TriangleSearch {
     }
     /// From ends that have been found for a part of the values.
     Found from(const Point& ends) {
-        add(ends, 3);
+        add(ends, 5);
         return climbed();
     }
     Triangle3 triangle(const Found& found) const {
@@ -224,7 +224,10 @@ class TriangleSearch {
         for (; modes > 0; --modes) {
             const auto best = std::ranges::max_element(values);
             keep({ends, static_cast<std::size_t>(best - values.begin()), *best});
-            *best = -HUGE_VAL;
+            const double taken = likelihood_.values()[static_cast<std::size_t>(best - values.begin())];
+            for (std::size_t i = 0; i < values.size(); ++i) {
+                if (likelihood_.values()[i] == taken) values[i] = -HUGE_VAL;
+            }
         }
     }
     /// One candidate for each mode.
