@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
+#include <filesystem>
 #include <fstream>
 #include <numeric>
 #include <set>
@@ -144,6 +145,65 @@ TEST(Fits, AgreeWithThoseThatOthersTold) {
                 << row["family"] << " " << row["data"];
         }
     });
+}
+
+/// The fit's log-likelihood, or NaN where there is no fit.
+double fitted_log_likelihood(const std::string& family, const Values& x, const FitRequest& request = {}) {
+    FitDescriptor fit = descriptor_of(family);
+    return FitDistribution(fit, x, request) ? natural_log_likelihood(fit, x, request) : std::nan("");
+}
+
+/// Likelihoods of several maxima, or with one at the edge of the parameters; of the data times 2^40 as well.
+TEST(Fits, FindTheGreatestOfSeveralMaxima) {
+    constexpr double kTolerance = 0.005;
+    for_each_row("reference/fits/maxima.tsv", [](const Row& row) {
+        Values x = first_column("reference/fits/" + row["data"]);
+        EXPECT_GE(fitted_log_likelihood(row["family"], x), row.number("log_likelihood") - kTolerance)
+            << row["family"] << " " << row["data"];
+        for (double& value : x) value *= 0x1p40;
+        const double moved = 40 * std::log(2.0) * static_cast<double>(x.size());
+        EXPECT_GE(fitted_log_likelihood(row["family"], x) + moved, row.number("log_likelihood") - kTolerance)
+            << row["family"] << " " << row["data"] << " scaled";
+    });
+}
+
+/// A family is never below another that it contains, as a member or as a limit of members.
+TEST(Fits, AreNotBelowThoseOfFamiliesTheyContain) {
+    const std::pair<const char*, const char*> pairs[] = {
+        {"Error", "Laplace"},      {"Error", "Uniform"},
+        {"SkewNormal", "Normal"},  {"GEV", "ExtValueMax"},
+        {"GLogistic", "Logistic"}, {"GLogistic", "ExtValueMax"},
+        {"Dagum", "LogLogistic"},  {"Pearson6", "Gamma"},
+        {"Pearson6", "Pearson5"},  {"Pearson6", "F"},
+        {"Fatigue", "Normal"},     {"LogGamma", "Normal"},
+        {"Polya", "Poisson"},      {"BurntFingerPoisson", "Poisson"},
+        {"ZIPoisson", "Poisson"},  {"ZIPolya", "Polya"},
+        {"Delaporte", "Polya"}};
+    for (const auto& entry : std::filesystem::directory_iterator("reference/fits/data")) {
+        const Values x = first_column(entry.path().string());
+        for (const auto& [family, contained] : pairs) {
+            const double part = fitted_log_likelihood(contained, x), whole = fitted_log_likelihood(family, x);
+            if (std::isnan(part) || std::isnan(whole)) continue;
+            EXPECT_GE(whole, part - 1e-3) << family << " " << contained << " " << entry.path();
+        }
+    }
+}
+
+/// Where the sample ends below the triangle's, its likelihood is to be at least that of the true triangle.
+TEST(Fits, TrianglesTruncatedFromAbove) {
+    FitRequest bounds;
+    bounds.TruncMax = 12;
+    for (const auto& [family, parameters] : {std::pair{"Triangle", Values{1, 10, 30}},
+                                             {"Triangle", {1, 20, 25}},
+                                             {"LogTriangle", {1, 4, 60}},
+                                             {"LogTriangle", {1, 20, 30}}}) {
+        const FitDescriptor truth = descriptor_of(family, parameters);
+        for (const unsigned seed : {1, 2, 3, 4}) {
+            const Values x = drawn(truth, 300, seed, bounds);
+            EXPECT_GE(fitted_log_likelihood(family, x, bounds), natural_log_likelihood(truth, x, bounds))
+                << family << " " << parameters[1] << " " << seed;
+        }
+    }
 }
 
 /// Every family meets data that it cannot have, or can hardly: a message or a fit, soon, and no parameters after failure.
