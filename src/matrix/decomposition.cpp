@@ -46,18 +46,19 @@ auto with_alglib(Body body) -> decltype(body()) {
     }
 }
 
-/// `solve` fills the values and vectors and tells whether it succeeded. ALGLIB does not look for NaN, and its
+/// `solve` fills the values, their imaginary parts and the vectors, and returns whether it succeeded. ALGLIB does not look for NaN, and its
 /// intermediate results may overflow: both show in the result.
 template <class Solve>
 std::optional<EigenDecomposition> eigen(const double* a, int n, Solve solve) {
     if (n < 1 || !all_finite(copy_of(a, n))) return std::nullopt;
     return with_alglib([&]() -> std::optional<EigenDecomposition> {
         const alglib::real_2d_array matrix = to_alglib(a, n, n);
-        alglib::real_1d_array values;
+        alglib::real_1d_array values, imaginary;
         alglib::real_2d_array vectors;
-        if (!solve(matrix, values, vectors)) return std::nullopt;
-        EigenDecomposition result{from_alglib(values), from_alglib(vectors)};
-        if (!all_finite(result.values) || !all_finite(result.vectors)) return std::nullopt;
+        if (!solve(matrix, values, imaginary, vectors)) return std::nullopt;
+        EigenDecomposition result{from_alglib(values), from_alglib(vectors), from_alglib(imaginary)};
+        if (!all_finite(result.values) || !all_finite(result.vectors) || !all_finite(result.imaginary))
+            return std::nullopt;
         return result;
     });
 }
@@ -65,7 +66,7 @@ std::optional<EigenDecomposition> eigen(const double* a, int n, Solve solve) {
 }  // namespace
 
 std::optional<EigenDecomposition> symmetric_eigen(const double* a, int n) {
-    return eigen(a, n, [n](const auto& matrix, auto& values, auto& vectors) {
+    return eigen(a, n, [n](const auto& matrix, auto& values, auto&, auto& vectors) {
         const alglib::ae_int_t wanted = 1;
         const bool upper = true;
         return alglib::smatrixevd(matrix, n, wanted, upper, values, vectors);
@@ -73,9 +74,8 @@ std::optional<EigenDecomposition> symmetric_eigen(const double* a, int n) {
 }
 
 std::optional<EigenDecomposition> general_eigen(const double* a, int n) {
-    return eigen(a, n, [n](const auto& matrix, auto& values, auto& vectors) {
+    return eigen(a, n, [n](const auto& matrix, auto& values, auto& imaginary, auto& vectors) {
         const alglib::ae_int_t right = 1;
-        alglib::real_1d_array imaginary;
         alglib::real_2d_array left_vectors;
         return alglib::rmatrixevd(matrix, n, right, values, imaginary, left_vectors, vectors);
     });

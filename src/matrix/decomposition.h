@@ -7,16 +7,18 @@
 
 namespace pral::matrix {
 
-/// Eigenvector k is column k of `vectors` (row-major).
+/// Eigenvector k is column k of `vectors` (row-major). `imaginary` has the imaginary parts of the values of a general
+/// matrix, and is empty for a symmetric one.
 struct EigenDecomposition {
-    std::vector<double> values, vectors;
+    std::vector<double> values, vectors, imaginary;
 };
 
 /// Of a symmetric matrix, of which the upper triangle is read: values ascending, vectors orthonormal.
 std::optional<EigenDecomposition> symmetric_eigen(const double* a, int n);
 
 /// Of any real matrix, by Schur iteration: the real parts of the eigenvalues, and the right eigenvectors; those
-/// of a complex pair are given by their real and imaginary parts in two neighbouring columns.
+/// of a complex pair are given by the real and imaginary parts of the one with the positive imaginary part, in two
+/// neighbouring columns.
 std::optional<EigenDecomposition> general_eigen(const double* a, int n);
 
 /// The inverse by LU decomposition, and an estimate of the reciprocal condition number in the 1-norm.

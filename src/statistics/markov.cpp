@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
+#include <complex>
 #include <cstddef>
 #include <numeric>
 #include <optional>
@@ -87,18 +88,37 @@ Elements limit_by_squaring(Elements P, int n) {
     return P;
 }
 
-/// V D V^-1 with the powers of the eigenvalues, made a matrix of probabilities again. Empty when the eigenvectors
-/// are (nearly) dependent.
+/// V D^t of the real columns V: those of a complex pair a +- bi span a plane in which the matrix turns by the angle of
+/// a + bi and stretches by its length, and its principal power by t times the angle and the t-th power of the length.
+Elements scaled_by_powers(const matrix::EigenDecomposition& eigen, int n, double t) {
+    Elements scaled = eigen.vectors;
+    for (int k = 0; k < n; ++k) {
+        const double value = eigen.values[k];
+        const bool forever = t >= DBL_MAX, turns = eigen.imaginary[k] > 0;
+        if (forever || !turns) {
+            const double limit = value < kStayingEigenvalue ? 0 : std::max(value, 1.0);
+            const double power = forever ? limit : std::pow(value, t);
+            for (double* row = scaled.data(); row != scaled.data() + scaled.size(); row += n) row[k] *= power;
+            continue;
+        }
+        const std::complex<double> pair(value, eigen.imaginary[k]);
+        const std::complex<double> power = std::polar(std::pow(std::abs(pair), t), std::arg(pair) * t);
+        for (double* row = scaled.data(); row != scaled.data() + scaled.size(); row += n) {
+            const double real = row[k], imaginary = row[k + 1];
+            row[k] = real * power.real() - imaginary * power.imag();
+            row[k + 1] = real * power.imag() + imaginary * power.real();
+        }
+        ++k;  // the other one of the pair
+    }
+    return scaled;
+}
+
+/// V D^t V^-1, made a matrix of probabilities again. Empty when the eigenvectors are (nearly) dependent.
 std::optional<Elements> spectral_power(const matrix::EigenDecomposition& eigen, int n, double t,
                                        double condition) {
     const auto inverted = matrix::inverse(eigen.vectors.data(), n);
     if (!inverted || !(inverted->reciprocal_condition >= condition)) return std::nullopt;
-    Elements powers(n), scaled = eigen.vectors;
-    std::transform(eigen.values.begin(), eigen.values.end(), powers.begin(), [t](double value) {
-        if (t < DBL_MAX) return std::pow(value, t);
-        return value < kStayingEigenvalue ? 0 : std::max(value, 1.0);
-    });
-    for (std::size_t i = 0; i < scaled.size(); ++i) scaled[i] *= powers[i % n];
+    const Elements scaled = scaled_by_powers(eigen, n, t);
     Elements result = matrix::MatMul(n, n, n, scaled.data(), inverted->elements.data());
     for (double& element : result) element = std::max(element, 0.0);
     if (!normalise_rows(result, n)) return std::nullopt;
@@ -114,9 +134,12 @@ Message power(Elements P, int n, double t, double* out) {
     for (double& value : eigen->values) {
         if (std::fabs(value) < 1e-15 * n) value = 0;  // the sign of rounding
     }
+    const bool turns = std::any_of(eigen->imaginary.begin(), eigen->imaginary.end(),
+                                   [](double imaginary) { return imaginary != 0; });
     std::optional<Elements> result;
-    if (matrix::smallest(eigen->values) >= 0) {
-        result = spectral_power(*eigen, n, t, whole || forever ? kGoodCondition : kUsableCondition);
+    if (std::none_of(eigen->values.begin(), eigen->values.end(), [](double value) { return value < 0; })) {
+        if (!(whole && turns))
+            result = spectral_power(*eigen, n, t, whole || forever ? kGoodCondition : kUsableCondition);
         if (!result && forever) result = limit_by_squaring(P, n);
     } else if (!whole) {
         return "Error: Matrix must be positive semi-definite";

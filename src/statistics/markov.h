@@ -12,9 +12,9 @@ namespace pral::statistics {
 ///
 /// A P that is zero above the diagonal is completed in place by its lower triangle. P is returned as it is for
 /// t = 1, with no look at the sums of its rows. Otherwise P^t comes from the eigen-decomposition where no
-/// eigenvalue (by its real part; imaginary parts are dropped) is negative, and for whole t by multiplication where
-/// one is. Where the eigenvectors do not span the space (equal probabilities of staying in successive
-/// states), multiplication serves whole and infinite t.
+/// eigenvalue has a negative real part, complex pairs by their principal powers; for whole t by multiplication where
+/// one is negative or complex. Where the eigenvectors do not span the space (equal probabilities of staying in
+/// successive states), multiplication serves whole and infinite t.
 Message markov_matrix(double* P, int rows, int cols, double t, double* out);
 
 /// Moves `population[i]` individuals in each of the `states` states by t steps, each on its own: multinomial draws

@@ -76,8 +76,13 @@ def power(P, t):
     if t == int(t):
         return flat(P ** int(t))
     values, right = m.eig(P)
-    diagonal = m.diag([m.re(v) ** m.mpf(t) for v in values])
-    return [m.re(x) for x in flat(right * diagonal * right ** -1)]
+    diagonal = m.diag([v ** m.mpf(t) for v in values])  # the principal power of a complex one
+    result = right * diagonal * right ** -1
+    for i in range(P.rows):  # a root need not be a chain: negative elements become 0
+        row = [max(m.re(result[i, j]), 0) for j in range(P.cols)]
+        for j in range(P.cols):
+            result[i, j] = row[j] / sum(row)
+    return flat(result)
 
 
 for n in (1, 2, 3, 5, 10, 20):
@@ -123,6 +128,12 @@ two_classes = np.array([[0.9, 0.1, 0, 0], [0.5, 0.5, 0, 0], [0, 0, 0.75, 0.25], 
 row("markov", two_classes, "inf", power(two_classes, "inf"))
 spiral = np.array([[0.8, 0.2, 0], [0, 0.8, 0.2], [0.2, 0, 0.8]])  # complex eigenvalues, which the limit does not feel
 row("markov", spiral, "inf", power(spiral, "inf"))
+turning = [np.roll(np.eye(n), 1, axis=1) for n in (3, 5)]  # complex eigenvalues, which powers turn
+turning += [np.random.default_rng(n).uniform(0, 1, (n, n)) for n in (3, 4, 10)]
+for chain in turning:
+    chain = 0.7 * np.eye(len(chain)) + 0.3 * chain / chain.sum(axis=1, keepdims=True)
+    for t in (0.5, 2.0, 3.7, 50.0, 1000000.5, "inf"):
+        row("markov", chain, t, power(chain, t))
 write("matrices.tsv", "function\tmatrix by rows\tt\texpected", matrices)
 
 # -------------------------------------------------------------------------------------------------- statistics

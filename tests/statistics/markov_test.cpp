@@ -41,6 +41,7 @@ TEST(Markov, SpecialCasesAndRefusals) {
     const char* const kRows = "Error: Matrix elements across rows must sum to 1";
     const char* const kNegative = "Error: Matrix must be positive semi-definite";
     const Values flip = {0, 1, 1, 0};
+    const double e = 1e-12;
     const struct {
         Values P;
         double t;
@@ -55,7 +56,11 @@ TEST(Markov, SpecialCasesAndRefusals) {
         {flip, DBL_MAX, {}, kNegative},
         {{0.5, 0.5, 0.5, 0.5}, DBL_MAX, {0.5, 0.5, 0.5, 0.5}, nullptr},
         {{0.5, 0.50001, 0.5, 0.5}, 0, {1, 0, 0, 1}, nullptr},
-        {{0.5, 0.5001, 0.5, 0.5}, 0, {}, kRows},
+        {{0.5, 0.500011, 0.5, 0.5}, 0, {}, kRows},
+        {{0.9, 0.1, 0.9, 0.1}, 0.5, {0.9, 0.1, 0.9, 0.1}, nullptr},  // 0 to rounding, whatever its sign
+        {{0.5 - e, 0.5 + e, 0.5 + e, 0.5 - e}, 0.5, {}, kNegative},  // an eigenvalue -2e-12
+        {{1 - 1e-8, 1e-8, 1e-8, 1 - 1e-8}, DBL_MAX, {0.5, 0.5, 0.5, 0.5}, nullptr},
+        {{1 - 1e-10, 1e-10, 1e-10, 1 - 1e-10}, DBL_MAX, {1, 0, 0, 1}, nullptr},  // counts as one that stays
         {{0.5, kNaN, 0.5, 0.5}, 2, {}, kRows},
         {{0.5, 0, 0.5, 0.5}, 1, {0.5, 0.5, 0.5, 0.5}, nullptr},  // completed by its lower triangle
         {{1, -1e-9, 0, 1}, 1, {}, "Error: matrix elements must be >=0"},
@@ -147,6 +152,16 @@ TEST(Markov, PopulationsMoveByTheRows) {
         EXPECT_FALSE(PralMarkovSample_Core(out.data(), row.states, row.population.data(), matrix.data(),
                                            row.rows, row.cols, 1));
         EXPECT_STREQ(PralCoreError(), row.message);
+    }
+    // One step, too, looks at the sums of the rows, as PralMarkovMatrix_Core does not.
+    for (const double sum : {1.00001, 1.000011}) {
+        Values one_off = P;
+        one_off[0] += sum - 1;
+        EXPECT_EQ(PralMarkovSample_Core(out.data(), 3, population.data(), one_off.data(), 3, 3, 1),
+                  sum < 1.000011);
+        if (sum > 1.00001) {
+            EXPECT_STREQ(PralCoreError(), "Error: Matrix elements across rows must sum to 1");
+        }
     }
 }
 
