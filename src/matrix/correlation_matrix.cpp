@@ -88,7 +88,7 @@ Message cholesky(const double* a, int n, double* out, bool* complete) {
     std::vector<double> factor = copy_of(a, n), values(size);
     if (!IsSymmetricMatrix(factor.data(), n)) return kNotSymmetric;
     if (const Message problem = eigen_values(a, n, values.data())) return problem;
-    if (smallest(values) < 0) return kNotSemiDefinite;
+    if (!positive_semidefinite(values)) return kNotSemiDefinite;
     const bool reached_the_end = cholesky_upper(factor.data(), n);
     if (complete != nullptr) *complete = reached_the_end;
     for (std::size_t i = 0; i < size; ++i) {
@@ -118,7 +118,7 @@ Message valid_corrmat(double* a, int n, double* out) {
     if (!IsSymmetricMatrix(matrix.data(), n)) return kNotSymmetric;
     const auto eigen = symmetric_eigen(matrix.data(), n);
     if (!eigen) return kRepairFailed;
-    if (smallest(eigen->values) < 0) return repaired(*eigen, n, out);
+    if (!positive_semidefinite(eigen->values)) return repaired(*eigen, n, out);
     std::copy(matrix.begin(), matrix.end(), out);
     return nullptr;
 }
@@ -128,7 +128,7 @@ Message cov_to_corr(const double* cov, int n, double* out) {
     std::vector<double> matrix = copy_of(cov, n), values(size), variances(size);
     if (!IsSymmetricMatrix(matrix.data(), n)) return "Error: matrix not symmetric";
     if (eigen_values(cov, n, values.data()) != nullptr) return "Error: matrix is not valid";
-    if (smallest(values) < 0) return "Error: matrix not positive semidefinite";
+    if (!positive_semidefinite(values)) return "Error: matrix not positive semidefinite";
     for (std::size_t i = 0; i < size; ++i) {
         variances[i] = cov[i * size + i];
         if (!(variances[i] > 0)) return "Error: diagonal elements must be >0";

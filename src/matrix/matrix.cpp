@@ -62,14 +62,25 @@ void complete_upper_triangle(double* a, int n) {
 }
 
 bool IsSymmetricMatrix(double* a, int n) {
+    constexpr double kRounding = 1e-14;
     const bool no_upper = triangle_is_zero(a, n, true), no_lower = triangle_is_zero(a, n, false);
     if (no_upper != no_lower) mirror(a, n, no_upper);
-    for (std::size_t i = 0, size = std::max(n, 0); i < size; ++i) {
+    const std::size_t size = std::max(n, 0);
+    std::vector<double> scale(size);  // the standard deviations, should the matrix be a covariance
+    for (std::size_t i = 0; i < size; ++i) scale[i] = std::sqrt(std::fabs(a[i * size + i]));
+    for (std::size_t i = 0; i < size; ++i) {
         for (std::size_t j = i + 1; j < size; ++j) {
-            if (!NearlyEqual(a[i * size + j], a[j * size + i])) return false;
+            const double x = a[i * size + j], y = a[j * size + i];
+            if (!(std::fabs(x - y) <= kRounding * scale[i] * scale[j]) && !NearlyEqual(x, y)) return false;
         }
     }
     return true;
+}
+
+bool positive_semidefinite(const std::vector<double>& eigenvalues) {
+    const auto [least, largest] = std::minmax_element(eigenvalues.begin(), eigenvalues.end());
+    const double rounding = static_cast<double>(eigenvalues.size()) * 2.3e-16 * *largest;
+    return *least >= -std::max(1e-15, rounding);
 }
 
 void MatMul(int m, int k, int n, const double* A, const double* B, double* out) {

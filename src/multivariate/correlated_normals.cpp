@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstring>
+#include <numeric>
 
 #include "distributions/continuous/normal.h"
 #include "matrix/correlation_matrix.h"
@@ -12,13 +13,16 @@
 
 namespace pral::multivariate {
 
-Message complete_covariance(double* cov, int n) {
+Message complete_covariance(double* cov, int n, std::vector<double>& whole) {
+    whole.clear();
     if (n <= 0) return nullptr;
     matrix::complete_upper_triangle(cov, n);
+    whole = matrix::copy_of(cov, n);
+    if (!matrix::IsSymmetricMatrix(whole.data(), n)) return "Error: matrix is not symmetric";
     std::vector<double> values(static_cast<std::size_t>(n));
-    if (const Message problem = matrix::eigen_values(cov, n, values.data())) return problem;
-    if (matrix::smallest(values) < 0) return "Error: cov_matrix must be positive semi-definite";
-    return nullptr;
+    if (const Message problem = matrix::eigen_values(whole.data(), n, values.data())) return problem;
+    return matrix::positive_semidefinite(values) ? nullptr
+                                                 : "Error: cov_matrix must be positive semi-definite";
 }
 
 namespace {
@@ -40,8 +44,9 @@ Message CovarianceFactor::prepare(double* cov, int n) {
         *this = last.factor;
         return nullptr;
     }
-    if (const Message problem = complete_covariance(cov, n)) return problem;
-    if (const Message problem = factorise(cov, n)) return problem;
+    std::vector<double> whole;
+    if (const Message problem = complete_covariance(cov, n, whole)) return problem;
+    if (const Message problem = factorise(whole.data(), n)) return problem;
     if (n <= kMostRemembered) {
         last.matrix.clear();  // should memory run out, nothing is remembered
         last.factor = *this;
@@ -60,17 +65,26 @@ Message CovarianceFactor::factorise(const double* cov, int n) {
 
     // The eigenvalues, which matrix::cholesky would compute once more, are known not to be negative.
     std::vector<double> upper = matrix::copy_of(cov, n);
-    if (!matrix::IsSymmetricMatrix(upper.data(), n)) return kRefused;
-    const std::vector<double> symmetric = upper;
     triangular_ = matrix::cholesky_upper(upper.data(), n);
     for (std::size_t i = 0; triangular_ && i < size; ++i) {
         for (std::size_t j = 0; j <= i; ++j) elements_[i * size + j] = upper[j * size + i];
     }
     if (triangular_) return nullptr;
-    const auto eigen = matrix::symmetric_eigen(symmetric.data(), n);
+    const auto eigen = matrix::symmetric_eigen(cov, n);
     if (!eigen) return kRefused;
     for (std::size_t i = 0; i < elements; ++i)
         elements_[i] = eigen->vectors[i] * std::sqrt(std::max(eigen->values[i % size], 0.0));
+    return nullptr;
+}
+
+Message CovarianceFactor::standardise() {
+    for (double* row = elements_.data(); row != elements_.data() + elements_.size(); row += n_) {
+        const double variance = std::inner_product(row, row + n_, row, 0.0);
+        if (!(variance > 0)) return "Error: diagonal elements must be >0";
+        if (std::fabs(variance - 1) <= 1e-14) continue;  // a correlation matrix, but for rounding
+        const double length = std::sqrt(variance);
+        for (int j = 0; j < n_; ++j) row[j] /= length;
+    }
     return nullptr;
 }
 

@@ -8,21 +8,26 @@
 
 namespace pral::multivariate {
 
-/// Completes an n x n covariance matrix that is zero above its diagonal, in place, and objects to one that has a
-/// negative eigenvalue. Returns the message of the failing check, or null.
-Message complete_covariance(double* cov, int n);
+/// Completes an n x n covariance matrix that is zero above its diagonal, in place, and writes the whole matrix, of which
+/// `cov` may be the upper triangle alone, to `whole`. Objects to one that is not symmetric or has a negative eigenvalue.
+/// Returns the message of the failing check, or null.
+Message complete_covariance(double* cov, int n, std::vector<double>& whole);
 
 /// A factor F of a covariance matrix C = F F', made once for many vectors: if z are independent standard normals, F z
 /// has covariance C. The lower Cholesky factor; where that ends early, the matrix being singular, S sqrt(Lambda) of
 /// the eigen-decomposition.
 class CovarianceFactor {
   public:
-    /// Completes an n x n matrix that is zero above its diagonal, in place, and factorises it; objects to one that
-    /// has a negative eigenvalue or is not symmetric. The matrix of the call before is found again.
+    /// Completes an n x n matrix that is zero above its diagonal, in place, and factorises it; objects as
+    /// complete_covariance(). The matrix of the call before is found again.
     Message prepare(double* cov, int n);
 
-    /// Factorises a matrix without negative eigenvalues; objects to one that is not symmetric.
+    /// Factorises a symmetric matrix without negative eigenvalues, both triangles given.
     Message factorise(const double* cov, int n);
+
+    /// Divides each row of F by its length: the vectors then have the correlations of the matrix and variances 1.
+    /// Objects to a variance that is not positive.
+    Message standardise();
 
     int size() const { return n_; }
 

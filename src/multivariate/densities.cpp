@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "distributions/discrete/binomial.h"
+#include "matrix/decomposition.h"
 #include "numerics/gamma_ratio.h"
 
 namespace pral::multivariate {
@@ -59,9 +60,32 @@ double log_multivariate_hypergeometric(Vector s, Vector D) {
     return log;
 }
 
+namespace {
+
+/// Whether each variable has a part, of more than n units in the last place of its variance, that the ones before it do
+/// not determine.
+bool has_full_rank(const double* cov, std::size_t n) {
+    std::vector<double> correlations(n * n);
+    for (std::size_t i = 0; i < n; ++i) {
+        for (std::size_t j = 0; j < n; ++j) {
+            const double scale = std::sqrt(cov[i * n + i]) * std::sqrt(cov[j * n + j]);
+            correlations[i * n + j] = i == j ? 1 : cov[i * n + j] / scale;
+        }
+    }
+    if (!matrix::cholesky_upper(correlations.data(), static_cast<int>(n))) return false;
+    for (std::size_t i = 0; i < n; ++i) {
+        const double root = correlations[i * n + i];
+        if (!(root * root > static_cast<double>(n) * 2.3e-16)) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
 std::optional<QuadraticForm> quadratic_form(Vector x, Vector mu, const double* cov) {
     constexpr double kSingular = 1.94233e-21;
     const std::size_t n = x.size(), width = n + 1;
+    if (!has_full_rank(cov, n)) return std::nullopt;
     std::vector<double> rows(n * width), difference(n);  // the matrix, and x - mu as its last column
     for (std::size_t i = 0; i < n; ++i) {
         std::copy_n(cov + i * n, n, &rows[i * width]);

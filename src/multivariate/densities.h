@@ -29,7 +29,8 @@ struct QuadraticForm {
     double value, log_determinant;
 };
 
-/// By elimination with partial pivoting. None for a singular matrix: one with a pivot of at most 1.94233e-21.
+/// By elimination with partial pivoting. None for a singular matrix: one with a pivot of at most 1.94233e-21, or with a
+/// variable that the others determine to rounding, of which the pivot would be noise.
 std::optional<QuadraticForm> quadratic_form(Vector x, Vector mu, const double* cov);
 
 }  // namespace pral::multivariate

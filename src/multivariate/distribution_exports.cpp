@@ -101,8 +101,10 @@ bool normal_density(double* result, const double* x, int nx, const double* mu, i
         if (!given({{"x", x}, {"mu", mu}, {"cov", cov}}, nx)) return false;
         if (static_cast<std::size_t>(std::max(elements, 0)) < pral::matrix::element_count(nx))
             return fail("Error: cov_matrix must have as many rows and columns as there are means");
-        if (!succeeded(pral::multivariate::complete_covariance(cov, nx))) return false;
-        const auto form = pral::multivariate::quadratic_form(vector_of(x, nx), vector_of(mu, nmu), cov);
+        std::vector<double> whole;
+        if (!succeeded(pral::multivariate::complete_covariance(cov, nx, whole))) return false;
+        const auto form =
+            pral::multivariate::quadratic_form(vector_of(x, nx), vector_of(mu, nmu), whole.data());
         if (!form) return fail("Error: cov_matrix is singular");
         const double log_constant = -0.5 * (std::log(2 * pral::numerics::kPi) + form->log_determinant);
         return write_probability(result, log_constant - 0.5 * form->value, scale);

@@ -6,6 +6,7 @@
 #include <climits>
 #include <cmath>
 #include <limits>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -110,6 +111,79 @@ TEST(Matrix, RepairCompletesItsInputAndYieldsACorrelationMatrix) {
     for (int i = 0; i < 3; ++i) EXPECT_EQ(out[4 * i], 1);
     ASSERT_TRUE(call("eigenvalues", out, eigenvalues));
     EXPECT_GE(eigenvalues[0], -1e-15);
+}
+
+/// Covariances of `variables` series of 30 values, each computed as R sd_i sd_j in its own order: pairs differ in their
+/// last bits, and with more variables than values the smallest eigenvalues are rounding.
+Values sample_covariance(int variables, double scale, std::mt19937& words) {
+    const int count = 30;
+    std::normal_distribution<double> normal(0, scale);
+    std::vector<Values> x(variables, Values(count));
+    Values sd(variables), covariance(variables * variables);
+    for (int i = 0; i < variables; ++i) {
+        for (int k = 0; k < count; ++k) x[i][k] = normal(words) + (i > 0 ? x[0][k] : 0);
+        for (const double value : x[i]) sd[i] += value * value / count;
+        sd[i] = std::sqrt(sd[i]);
+    }
+    for (int i = 0; i < variables; ++i) {
+        for (int j = 0; j < variables; ++j) {
+            double correlation = 0;
+            for (int k = 0; k < count; ++k) correlation += (x[i][k] / sd[i]) * (x[j][k] / sd[j]) / count;
+            covariance[i * variables + j] = correlation * sd[i] * sd[j];
+        }
+    }
+    return covariance;
+}
+
+/// Ordinary matrices are not refused for the rounding of their elements, whatever their scale and size.
+TEST(Matrix, RoundingIsNoAsymmetryAndNoNegativeEigenvalue) {
+    std::mt19937 words(1);
+    for (const int n : {2, 3, 8, 40}) {
+        for (const double scale : {1e-9, 0.01, 1.0, 1e12}) {
+            for (int trial = 0; trial < 20; ++trial) {
+                Values a = sample_covariance(n, scale, words), out;
+                for (const char* function : {"cholesky", "cov_to_corr", "valid_corrmat", "eigenvalues"})
+                    ASSERT_TRUE(call(function, a, out)) << function << n << PralCoreError();
+                ASSERT_TRUE(std::is_sorted(out.begin(), out.end())) << n;  // by the symmetric solver
+            }
+        }
+    }
+    const Values singular = {4, 1, 5, 1, 9, 10, 5, 10, 15};
+    for (const double scale : {1e-8, 1e-4, 1.0, 1e8}) {
+        Values a = singular, out;
+        for (double& element : a) element *= scale;
+        EXPECT_TRUE(call("cholesky", a, out) && call("cov_to_corr", a, out)) << scale << PralCoreError();
+        if (scale < 1) continue;
+        a[8] -= 1e-13 * scale;  // an eigenvalue some -4e-14 of the scale, of which 15e-15 are rounding
+        EXPECT_FALSE(call("cholesky", a, out) || call("cov_to_corr", a, out)) << scale;
+    }
+    for (const double least : {-0.9e-15, -1.1e-15}) {  // below 1 the bound is 1e-15 itself
+        Values a = {1e-3, 0, 0, least}, out;
+        EXPECT_EQ(call("cholesky", a, out), least > -1e-15) << least;
+    }
+    for (const double off : {0.9e-14, 1.1e-14}) {  // of the product of the standard deviations, 3 and 5
+        Values a = {9, 1e-6, 1e-6 + 15 * off, 25}, out;
+        EXPECT_EQ(call("cholesky", a, out), off < 1e-14) << off;
+    }
+}
+
+/// A repaired matrix passes every test that it was repaired for.
+TEST(Matrix, WhatIsRepairedIsAccepted) {
+    std::mt19937 words(2);
+    std::uniform_real_distribution<double> uniform(-1, 1);
+    for (const int n : {3, 4, 10, 20, 40, 100, 200}) {
+        for (int trial = 0; trial < (n > 40 ? 2 : 20); ++trial) {
+            Values a(n * n, 1.0), repaired, out;
+            for (int i = 0; i < n; ++i) {
+                for (int j = 0; j < i; ++j) a[i * n + j] = a[j * n + i] = uniform(words);
+            }
+            ASSERT_TRUE(call("valid_corrmat", a, repaired));
+            for (const char* function : {"cholesky", "cov_to_corr", "corr_to_cov"})
+                ASSERT_TRUE(call(function, repaired, out)) << function << n << PralCoreError();
+            ASSERT_TRUE(call("valid_corrmat", repaired, out));
+            ASSERT_EQ(out, repaired) << n;
+        }
+    }
 }
 
 TEST(Matrix, FailuresTellWhyAndWriteNothing) {
