@@ -102,7 +102,8 @@ bool elliptical(double* out, int size, double* corr, int d, int samples, Sample 
         return true;
     }
     CovarianceFactor factor;
-    return succeeded(factor.prepare(correlation.matrix(), correlation.size())) && sample(factor);
+    return succeeded(factor.prepare(correlation.matrix(), correlation.size())) &&
+           succeeded(factor.standardise()) && sample(factor);
 }
 
 /// The factor of the matrix of one correlation.

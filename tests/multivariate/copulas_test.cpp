@@ -58,6 +58,22 @@ TEST(Copulas, OneCallAndManyTakeTheSameDraws) {
     }
 }
 
+/// A normal vector has the copula of its correlations, whatever its variances; a singular matrix to the root of the
+/// rounding of its eigenvalues.
+TEST(Copulas, CovariancesGiveTheCopulaOfTheirCorrelations) {
+    const std::string corr = "[1,0.5,-0.25,0.5,1,0,-0.25,0,1] 3 1000",
+                      cov = "[4,3,-0.5,3,9,0,-0.5,0,1] 3 1000", singular = "[1,-1,-1,1] 2 1000",
+                      singular_cov = "[4,-20,-20,100] 2 1000";
+    for (const auto& [name, before] : {std::pair{"CopulaMultiNormal", ""}, {"CopulaMultiT", "5 "}}) {
+        for (const auto& [a, b] : {std::pair{corr, cov}, {singular, singular_cov}}) {
+            const std::size_t count = a == corr ? 3000 : 2000;
+            const Values expected = sampled(name, before + a, count, 1, 8),
+                         found = sampled(name, before + b, count, 1, 8);
+            for (std::size_t i = 0; i < count; ++i) ASSERT_NEAR(found[i], expected[i], 1e-7) << name << i;
+        }
+    }
+}
+
 TEST(Copulas, EmpiricalCopulaKeepsObservationsAndFillsTheirCells) {
     // Three variables in columns, and in rows; the second is tied, the third falls.
     const std::string by_columns = "[1,5,9,2,5,8,3,6,7,4,7,6] 4 3 0",
