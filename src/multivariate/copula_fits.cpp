@@ -18,8 +18,7 @@ RankedData::RankedData(std::vector<double> by_variable, int d)
 }
 
 double RankedData::tau(std::size_t a, std::size_t b) const {
-    const double m = static_cast<double>(m_), pairs = m * (m - 1) / 2;
-    return static_cast<double>(statistics::kendall_s(variable(a), variable(b))) / pairs;
+    return statistics::kendalls_tau(variable(a), variable(b));
 }
 
 double RankedData::mean_tau() const {

@@ -20,7 +20,7 @@ class RankedData {
     int observations() const { return static_cast<int>(m_); }
     std::span<const double> variable(std::size_t j) const { return {&ranks_[j * m_], m_}; }
 
-    /// Kendall's tau-a of two variables: exactly 1 and -1 for perfect concordance and discordance.
+    /// Kendall's tau-a of two variables.
     double tau(std::size_t a, std::size_t b) const;
 
     /// The mean of tau over the ordered pairs (a, b) with a < d - 1 and b != a: pairs of which one is the last

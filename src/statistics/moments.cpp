@@ -3,6 +3,8 @@
 #include <cmath>
 #include <cstddef>
 
+#include "numerics/constants.h"
+
 namespace pral::statistics {
 
 namespace {
@@ -20,6 +22,30 @@ struct Deviations {
     double variance() const { return second / (count - 1); }
 
     double count, mean, second = 0, third = 0, fourth = 0;
+};
+
+/// Sums of the powers of deviations from about the mean, with weights that sum to 1. Power sums about 0 would cancel: of
+/// values 1000 deviations away the fourth moment has no more than four digits.
+class CentralSums {
+  public:
+    explicit CentralSums(double centre) : centre_(centre) {}
+    void add(double value, double weight) {
+        const double d = value - centre_, first = weight * d, second = first * d;
+        first_ += first;
+        second_ += second;
+        third_ += second * d;
+        fourth_ += second * d * d;
+    }
+    /// About the mean itself, from which the centre is off by its rounding.
+    Moments moments() const {
+        const double d = first_, variance = second_ - d * d;
+        const double third = third_ - 3 * d * second_ + 2 * d * d * d,
+                     fourth = fourth_ - 4 * d * third_ + 6 * d * d * second_ - 3 * d * d * d * d;
+        return {centre_ + d, variance, third / std::pow(variance, 1.5), fourth / (variance * variance)};
+    }
+
+  private:
+    double centre_, first_ = 0, second_ = 0, third_ = 0, fourth_ = 0;
 };
 
 }  // namespace
@@ -53,33 +79,28 @@ double kurtosis(Data x) {
 }
 
 Moments population_moments(Data x) {
-    double s1 = 0, s2 = 0, s3 = 0, s4 = 0;
-    for (const double value : x) {
-        const double square = value * value;
-        s1 += value;
-        s2 += square;
-        s3 += square * value;
-        s4 += square * square;
-    }
-    const double n = static_cast<double>(x.size()), mean = s1 / n, variance = s2 / n - mean * mean;
-    return {mean, variance, (s3 - 3 * s2 * mean + 2 * n * mean * mean * mean) / (std::pow(variance, 1.5) * n),
-            (s4 - 4 * mean * s3 + 6 * mean * mean * s2 - 3 * n * mean * mean * mean * mean) /
-                (n * variance * variance)};
+    if (x.empty()) return {numerics::kNaN, numerics::kNaN, numerics::kNaN, numerics::kNaN};
+    const double share = 1 / static_cast<double>(x.size());
+    CentralSums sums(mean(x));
+    for (const double value : x) sums.add(value, share);
+    return sums.moments();
 }
 
 Moments table_moments(Data x, Data p) {
-    double m1 = 0, m2 = 0, m3 = 0, m4 = 0;
-    for (std::size_t i = 0; i < x.size(); ++i) {
-        const double value = x[i], square = value * value;
-        m1 += p[i] * value;
-        m2 += p[i] * square;
-        m3 += p[i] * square * value;
-        m4 += p[i] * square * square;
-        if (i > x.size() / 2 && p[i] == 0) break;
+    double mean = 0, total = 0, lost = 0;
+    std::size_t end = 0;
+    while (end < x.size()) {
+        mean += p[end] * x[end];
+        const double next = total + p[end], back = next - total;  // Knuth's exact addition
+        lost += (total - (next - back)) + (p[end] - back);
+        total = next;
+        if (end++ > x.size() / 2 && p[end - 1] == 0) break;
     }
-    const double variance = m2 - m1 * m1;
-    return {m1, variance, (m3 - 3 * m2 * m1 + 2 * m1 * m1 * m1) / std::pow(variance, 1.5),
-            (m4 - 4 * m1 * m3 + 6 * m1 * m1 * m2 - 3 * m1 * m1 * m1 * m1) / (variance * variance)};
+    CentralSums sums(mean);
+    for (std::size_t i = 0; i < end; ++i) sums.add(x[i], p[i]);
+    const double missing = (1 - total) - lost;
+    if (!(std::fabs(missing) <= 1e-15 * static_cast<double>(end))) sums.add(0, missing);
+    return sums.moments();
 }
 
 }  // namespace pral::statistics

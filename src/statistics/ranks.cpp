@@ -10,7 +10,6 @@
 
 #include "matrix/decomposition.h"
 #include "numerics/constants.h"
-#include "numerics/gamma.h"
 
 namespace pral::statistics {
 
@@ -199,10 +198,8 @@ std::int64_t kendall_s(Data x, Data y) {
 }
 
 double kendalls_tau(Data x, Data y) {
-    const double n = static_cast<double>(x.size());
-    if (n < 2) return numerics::kNaN;
-    using numerics::lgam;
-    return static_cast<double>(kendall_s(x, y)) / std::exp(lgam(n + 1) - lgam(3) - lgam(n - 1));
+    if (x.size() < 2) return numerics::kNaN;
+    return static_cast<double>(kendall_s(x, y)) / static_cast<double>(pairs(x.size()));
 }
 
 }  // namespace pral::statistics

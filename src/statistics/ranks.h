@@ -40,7 +40,7 @@ std::vector<double> spearman_matrix(Data data, int variables);
 /// as neither. Knight's method (1966), n log n.
 std::int64_t kendall_s(Data x, Data y);
 
-/// Kendall's tau-a, S over the number of pairs; NaN for fewer than two observations.
+/// Kendall's tau-a, S over the number of pairs: exactly 1 and -1 for perfect concordance and discordance; NaN for fewer than two observations.
 double kendalls_tau(Data x, Data y);
 
 }  // namespace pral::statistics

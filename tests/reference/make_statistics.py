@@ -171,8 +171,8 @@ for x in (rng.normal(size=5), rng.gamma(0.5, size=21), rng.normal(1000, 1, size=
     sample, population = moments(x)
     for name, value in sample.items():
         add(name, x, [], [value])
-    if np.std(x) > abs(np.mean(x)) / 10:  # power sums lose the fourth power of this ratio
-        add("population", x, [], population)
+    for shift in (0, 1e8, -1e12):
+        add("population", x + shift, [], moments(x + shift)[1])
 
 for x, y in ((rng.normal(size=8), rng.normal(size=8)),
              (rng.integers(0, 6, 40).astype(float), rng.integers(0, 9, 40).astype(float)),
