@@ -67,7 +67,8 @@ struct Trials {
     std::span<const double> p;
 
     bool wait(std::size_t g, double missing, const std::vector<double>&, double& others) const {
-        return draw(&others, NegBin{missing, p[g]});
+        // Nothing is waited for without a quota, not even where the category never comes.
+        return draw(&others, NegBin{missing, missing > 0 ? p[g] : 1});
     }
     bool share(double n, std::size_t g, const std::vector<double>&, double* shares) const {
         return share_by_probability(n, p, g, shares);
