@@ -58,7 +58,7 @@ void Gumbel::frailties(std::span<double> first, std::span<const double> second) 
 }
 
 void Frank::frailties(std::span<double> first, std::span<const double>) const {
-    invert(Logarithmic{parameter_}, first);
+    invert(Logarithmic::with_rate(theta_), first);
 }
 
 double Frank::tau(double theta) {

@@ -1,4 +1,5 @@
 // Copulas: statistics of a seeded stream, mirrored coordinates, many samples at once, the empirical copula.
+#include "multivariate/archimedean.h"
 #include "multivariate/exports.h"
 #include "multivariate/sample_statistics.h"
 
@@ -55,6 +56,20 @@ TEST(Copulas, OneCallAndManyTakeTheSameDraws) {
         const Values one_by_one = sampled(name, arguments + " 1", 3, 3000, 8);
         for (std::size_t i = 0; i < together.size(); ++i)
             ASSERT_NEAR(together[i], one_by_one[i], 1e-12) << name << ' ' << i;
+    }
+}
+
+/// Near theta = 35 the logarithmic parameter 1 - e^-theta is 1 but for a few units in the last place. The smallest k with
+/// F(k) >= u, to 17 digits.
+TEST(Copulas, FrailtiesOfFrankKeepTheRestOfTheirParameter) {
+    for (const auto& [theta, u, expected] : {std::tuple{35.0, 0.5, 22360003.0},
+                                             {35.0, 0.9, 27356042352835.794},
+                                             {35.0, 0.999, 3560504125325436.7},
+                                             {34.75, 0.96, 202138717586742.82},
+                                             {20.0, 0.9, 39964042.0}}) {
+        Values frailty = {u};
+        pral::multivariate::Frank(theta).frailties(frailty, {});
+        EXPECT_NEAR(frailty[0], expected, std::fmax(1, 1e-12 * expected)) << theta << ' ' << u;
     }
 }
 

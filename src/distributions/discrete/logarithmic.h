@@ -15,6 +15,13 @@ struct Logarithmic : SummedTails<Logarithmic> {
         : theta(theta_),
           log_theta_(theta_ > 0.5 ? numerics::log1p_fn(-(1 - theta_)) : std::log(theta_)),
           log_scale_(std::log(-numerics::log1p_fn(-theta_))) {}
+    /// The one with ln(1 - theta) = -rate. Near 1 theta itself has few digits of 1 - theta, or none.
+    static Logarithmic with_rate(double rate) {
+        Logarithmic result(-numerics::expm1_fn(-rate));
+        if (result.theta > 0.5) result.log_theta_ = numerics::log1p_fn(-std::exp(-rate));
+        result.log_scale_ = std::log(rate);
+        return result;
+    }
     Message check() const { return theta > 0 && theta < 1 ? nullptr : "Error: theta must be between (0,1)"; }
     Message check_probability() const {
         return theta > 0 && theta < 1 ? nullptr : "Error: Theta must be between (0,1)";
