@@ -1,5 +1,7 @@
 // The exported fits of copulas. A fit gives its parameters; with the uncertainty flag, those fitted to a synthetic
 // data set of the same shape drawn from it.
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "boundary/core_api.h"
@@ -26,6 +28,12 @@ using pral::multivariate::StudentCopula;
 
 namespace {
 
+/// Objects to NaN, which has no rank: as a tie with everything it would take the dependence for weaker than it is.
+bool all_numbers(const double* data, std::size_t count) {
+    const bool found = std::any_of(data, data + count, [](double value) { return std::isnan(value); });
+    return !found || fail("Error: the data must be numbers");
+}
+
 /// Data as the exports get them: a matrix with a variable in each column, or in each row.
 struct Table {
     const double* data;
@@ -44,7 +52,10 @@ struct Table {
         }
         return observations() < 2 ? "Error: {data} array length must be >=2" : nullptr;
     }
-    bool usable() const { return succeeded(check()) && given({{"data", data}}); }
+    bool usable() const {
+        return succeeded(check()) && given({{"data", data}}) &&
+               all_numbers(data, static_cast<std::size_t>(rows) * cols);
+    }
     RankedData ranked() const {
         return {pral::multivariate::by_variable(data, rows, cols, in_rows), variables()};
     }
@@ -77,7 +88,7 @@ struct Pairs {
 
     bool usable() const {
         if (count < 2) return fail("Error: The number of copula pairs must be > 2");
-        return given({{"pairs", data}});
+        return given({{"pairs", data}}) && all_numbers(data, 2 * static_cast<std::size_t>(count));
     }
     Table table() const { return {data, count, 2, false}; }
 };

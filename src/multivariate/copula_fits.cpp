@@ -72,11 +72,13 @@ class StudentProfile {
     double operator()(int nu) const {
         const std::size_t d = data_.variables(), m = data_.observations();
         const Student student{static_cast<double>(nu)};
-        std::vector<double> quantile(used_.size()), margin(used_.size());
+        std::vector<double> quantile(used_.size(), 0.5), margin(used_.size());
         for (std::size_t i = 0; i < used_.size(); ++i) {
-            if (!used_[i]) continue;
-            quantile[i] = student.quantile(static_cast<double>(i) / 2 / (static_cast<double>(m) + 1));
-            margin[i] = numerics::log1p_fn(quantile[i] * quantile[i] / nu);
+            if (used_[i]) quantile[i] = static_cast<double>(i) / 2 / (static_cast<double>(m) + 1);
+        }
+        Truncated<Student>(student, true, Modifiers{}).quantiles(quantile);
+        for (std::size_t i = 0; i < used_.size(); ++i) {
+            if (used_[i]) margin[i] = numerics::log1p_fn(quantile[i] * quantile[i] / nu);
         }
         double margins = 0, joint = 0;
         std::vector<double> t(d);

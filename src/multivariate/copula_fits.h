@@ -43,7 +43,8 @@ struct PairFit {
 };
 
 /// The fit to pairs in a given direction, or, when that is 0, in the one that the data show: by the sign of tau, and
-/// by the corner in which the dependence is closest.
+/// by the corner in which the dependence is closest. Where a given direction contradicts the sign of tau the parameter is
+/// minus that of |tau|, which mirrors a coordinate once more: a sampler with both has the tau of the data.
 template <class Copula>
 PairFit fit_pair(const RankedData& pairs, int direction) {
     const double tau = pairs.tau(0, 1);
@@ -53,7 +54,8 @@ PairFit fit_pair(const RankedData& pairs, int direction) {
         direction = falling ? (own ? 2 : 3) : (own ? 1 : 4);
     }
     const bool mirrored = direction == 2 || direction == 3;  // one coordinate, which turns the sign of tau
-    return {numerics::finite_or_limit(Copula::from_tau(mirrored ? -tau : tau)), direction};
+    const double size = Copula::from_tau(std::fabs(tau));
+    return {numerics::finite_or_limit((mirrored ? -tau : tau) < 0 ? -size : size), direction};
 }
 
 /// The fit to more variables.

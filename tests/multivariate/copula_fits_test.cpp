@@ -65,6 +65,13 @@ TEST(CopulaFits, SamplesTellTheirParameters) {
             EXPECT_EQ(out, expected) << name;
             arguments.back().integer = 1;
             ASSERT_TRUE(simulate(kFits, name + "FitP", 1, arguments, replicate));
+            if (pairs && direction < 3) {  // the other direction, whose parameter mirrors the pair back
+                Argument other(3 - direction);
+                arguments[0] = other;
+                arguments.back().integer = 0;
+                ASSERT_TRUE(simulate(kFits, name + "FitP", 1, arguments, out));
+                EXPECT_DOUBLE_EQ(out[0], -found[0]) << name << direction;
+            }
             // Of several variables Frank's replicate comes from Clayton with theta, here with tau = 5/7.
             const double centre = name == "CopulaMultiFrank" ? Frank::from_tau(5 / 7.0) : found[0];
             EXPECT_NE(replicate[0], found[0]) << name;

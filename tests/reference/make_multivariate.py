@@ -250,9 +250,12 @@ for name in ["Clayton", "Gumbel", "Frank"]:
     most, least = {"Clayton": (36, 0), "Gumbel": (36, mpf("1.0000000001")), "Frank": (35, 0)}[name]
     row("fit", f"CopulaMulti{name}FitP", f"{by_observation(UP)} 4 2 0 0", mpf(most))
     row("fit", f"CopulaMulti{name}FitP", f"{by_observation(DOWN)} 4 2 0 0", mpf(least))
+    # In a direction that contradicts the data the parameter is minus that of |tau|.
     for data, direction, tau in [(UP, 1, 1), (DOWN, 1, -1), (DOWN, 2, 1), (DOWN, 0, 1), (TIES, 1, tau_of(*TIES)),
-                                 (TIES, "null", tau_of(*TIES))]:
-        row("fit", f"CopulaBi{name}FitP", f"{direction} {by_observation(data)} {len(data[0])} 0", parameter(name, mpf(tau)))
+                                 (TIES, 2, -tau_of(*TIES)), (TIES, "null", tau_of(*TIES))]:
+        size = parameter(name, abs(mpf(tau)))
+        expected = size if tau >= 0 else "-" + size if size is LARGE else -size
+        row("fit", f"CopulaBi{name}FitP", f"{direction} {by_observation(data)} {len(data[0])} 0", expected)
 row("fit", "CopulaBiNormalFitP", f"{by_observation(TIES)} 5 0", sin(pi / 2 * tau_of(*TIES)))
 for theta in ["0.36", "1.08", "5.04", "18", "34.92"]:
     row("frank_tau", theta, frank_tau(mpf(theta)))
