@@ -71,9 +71,10 @@ PRAL_API void PralSetRandomSeed(unsigned int seed);
 /* ------------------------------------------------------------------------------------------------- Matrices
  *
  * A matrix is a flat array by rows: element (i, j) of n x n elements stands at i n + j, counted from 0. A symmetric
- * matrix may be given by one triangle, the other being all 0; symmetric means to 15 significant digits. These
- * functions write nothing to `out` when they fail, and no input is changed unless told. Elements that are not
- * finite fail as the decomposition that meets them.
+ * matrix may be given by one triangle, the other being all 0; symmetric means to 15 significant digits of each element, or
+ * to 1e-14 sqrt(|a(i,i) a(j,j)|). Positive semi-definite means that no eigenvalue is below -max(1e-15, n 2.3e-16 largest).
+ * These functions write nothing to `out` when they fail, and change no input unless it says so. A matrix with NaN or
+ * infinite elements fails with the message of the decomposition.
  */
 
 /* The lower triangular L with a = L L', n x n. A constant matrix c >= 0 has sqrt(c) in its first column. A singular
@@ -127,12 +128,13 @@ PRAL_API bool PralStDev_Core(double* out, const double* x, uint64_t n);
 PRAL_API bool PralSkewness_Core(double* out, const double* x, uint64_t n);
 PRAL_API bool PralKurtosis_Core(double* out, const double* x, uint64_t n);
 
-/* Moments of n values as a whole population (divisor n; the kurtosis of a normal one is 3), from power sums. */
+/* Moments of n values as a whole population (divisor n; the kurtosis of a normal one is 3). */
 PRAL_API bool PralMomentsFromValues(const double* x, int n, double* mean, double* variance, double* skewness,
                                     double* kurtosis);
 
-/* Moments of the discrete distribution of n values x with probabilities p, which are used as they are. Beyond the
- * middle of the table (index above n/2) the first probability 0 ends it. */
+/* Moments of the discrete distribution of n values x with probabilities p, which are used as they are: what is missing of
+ * 1 (beyond 1e-15 for each of them) counts as the probability of the value 0. Summation stops at the first zero probability
+ * whose index exceeds n/2. */
 PRAL_API bool PralRawMoments_Core(const double* x, const double* p, int n, double* mean, double* variance,
                                   double* skewness, double* kurtosis);
 
@@ -228,8 +230,8 @@ PRAL_API bool PralNBootSeriesVB_Core(SAFEARRAY** out, const double* data, int n)
  */
 
 /* The transition matrix of t >= 0 steps, n x n; t is a double, passed as the variable argument. DBL_MAX asks for the
- * long-run limit. A t that is no whole number needs a P whose eigenvalues are not negative. Eigenvalues count by
- * their real parts: where a chain has complex ones, and no negative one, the result is an approximation. For t = 1 P is
+ * long-run limit. A t that is no whole number needs a P whose eigenvalues have no negative real part; it takes their
+ * principal powers, negative elements of the result becoming 0 and its rows being divided by their sums. For t = 1 P is
  * returned as it is, with no look at the sums of its rows; otherwise they must be 1 to 1e-5. The automation array must
  * have room for the matrix.
  * "Error: T must be >=0", "Error: Input Matrix must be square", "Error: matrix elements must be >=0",
@@ -554,14 +556,14 @@ PRAL_API bool PralTimeShortTermInterestRateAVB_Core(SAFEARRAY** out, const doubl
  * that is zero above its diagonal is completed in `cov` itself, also when the call then fails. Without elements (covN < 1),
  * or with all of them 0, the result is mu, and nothing is drawn.
  * "Error: the number of elements in otput array too small", "Error: cov_matrix must have as many rows and columns as there
- * are means", "Error: cov_matrix must be positive semi-definite", "Error: Matrix must be positive semi-definite" (not
- * symmetric) */
+ * are means", "Error: matrix is not symmetric", "Error: cov_matrix must be positive semi-definite" */
 PRAL_API bool PralMultiNormal_Core(double* out, int outN, const double* mu, int k, double* cov, int covN);
 PRAL_API bool PralMultiNormalVB_Core(SAFEARRAY** out, const double* mu, int k, double* cov, int covN);
 
 /* exp(-q/2)/sqrt(2 pi det cov), q = (x - mu)' cov^-1 (x - mu). The constant has 2 pi once, whatever k is: the usual density
  * for k = 1 only.
- * "Error: Data and Means arrays must contain same number of cells", those of the sampler, "Error: cov_matrix is singular" */
+ * "Error: Data and Means arrays must contain same number of cells", those of the sampler, "Error: cov_matrix is singular"
+ * (also one in which variables determine another to rounding) */
 PRAL_API bool PralMultiNormalProb_Core(double* result, const double* x, int nx, const double* mu, int nmu,
                                        double* cov, int covN);
 PRAL_API bool PralMultiNormalProb10_Core(double* result, const double* x, int nx, const double* mu, int nmu,
@@ -686,11 +688,11 @@ PRAL_API bool PralCopulaBiTVB_Core(SAFEARRAY** out, double nu, double rho);
 
 /* The same with a d x d correlation matrix, of which the lower triangle is enough: it is completed in `corr` itself.
  * outN = d nSamples; or d = 1 and outN = 2 nSamples, `corr` being the one correlation of pairs. Where all elements of the
- * matrix are equal and >= 0, all outputs of the call are one and the same uniform. The diagonal is not looked at. The
- * normals of T are by inversion, one draw each.
+ * matrix are equal and >= 0, all outputs of the call are one and the same uniform. A covariance matrix stands for its
+ * correlations. The normals of T are by inversion, one draw each.
  * "Error: nu must be a positive integer" (T, not a whole number), "Error: number of elements in the output must equal to
- * the size of the matrix", "Error: cov_matrix must be positive semi-definite", "Error: Matrix must be positive
- * semi-definite" (not symmetric), those of ChiSq */
+ * the size of the matrix", "Error: matrix is not symmetric", "Error: cov_matrix must be positive semi-definite", "Error:
+ * diagonal elements must be >0", those of ChiSq */
 PRAL_API bool PralCopulaMultiNormal_Core(double* out, int outN, double* corr, int d, int nSamples);
 PRAL_API bool PralCopulaMultiNormalVB_Core(SAFEARRAY** out, double* corr, int d, int nSamples);
 PRAL_API bool PralCopulaMultiT_Core(double* out, int outN, double nu, double* corr, int d, int nSamples);
@@ -720,7 +722,7 @@ PRAL_API bool PralCopulaDataSeriesVB_Core(SAFEARRAY** out, const double* data, i
  * looked at after the counts ("Error: source array is not valid").
  * "if Data_In_Rows=false, number of {data} rows must be >=2", "if Data_In_Rows=true number of {data} columns must be
  * >=2" (fewer than 2 variables), "Error: {data} array length must be >=2" (observations), "Error: The number of copula
- * pairs must be > 2" (fewer than 2) */
+ * pairs must be > 2" (fewer than 2), "Error: the data must be numbers" (NaN) */
 
 /* From the mean of tau over all ordered pairs of variables (a, b), a not being the last variable:
  *   Clayton  2 tau/(1 - tau), within [0,36]
@@ -748,9 +750,11 @@ PRAL_API bool PralCopulaMultiFrankFitVB_Core(SAFEARRAY** out, const double* data
                                              int dataInRows, int uncertainty);
 
 /* Of pairs, without the limits 0 and 36. *direction 1 to 4 (Frank: 1 or 2) is used as given: the pairs are turned back
- * by it, so that 2 and 3 change the sign of tau. 0, or a null pointer, asks for the direction that the data show: 1 or 4
- * for tau >= 0, 2 or 3 for tau < 0, whichever puts the closest dependence into the copula's own corner (by the sign of
- * the sum of (r + s)^3 over the centred ranks), 1 or 2 for Frank; it is written to *direction.
+ * by it, so that 2 and 3 change the sign of tau; where tau is negative then, the parameter is minus that of |tau|, with
+ * which the sampler of pairs has the tau of the data in this direction. 0, or a null pointer, asks for the direction
+ * that the data show: 1 or 4 for tau >= 0, 2 or 3 for tau < 0, whichever puts the closest dependence into the copula's
+ * own corner (by the sign of the sum of (r + s)^3 over the centred ranks), 1 or 2 for Frank; it is written to
+ * *direction.
  * "Error: Direction must be integer value in [1..4]" or "... [1..2]"; with `uncertainty`, and for a sample, the copula's
  * own message when the fitted parameter is out of its range. */
 PRAL_API bool PralCopulaBiClaytonFitP_Core(double* alpha, int* direction, const double* pairs, int nPairs,
