@@ -243,7 +243,7 @@ std::vector<Candidate> Fit::candidates(const Sample& x) {
     const std::vector<Candidate> unmoved = all;
     for (Candidate& candidate : all) {
         candidate.log_likelihood = -HUGE_VAL;
-        climb(candidate, Sample(part), kRoughly);
+        climb(candidate, Sample(part, &pause_), kRoughly);
     }
     all.insert(all.end(), unmoved.begin(), unmoved.end());
     keep(kClimbs, x);
