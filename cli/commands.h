@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "csv.h"
 #include "families.h"
 #include "output.h"
 
@@ -45,7 +46,8 @@ void probability(const ProbabilityOptions& options);
 enum class Criterion { aic, aicc, bic };
 
 struct FitOptions {
-    std::string file, column, kind;     // column, kind: chosen by the data when empty
+    std::string file, kind;  // kind: chosen by the data when empty
+    CsvRequest csv = {.purpose = Purpose::data};
     std::vector<std::string> families;  // empty: all that suit the data
     std::optional<double> min, max, timeout, top;
     bool shift = false, verbose = false;

@@ -99,6 +99,7 @@ nlohmann::ordered_json as_json(const Family& family) {
     }
     return {{"family", family.name},
             {"kind", family.kind},
+            {"other_names", other_names(family)},
             {"parameters", parameters},
             {"support", clauses.support},
             {"definition", clauses.definition},
@@ -117,6 +118,7 @@ void write_page(const Family& family) {
         page += fmt::format("  {:<{}}  {}  {}\n", name, width, is_table ? "table " : "number",
                             clauses.parameters[i]);
     }
+    if (!other_names(family).empty()) page += fmt::format("\nOther names\n  {}\n", other_names(family));
     if (!clauses.support.empty()) page += fmt::format("\nSupport\n  {}\n", clauses.support);
     if (!clauses.definition.empty()) page += fmt::format("\nDefinition\n  {}\n", clauses.definition);
     page += "\nC\n";

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <map>
 
 #include "arguments.h"
 #include "boundary/core_api.h"
@@ -80,8 +81,62 @@ const Family& find_family(const std::string& name) {
     };
     const Family& nearest = *std::ranges::min_element(families(), {}, distance);
     if (distance(nearest) == 0) return nearest;
-    throw UsageError(
-        fmt::format("there is no family \"{}\"; did you mean {}? (pral list shows all)", name, nearest.name));
+    throw UsageError(fmt::format("there is no family \"{}\"; did you mean {}? (pral list shows all)",
+                                 shown(name), nearest.name));
+}
+
+std::string_view other_names(const Family& family) {
+    static const std::map<std::string_view, std::string_view> names = {
+        {"BetaBinomial", "beta-binomial, Polya-Eggenberger"},
+        {"BetaGeometric", "beta-geometric, Waring"},
+        {"BetaNegBin", "beta-negative binomial, generalized Waring"},
+        {"BetaSubj", "subjective beta"},
+        {"Burr", "Burr type XII, Singh-Maddala"},
+        {"Cauchy", "Lorentz"},
+        {"ChiSq", "chi-square, chi-squared"},
+        {"CumulA", "cumulative, ascending"},
+        {"CumulD", "cumulative, descending"},
+        {"DUniform", "discrete uniform"},
+        {"Dagum", "inverse Burr, Burr type III"},
+        {"Erf", "error function"},
+        {"Error", "generalized normal, Subbotin"},
+        {"Expon", "exponential"},
+        {"ExtValueMax", "extreme value, Gumbel"},
+        {"ExtValueMin", "extreme value, Gumbel, smallest extreme value"},
+        {"F", "Fisher, Snedecor"},
+        {"Fatigue", "Birnbaum-Saunders, fatigue life"},
+        {"GEV", "generalized extreme value, Frechet, Gumbel, Fisher-Tippett"},
+        {"GLogistic", "generalized logistic"},
+        {"GTU", "generalized trapezoidal uniform"},
+        {"HypergeoD", "hypergeometric"},
+        {"HypergeoM", "hypergeometric"},
+        {"Hypergeo", "hypergeometric"},
+        {"InvGauss", "inverse Gaussian, Wald"},
+        {"InvHypergeo", "inverse hypergeometric, negative hypergeometric"},
+        {"JohnsonB", "Johnson SB, bounded"},
+        {"JohnsonU", "Johnson SU, unbounded"},
+        {"Laplace", "double exponential"},
+        {"LogTriangle", "log-triangular"},
+        {"Logarithmic", "log-series"},
+        {"Maxwell", "Maxwell-Boltzmann"},
+        {"NCChiSq", "noncentral chi-square, chi-squared"},
+        {"NCF", "noncentral F"},
+        {"NegBin", "negative binomial, Pascal"},
+        {"Normal", "Gaussian"},
+        {"NormalMix", "Gaussian mixture"},
+        {"Pareto2", "Lomax"},
+        {"Pearson5", "inverse gamma, inverted gamma"},
+        {"Pearson6", "beta prime, inverted beta"},
+        {"Polya", "negative binomial with real size"},
+        {"Slash", "normal over uniform"},
+        {"StepUniform", "discrete uniform"},
+        {"Student3", "three-parameter t, location-scale t"},
+        {"Triangle", "triangular"},
+        {"TriangleAlt", "triangular"},
+        {"Uniform", "rectangular"},
+    };
+    const auto found = names.find(family.name);
+    return found == names.end() ? std::string_view{} : found->second;
 }
 
 std::string parameter_names(const Family& family) {

@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "family_table.h"
@@ -15,6 +16,9 @@ const std::vector<Family>& families();
 
 /// The family of that name, in any case; otherwise a UsageError that suggests the nearest name.
 const Family& find_family(const std::string& name);
+
+/// What else the family is called, by words that its line in the header does not hold; empty for most.
+std::string_view other_names(const Family& family);
 
 /// "mu, sigma", tables with brackets behind their names.
 std::string parameter_names(const Family& family);

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 #include <map>
 
 #include "arguments.h"
@@ -121,6 +122,20 @@ NamedNumbers named_parameters(const Result& result) {
     return numbers;
 }
 
+/// What was read, before all else that is told of it.
+std::string told(const CsvColumn& column, const std::string& file) {
+    const auto [least, greatest] = std::ranges::minmax(column.values);
+    std::string line =
+        fmt::format("{}, column {}", file == "-" ? "standard input" : shown(file), column.number);
+    if (!column.name.empty()) line += fmt::format(" ({})", shown(column.name));
+    line += fmt::format(" of {}: {} value{} from {} to {}, ", column.width, column.values.size(),
+                        column.values.size() == 1 ? "" : "s", number_text(least), number_text(greatest));
+    line += column.missing > 0 ? fmt::format("{} missing and left out", column.missing) : "none missing";
+    if (column.decimal == DecimalMark::comma) line += "; decimal commas";
+    if (!column.has_names) line += "; no row of names";
+    return line + '\n';
+}
+
 void write_ranking(const std::vector<Result>& results, const FitOptions& options) {
     Rows rows(options.format, {"rank", "family", "AIC", "AICc", "BIC", "log_likelihood", "ms", "parameters"});
     double rank = 0;
@@ -139,17 +154,18 @@ void write_ranking(const std::vector<Result>& results, const FitOptions& options
 void fit(const FitOptions& options) {
     if (options.top && !(*options.top >= 1 && is_whole(*options.top)))
         throw UsageError("--top: a whole number, 1 or more, is wanted");
-    const std::string column = options.column.empty() ? first_numeric_column(options.file) : options.column;
-    const FitData data = {read_csv_column(options.file, column, Completeness::all), options.min, options.max,
-                          options.shift};
+    const CsvColumn column = read_csv_column(read_file(options.file), options.file, options.csv);
+    if (column.values.size() > static_cast<std::size_t>(std::numeric_limits<int>::max()))
+        throw UsageError(fmt::format("{}: more values than a fit can take", shown(options.file)));
+    const FitData data = {column.values, options.min, options.max, options.shift};
     const Candidates candidates = choose_candidates(options, data.values);
     const auto discrete = [](const Family* family) { return family->kind == "discrete"; };
     if (options.shift && std::ranges::any_of(candidates, discrete))
         throw UsageError("--shift: only continuous families are shifted (--kind continuous chooses them)");
     const auto [least, greatest] = std::ranges::minmax(data.values);
     if (least == greatest && !std::ranges::all_of(candidates, discrete))
-        throw UsageError(fmt::format("{}: all values are {}, too few for a continuous family", options.file,
-                                     number_text(least)));
+        throw UsageError(fmt::format("{}: all values are {}, too few for a continuous family",
+                                     shown(options.file), number_text(least)));
     if (options.timeout) PralSetFitTimeout(*options.timeout);
 
     Results results = fit_all(candidates, data);
@@ -158,10 +174,14 @@ void fit(const FitOptions& options) {
         throw std::runtime_error(refused.size() == 1 ? refused.begin()->first
                                                      : "No candidate could be fitted" + told(refused));
     }
+    // Beside a table; what programs read holds the table alone.
+    const std::string what = told(column, options.file);
+    if (options.format == Format::table)
+        write(what);
+    else
+        std::fputs(what.c_str(), stderr);
     if (options.verbose) {
-        std::fprintf(stderr, "%s, column %s: %zu values from %s to %s, %zu %s families\n",
-                     options.file.c_str(), column.c_str(), data.values.size(), number_text(least).c_str(),
-                     number_text(greatest).c_str(), candidates.size(),
+        std::fprintf(stderr, "%zu %s families\n", candidates.size(),
                      options.families.empty() ? candidates.front()->kind.c_str() : "named");
     }
     if (!refused.empty() && (options.verbose || !options.families.empty())) {

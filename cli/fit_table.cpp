@@ -45,10 +45,10 @@ const std::map<std::string, FitFunction, std::less<>>& fit_functions() {
     return functions;
 }
 
-/// To the fits a bound of 1e100 is one that was not given.
-double bound_or_none(const std::optional<double>& bound) {
+/// To the fits a bound of 1e100 is one that was not given; `none` is the infinity that bounds nothing.
+double bound_or_none(const std::optional<double>& bound, double none) {
     constexpr double kNone = 1e100;
-    return bound && std::fabs(*bound) < DBL_MAX ? *bound : kNone;
+    return bound.value_or(none) == none ? kNone : *bound;
 }
 
 }  // namespace
@@ -64,7 +64,7 @@ int free_parameters(const Family& family) {
 Fitted fit(const Family& family, const FitData& data) {
     const FitFunction function = fit_functions().at(family.name);
     const int n = static_cast<int>(data.values.size()), count = static_cast<int>(family.parameters.size());
-    const double min = bound_or_none(data.min), max = bound_or_none(data.max);
+    const double min = bound_or_none(data.min, -DBL_MAX), max = bound_or_none(data.max, DBL_MAX);
     Fitted fitted = {std::vector<double>(family.parameters.size()), std::nullopt, 0};
     if (data.shift && function != fit_student3) fitted.shift = 0;
     double* const shift = fitted.shift ? &*fitted.shift : nullptr;

@@ -1,4 +1,4 @@
-// pral list: the families by name, kind or a word of their text.
+// pral list: the families by name, kind or a word of their text or of their other names.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -22,7 +22,9 @@ void list(const ListOptions& options) {
     for (const Family& family : families()) {
         const std::string names = parameter_names(family);
         const bool right_kind = options.kind.empty() || options.kind == family.kind;
-        const bool found = lower_case(family.name + ' ' + names + ' ' + family.text).find(word) != word.npos;
+        const bool found =
+            lower_case(fmt::format("{} {} {} {}", family.name, names, family.text, other_names(family)))
+                .find(word) != word.npos;
         if (right_kind && found) rows.add({family.name, family.kind, names, family.text});
     }
     rows.end();

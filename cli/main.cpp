@@ -25,7 +25,8 @@ constexpr const char* kFooter = R"(Examples:
   pral prob Normal 0 1 -x 1.96 --cumulative --format json
   pral fit losses.csv --top 5
 
-A table of numbers is given as a comma list, 1,2.5,4, or as @FILE.csv:COLUMN. "inf" and "-inf" are numbers, too.
+A table of numbers is given as a comma list, 1,2.5,4, or as @FILE.csv:COLUMN, the column by name or number; @- is the
+standard input. "inf" and "-inf" are numbers, too.
 Exit codes: 0 success; 1 the library refused (its error text is on the standard error); 2 wrong usage.)";
 
 constexpr const char* kFamilyFooter =
@@ -33,7 +34,13 @@ constexpr const char* kFamilyFooter =
 comma list (1,2.5,4) or @FILE.csv:COLUMN. JSON has no infinities: there they are the strings "inf" and "-inf".)";
 
 constexpr const char* kFitFooter =
-    R"(Whole numbers are fitted by discrete families, others by continuous ones; --kind and --dist choose otherwise. Families
+    R"(Fields are separated by commas, semicolons or tabs, as in the first row, and stand in double quotes where they hold one.
+Where semicolons or tabs separate, decimal commas are understood as well; thousands separators are refused. A column
+without a name beside others that have one, as R writes it before the names of rows, is not the first with numbers. An
+empty cell, NA, N/A, #N/A, NaN or NULL is missing. What cannot be read with certainty is refused. The first line tells what
+was read; with csv and json it is on the standard error.
+
+Whole numbers are fitted by discrete families, others by continuous ones; --kind and --dist choose otherwise. Families
 that cannot have the data are left out; --verbose tells why. A table shows rounded numbers; csv and json have all digits.
 AIC, AICc and BIC count the free parameters: all of them, the shift as one more, the base of LognormalB (LognormalE in
 other words, fitted only by name) as none. A shift adds nothing to a family that has a location of its own, and counts all
@@ -50,7 +57,7 @@ void add_choice(CLI::App* command, const std::string& name, Value& target,
     const auto store = [=, &target](const std::string& given) {
         const auto found = choices.find(lower_case(given));
         if (found == choices.end())
-            throw UsageError(fmt::format("{}: {} is wanted, not {}", name, wanted, given));
+            throw UsageError(fmt::format("{}: {} is wanted, not {}", name, wanted, shown(given)));
         target = found->second;
     };
     command->add_option_function<std::string>(name, store, text)->type_name(type);
@@ -64,7 +71,7 @@ void add_format(CLI::App* command, Format& format) {
 
 CLI::Option* add_number(CLI::App* command, const std::string& name, std::optional<double>& target,
                         const std::string& text) {
-    const auto store = [name, &target](const std::string& given) { target = parse_number(given, name); };
+    const auto store = [name, &target](const std::string& given) { target = parse_real(given, name); };
     return command->add_option_function<std::string>(name, store, text)->type_name("NUMBER");
 }
 
@@ -95,6 +102,8 @@ void add_family(CLI::App* command, FamilyOptions& options) {
     add_format(command, options.format);
 }
 
+std::string version_text() { return std::string("pral_core ") + PralVersion(); }
+
 /// All that can be asked for; the options live as long as the parser.
 struct CommandLine {
     CLI::App app{"pral: samples, quantiles and probabilities of the distributions in pral_core"};
@@ -109,6 +118,7 @@ struct CommandLine {
         app.name("pral");
         app.allow_windows_style_options(false);  // the same command line on both platforms
         app.require_subcommand(1);
+        app.set_version_flag("--version", version_text(), "The version of the library");
         app.get_formatter()->column_width(32);
         app.get_formatter()->label("SUBCOMMAND", "COMMAND");
         app.get_formatter()->label("REQUIRED", "(required)");
@@ -122,9 +132,7 @@ struct CommandLine {
         add_quantile();
         add_probability();
         add_fit();
-        app.add_subcommand("version", "The version of the library")->callback([] {
-            write(std::string("pral_core ") + PralVersion() + "\n");
-        });
+        app.add_subcommand("version", "The same")->callback([] { write(version_text() + '\n'); });
         for (auto* command : commands()) command->group("Commands");
         app.footer(kFooter);  // last: commands would inherit it
     }
@@ -147,7 +155,9 @@ struct CommandLine {
         auto* command = app.add_subcommand("list", "The families, with their parameters");
         command->add_option("--kind", list_options.kind, "Only this kind: continuous, discrete or data")
             ->type_name("KIND");
-        command->add_option("--search", list_options.search, "Only families whose line holds this word")
+        command
+            ->add_option("--search", list_options.search,
+                         "Only families whose line or other names hold this word")
             ->type_name("WORD");
         add_format(command, list_options.format);
         command->callback([this] { list(list_options); });
@@ -204,11 +214,22 @@ struct CommandLine {
         FitOptions& options = fit_options;
         auto* command = app.add_subcommand("fit", "Families fitted to a column of numbers, the best first");
         command->footer(kFitFooter);
-        command->add_option("FILE", options.file, "CSV file with the data")->required()->type_name("");
+        command->add_option("FILE", options.file, "CSV file with the data; - is the standard input")
+            ->required()
+            ->type_name("");
         command
-            ->add_option("--column", options.column,
+            ->add_option("--column", options.csv.column,
                          "Its column, by name or number (default: the first with numbers)")
             ->type_name("COLUMN");
+        add_choice<std::optional<bool>>(
+            command, "--header", options.csv.names, {{"yes", true}, {"no", false}}, "yes or no",
+            "Whether the first row holds names (default: if no cell is a number)", "YES|NO");
+        add_choice<std::optional<DecimalMark>>(command, "--decimal", options.csv.decimal,
+                                               {{"comma", DecimalMark::comma}, {"point", DecimalMark::point}},
+                                               "comma or point",
+                                               "The decimal mark, where the cells leave it in doubt", "MARK");
+        command->add_flag("--skip-missing", options.csv.skip_missing,
+                          "Leave missing cells out; they are refused otherwise");
         command->add_option("--dist", options.families, "Only this family; may be given more than once")
             ->expected(1)
             ->allow_extra_args(false)

@@ -3,6 +3,10 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cfloat>
+#include <charconv>
+#include <cmath>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,6 +35,31 @@ inline std::string lower_case(std::string_view text) {
     std::string lower(text);
     std::ranges::transform(lower, lower.begin(), [](unsigned char c) { return std::tolower(c); });
     return lower;
+}
+
+/// The number that a whole text is, none otherwise; "inf" and "-inf" are the library's DBL_MAX and -DBL_MAX.
+inline std::optional<double> number(std::string_view text) {
+    text = trimmed(text);
+    if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
+    double value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
+    return std::isinf(value) ? std::copysign(DBL_MAX, value) : value;
+}
+
+/// Foreign text as a message shows it: its beginning, cut between two UTF-8 characters, nothing that drives a terminal.
+inline std::string shown(std::string_view text) {
+    constexpr std::size_t longest = 60;
+    const bool cut = text.size() > longest;
+    if (cut) {
+        std::size_t end = longest;
+        while (end > longest - 4 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+        text = text.substr(0, end);
+    }
+    std::string plain(text);
+    std::ranges::replace_if(
+        plain, [](unsigned char c) { return c < ' ' || c == 0x7F; }, '?');
+    return plain + (cut ? "..." : "");
 }
 
 /// Joins what `text_of` makes of each element.

@@ -37,8 +37,8 @@ VALUES = [
     ("prob Uniform 0 1 -x 2 --log10", "log10_density", [-math.inf]),
     ("prob Uniform 0 4 -x -8,-7 --shift -10 --cumulative", "cumulative", [0.5, 0.75]),
     ("prob Uniform 0 4 -x -8,-7 --shift -10 --cumulative", "x", [-8, -7]),
-    (f"prob Uniform -4 4 -x '{COLUMN}loss, gross'", "x", [1.5, -2, 4]),
-    (f"prob Uniform -4 4 -x {COLUMN}2", "density", [0.125] * 3),
+    (f"prob Uniform -4 4 -x {COLUMN}3", "density", [0.125] * 4),
+    (f"prob Uniform 0 10 -x {COLUMN}few", "x", [7, 8]),  # a table may end before others
     ("sample Uniform 3 3 -n 2", "value", [3, 3]),
     ("sample Uniform 3 4 -n 0", "value", []),
 ]
@@ -78,10 +78,15 @@ REFUSALS = [
     ("prob Normal 0 1 -x @cli/absent.csv", 2, "cannot read the file cli/absent.csv"),
     (f"prob Normal 0 1 -x {COLUMN}gain", 2, "has no column gain"),
     ("list --kind frob", 2, "the kinds are"),
-    (f"{LOSSES} --column 'loss, gross'", 2, "cli/losses.csv:5: the cell of column loss, gross is empty"),
+    (f"{LOSSES} --column 'loss, gross'", 2,
+     "cli/losses.csv:5: the cell of column loss, gross is empty; 1 of 4 cells are missing"),
+    (f"prob Uniform -4 4 -x '{COLUMN}loss, gross'", 2, "only at its end may a table have empty cells"),
+    (f"{LOSSES} --min nan", 2, "--min: a number is wanted, not nan"),
+    ("sample Normal 0 1 --shift nan", 2, "--shift: a number is wanted, not nan"),
+    (f"{KICKS} --min inf", 1, "Error: TruncData minimum must be <= min(data)\n"),
     (f"{LOSSES} --column gain", 2, "has no column gain"),
     (f"{FIRES} --column date", 2, 'danish_fire_losses.csv:2: "1980-01-03" is not a number'),
-    ("fit ../LICENSE", 2, "LICENSE holds no numbers"),
+    ("fit ../LICENSE", 2, "LICENSE"),
     (f"{LOSSES} --column limit --kind continuous", 2, "all values are 5,"),
     (f"{LOSSES} --column 3 --kind discrete", 2, "0.2 is not a whole number"),
     (f"{LOSSES} --kind data", 2, "continuous or discrete is wanted"),
@@ -95,9 +100,61 @@ REFUSALS = [
     (f"{FIRES} --dist Normal --dist Gamma --min 2", 1, "Error: TruncData minimum must be <= min(data)\n"),
 ]
 
+# What stands on the standard input of "fit -"; options; the column's place, count, least, greatest, the words that follow.
+COLUMNS = [
+    ("x\n1.5\n2\n", "", (1, 2, 1.5, 2, "none missing")),
+    ("\ufeffx\r1\r\n2\r3", "", (1, 3, 1, 3, "none missing")),  # every kind of line end
+    ("1,2\n3,4\n", "--column 2", (2, 2, 2, 4, "none missing; no row of names")),
+    ("a;b\n1,5;2,5\n3,75;4,5\n", "", (1, 2, 1.5, 3.75, "none missing; decimal commas")),
+    ("a\tb\n1,5\t2.5\n3,75\t4.5\n", "--column b", (2, 2, 2.5, 4.5, "none missing")),
+    ("a,b\n\"1,5\",1\n\"2,5\",2\n", "--decimal comma", (1, 2, 1.5, 2.5, "none missing; decimal commas")),
+    ("x\n1,234\n2,345\n", "--decimal comma", (1, 2, 1.234, 2.345, "none missing; decimal commas")),
+    ("a;b\n1.234;1\n2.345;3\n", "--decimal point", (1, 2, 1.234, 2.345, "none missing")),
+    ("a;b\n1.234;1\n2.3;3\n", "", (1, 2, 1.234, 2.3, "none missing")),
+    ('"","x"\n"1",0.5\n"2",0.7\n', "", (2, 2, 0.5, 0.7, "none missing")),  # the names of R's rows
+    ('"a\nb",x\n"5 ""in"" ; 6",7\nu,8\n', "", (2, 2, 7, 8, "none missing")),
+    ("x\n1\nNA\n#N/A\n\n3\n\n", "--skip-missing", (1, 2, 1, 3, "3 missing and left out")),
+    ("x,y\n1,2\n2\n\n3,\n4,5\n", "--column y --skip-missing", (2, 2, 2, 5, "2 missing and left out")),
+    ("a,b,\n1,5,,\n2,6,,\n", "--column b", (2, 2, 5, 6, "none missing")),  # ends of rows without text
+    ("in,2020,2021\nFR,5,6\nUK,7,8\n", "--column 2021", (3, 2, 6, 8, "none missing")),
+    ("2020,2021\n5,6\n7,8\n", "--header yes", (1, 2, 5, 7, "none missing")),
+    ("UK,5\nFR,6\n", "--header no --column 2", (2, 2, 5, 6, "none missing; no row of names")),
+]
 
-def run(line):
-    done = subprocess.run(PROGRAM + shlex.split(line), capture_output=True, text=True, timeout=60)
+# The same, and what the refusal says.
+UNREADABLE = [
+    ("x\n1,5\n2,5\n", "", ":2: 2 fields, but the first row has 1"),
+    ('"x"\n"1",0.5\n', "", ":2: 2 fields, but the first row has 1"),
+    ("1,5;2,5\n3,5;4,5\n", "", "2 columns without names"),
+    ("1,5\n2,5\n", "--decimal comma", "commas cannot both separate"),
+    ("a;b\n1,234;1\n2,345;3\n", "", '"1,234" and its like may be decimals or thousands'),
+    ("a;b\n1.234;1\n2.345;3\n", "", '"1.234" and its like may be decimals or thousands'),
+    ("a;b\n1,5;1\n2.5;3\n", "", '-:2: "1,5", -:3: "2.5": both commas and points'),
+    ("a;b\n1.234,5;1\n", "", '"1.234,5" is not a number, or beyond the range of numbers; thousands separators'),
+    ('a,b\n"1,234",1\n', "", '"1,234" is not a number, or beyond the range of numbers; thousands separators'),
+    ("x\n1 234 567\n", "", "thousands separators are not read"),
+    ("a,b; c\n1,2\n3;4\n", "", "holds several separators"),
+    ("x\n1\n\n2\n", "", "-:3: the cell of column x is empty; 1 of 3 cells are missing (--skip-missing"),
+    ("x\nNA\n2\n", "", "-:2: the cell of column x is NA; 1 of 2 cells are missing"),
+    ("UK,5\nFR,6\n", "", "names or data?"),
+    ("NA\n5\n", "", "names or data?"),
+    ("x,x\n1,2\n", "--column x", "x may be column 1 or column 2"),
+    ("x\n1\n1e999\n", "", '"1e999" is not a number, or beyond'),
+    ("x\n+-1\n", "--header yes --column 1", '"+-1" is not a number'),
+    ("x\n1\ninf\n", "", '"inf" is not a finite number'),
+    ('x\n"1\n2\n', "", "-:2: a quote is opened and never closed"),
+    ('x\n"1"2\n', "", "-:2: a field goes on behind its closing quote"),
+    ("x\0\n\0001\0\n\0", "", "save it as CSV in UTF-8"),
+    ("x\n1\n" + "\x1b9z" * 1000000 + "\n", "", '"?9z?9z'),
+    ("", "", "holds no numbers"),
+]
+
+# A word; families that it finds among others.
+WORDS = [("exponential", "Expon"), ("GUMBEL", "ExtValueMax"), ("chi-square", "ChiSq"), ("lomax", "Pareto2")]
+
+
+def run(line, text=""):
+    done = subprocess.run(PROGRAM + shlex.split(line), capture_output=True, text=True, timeout=60, input=text)
     return done.returncode, done.stdout, done.stderr
 
 
@@ -131,13 +188,54 @@ def check_refusal(line, code, text):
     assert (error == text) if code == 1 else (error.startswith("pral: ") and text in error), error
 
 
+def fitted(line, form, text=""):
+    """The rows of a fit, and the line before them: beside what programs read it is on the standard error."""
+    code, output, error = run(f"{line} --format {form}", text)
+    if form == "table":
+        told, _, output = output.partition("\n")
+    else:
+        told, _, error = error.partition("\n")
+    assert code == 0 and error == "", (code, error)
+    return read_back(output, form), told
+
+
 def check_fits(line, families, expected):
     for form, tolerance in ("csv", 1e-4), ("json", 1e-4), ("table", 1e-2):
-        rows = read_back(output_of(f"{line} --format {form}"), form)
+        rows, told = fitted(line, form)
+        assert re.match(r"\S+, column \d+ \(.+\) of \d+: \d+ values from \S+ to \S+, none missing$", told), told
         assert [row["family"] for row in rows] == families, (form, rows)
         told = rows[0]["parameters"] if form == "json" else dict(x.split("=") for x in rows[0]["parameters"].split())
         found = {name: float({**rows[0], **told}[name]) for name in expected}
         assert all(math.isclose(found[x], expected[x], rel_tol=tolerance) for x in expected), (form, found)
+
+
+def check_column(text, options, expected):
+    code, output, error = run(f"fit - --dist Uniform {options}", text)
+    place, count, least, greatest, rest = expected
+    assert code == 0 and error == "", (code, error)
+    found = re.match(r"standard input, column (\d+)(?: \(.*\))? of \d+: (\d+) values? from (\S+) to (\S+), (.*)", output)
+    assert found and [float(x) for x in found.groups()[:4]] == [place, count, least, greatest], output
+    assert found[5] == rest, output
+
+
+def check_unreadable(text, options, refusal):
+    code, output, error = run(f"fit - {options}", text)
+    assert (code, output) == (2, "") and refusal in error and len(error) < 500, (code, output, error)
+
+
+def check_criteria():
+    """The three criteria from the likelihood and the count, where the correction for small samples weighs: at n = 12."""
+    data = "x\n" + "\n".join(["1.2", "0.4", "2.5", "3.1", "0.9", "1.7", "4.4", "2.2", "0.6", "1.1", "5.9", "1.4"])
+    free = {"Expon": 1, "Gamma": 2, "LognormalB": 2, "GEV": 3, "Beta4": 4}
+    names = " ".join(f"--dist {name}" for name in free)
+    for shift, more in ("", 0), ("--shift", 1):
+        rows, _ = fitted(f"fit - {names} {shift}", "csv", data)
+        assert len(rows) >= 3, rows
+        for row in rows:
+            k, n, fit = free[row["family"]] + more, 12, float(row["log_likelihood"])
+            expected = {"AIC": 2 * k - 2 * fit, "AICc": 2 * k * n / (n - k - 1) - 2 * fit,
+                        "BIC": k * math.log(n) - 2 * fit}
+            assert all(math.isclose(float(row[x]), expected[x], rel_tol=1e-12) for x in expected), (row, expected)
 
 
 def check_ranking():
@@ -152,7 +250,7 @@ def check_ranking():
         left_out = re.search(rf"(\d+) of {count} left out\n  ", told)
         assert len(rows) == count - (int(left_out[1]) if left_out else 0), told
         assert {"Normal", "Uniform", "Student3"} < {row["family"] for row in rows} and "LognormalB" not in output
-    assert {row["family"] for row in read_back(output_of(f"{KICKS} --format csv"), "csv")} > {"Poisson", "Geometric"}
+    assert {row["family"] for row in fitted(KICKS, "csv")[0]} > {"Poisson", "Geometric"}
     code, output, told = run(f"{KICKS} --dist ZTPoisson --dist Poisson")
     assert code == 0 and "Poisson" in output and told == "1 of 2 left out\n  Error: 0 - in input data (1): ZTPoisson\n"
 
@@ -191,6 +289,8 @@ def check_search():
     header, *lines = output_of("list --kind continuous --search eXPOn --format csv").splitlines()
     assert header == "family,kind,parameters,text" and any(line.startswith("Expon,continuous,") for line in lines)
     assert not any(line.startswith("Uniform,") for line in lines)
+    for word, family in WORDS:
+        assert family in {found["family"] for found in json.loads(output_of(f"list --search {word} --format json"))}, word
     assert json.loads(output_of("list --search no_such_word --format json")) == []
 
 
@@ -209,15 +309,17 @@ def check_samples():
 
 
 def check_version_and_help():
-    assert re.fullmatch(r"pral_core \d+\.\d+\.\d+\n", output_of("version"))
+    assert re.fullmatch(r"pral_core \d+\.\d+\.\d+\n", output_of("--version"))
+    assert output_of("version") == output_of("--version")
     for command in ("", "list ", "describe ", "sample ", "quantile ", "prob ", "fit "):
         assert f"Usage: pral {command}[OPTIONS]" in output_of(command + "--help")
 
 
 def main():
     checks = [(check_values, row) for row in VALUES] + [(check_refusal, row) for row in REFUSALS]
-    checks += [(check_fits, row) for row in FITS]
-    checks += [(check, ()) for check in (check_ranking, check_progress, check_list_and_describe, check_search,
+    checks += [(check_fits, row) for row in FITS] + [(check_column, row) for row in COLUMNS]
+    checks += [(check_unreadable, row) for row in UNREADABLE]
+    checks += [(check, ()) for check in (check_criteria, check_ranking, check_progress, check_list_and_describe, check_search,
                                          check_samples, check_version_and_help)]
     failures = 0
     for check, row in checks:

@@ -1,0 +1,46 @@
+// One column of numbers out of a CSV file. What cannot be read with certainty is refused, never guessed.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace cli {
+
+/// What stands before the digits behind the one.
+enum class DecimalMark { point, comma };
+
+/// What the column is for. Data are finite, and a cell that is empty or NA is missing. A table may hold "inf" and end
+/// before other columns do, but has no gaps.
+enum class Purpose { data, table };
+
+struct CsvRequest {
+    std::string column =
+        {};  // a name, or a number from 1 on; empty: the first one that has a name and numbers
+    Purpose purpose = Purpose::table;
+    bool skip_missing = false;
+    std::optional<bool> names = {};  // whether the first row holds names; not given: seen from its cells
+    std::optional<DecimalMark> decimal = {};  // not given: seen from the cells
+};
+
+struct CsvColumn {
+    std::vector<double> values;
+    std::size_t missing = 0;
+    std::size_t number = 1, width = 1;  // which column it is, of how many
+    std::string name;                   // empty without names
+    bool has_names = false;
+    char separator = ',';
+    DecimalMark decimal = DecimalMark::point;
+};
+
+/// The text of a file, or of the standard input when it is "-". Read once, so that a pipe will do.
+std::string read_file(const std::string& file);
+
+/// A column of a text whose fields are separated by commas, semicolons or tabs, in double quotes where needed (RFC 4180).
+/// The separator is that of the first row. With semicolons and tabs a decimal comma is understood. The first row holds names
+/// when none of its cells is a number. Empty rows are passed over, but in a text of one column they are missing cells.
+/// `file` names the text in the UsageErrors.
+CsvColumn read_csv_column(std::string_view text, const std::string& file, const CsvRequest& request);
+
+}  // namespace cli
