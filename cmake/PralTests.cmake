@@ -103,7 +103,7 @@ endfunction()
 
 find_package(Python3 REQUIRED COMPONENTS Interpreter)
 
-# pral_library_entry(name what [arguments...]): one check of the built library's tables against the public header.
+# pral_library_entry(name what [arguments...]): one check of the built library's tables, or of the file after --library.
 function(pral_library_entry name what)
   add_test(NAME ${name} COMMAND "${Python3_EXECUTABLE}" "${PRAL_TESTS_DIR}/exports/check_library.py" ${what}
     --library "$<TARGET_FILE:pral_core>" --header "${PROJECT_SOURCE_DIR}/src/boundary/core_api.h"

@@ -73,7 +73,33 @@ def soname_is_right(options):
     return soname == ["libpral_core.so.1"]
 
 
+def missing_hardening(options):
+    """What a finished file lacks of address randomisation, memory that is not both written and executed, and the like."""
+    headers = output_of(options.objdump, "-p", options.library)
+    if re.search(r"\.(dll|exe)$", options.library.lower()):
+        wanted = {"ASLR": "DYNAMIC_BASE", "high entropy": "HIGH_ENTROPY_VA", "DEP": "NX_COMPAT"}
+        lacking = {name for name, flag in wanted.items() if flag not in headers}
+        # A file without its relocations stays where it is, whatever its flags say.
+        relocated = re.search(r"Entry 5 \w+ ([0-9a-f]+) Base Relocation", headers)
+        return lacking | ({"relocations"} if not relocated or int(relocated[1], 16) == 0 else set())
+    symbols = output_of(options.nm, "-D", "--undefined-only", options.library)
+    return {name for name, there in {
+        "RELRO": re.search(r"^\s+RELRO ", headers, re.MULTILINE),
+        "BIND_NOW": re.search(r"^\s+(BIND_NOW|FLAGS .*0x0*8$)", headers, re.MULTILINE),
+        "a stack that is not executed": re.search(r"^\s+STACK .*\n.*flags rw-", headers, re.MULTILINE),
+        "stack protector": "__stack_chk_fail" in symbols,
+        "FORTIFY": re.search(r" __\w+_chk\b", symbols),
+    }.items() if not there}
+
+
+def hardened(options):
+    lacking = missing_hardening(options)
+    print("lacking:", ", ".join(sorted(lacking)) or "nothing")
+    return not lacking
+
+
 CHECKS = {
+    "hardening": hardened,
     "exports": lambda o: same(exported_by_dll(o) if is_dll(o) else exported_by_so(o), declared(o)),
     "definition": lambda o: same(in_module_definition(o), declared(o)),
     "import-library": lambda o: same(in_import_library(o), declared(o)),
