@@ -62,8 +62,9 @@ format:  ## rewrites the sources in the project's format
 	@scripts/install-deps.sh lint
 	scripts/lint.sh fix-format
 
-install: build  ## installs into $(DESTDIR)$(PREFIX)
+install: build  ## installs into $(DESTDIR)$(PREFIX); into a running system, as root, the loader learns of it
 	DESTDIR="$(DESTDIR)" cmake --install build/release --prefix "$(PREFIX)"
+	@scripts/tell-loader.sh "$(DESTDIR)" "$(PREFIX)"
 
 clean:  ## removes build/ (not the cached Windows dependencies)
 	rm -rf build

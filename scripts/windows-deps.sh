@@ -2,8 +2,8 @@
 # GSL and ALGLIB as static libraries for 64-bit Windows, cross-compiled from Debian's source packages of the versions that
 # are installed here, and the headers that the companion program needs. Prints the folder that holds include/ and lib/.
 #
-# The work is done once per set of versions: the result is kept in ${PRAL_CACHE:-${XDG_CACHE_HOME:-~/.cache}/pral_core}. It is
-# made in a temporary folder and moved into place when complete, so an interrupted run leaves nothing half-made.
+# The work is done once per set of versions: the result is kept in ${PRAL_CACHE:-${XDG_CACHE_HOME:-~/.cache}/pral_core}, or
+# where that cannot be written, in build/cache. It is made in a temporary folder and moved into place when complete, so an interrupted run leaves nothing half-made.
 set -euo pipefail
 
 recipe=1  # part of the key: raise it when this script builds something else than before
@@ -23,7 +23,11 @@ versions="$recipe gsl=$gsl_version alglib=$alglib_version compiler=$("$host-gcc-
 for package in libcli11-dev nlohmann-json3-dev libfmt-dev; do
     versions+=" $package=$(version "$package" Version)"
 done
-cache=${PRAL_CACHE:-${XDG_CACHE_HOME:-$HOME/.cache}/pral_core}
+cache=${PRAL_CACHE:-${XDG_CACHE_HOME:-${HOME:-/nonexistent}/.cache}/pral_core}
+if ! { mkdir -p "$cache" && [ -w "$cache" ]; } 2>/dev/null; then
+    cache=$(cd "$(dirname "$0")/.." && pwd)/build/cache
+    say "no folder to keep them in (HOME, XDG_CACHE_HOME, PRAL_CACHE): using $cache"
+fi
 place=$cache/windows-deps-$(sha256sum <<<"$versions" | cut -c1-12)
 
 if [ -e "$place/versions" ]; then
