@@ -11,6 +11,8 @@
 namespace pral {
 
 /// A sample and its statistics, each computed when it is first asked for. The values must outlive it.
+class Pauses;
+
 class Sample {
   public:
     /// An integer and how often it occurs.
@@ -71,6 +73,8 @@ class Sample {
     void pause() const {
         if (pause_ != nullptr) (*pause_)();
     }
+    /// For sums over the distinct integers.
+    Pauses pauses() const;
 
   private:
     /// The mean of term(x).
@@ -88,66 +92,104 @@ class Sample {
     mutable std::optional<std::vector<double>> exceedances_;
 };
 
+/// Pauses after every so many masses: one takes microseconds where it is itself a sum.
+class Pauses {
+  public:
+    explicit Pauses(const Sample::Pause* pause) : pause_(pause) {}
+    void step() {
+        if (pause_ == nullptr || ++steps_ % kBetween != 0) return;
+        (*pause_)();
+    }
+
+  private:
+    static constexpr std::size_t kBetween = 32;
+    const Sample::Pause* pause_;
+    std::size_t steps_ = 0;
+};
+inline Pauses Sample::pauses() const { return Pauses(pause_); }
+
 /// factor * mean, 0 for a factor of 0 whatever the mean.
 inline double times(double factor, double mean) { return factor == 0 ? 0 : factor * mean; }
 
-/// A mass takes microseconds where it is itself a sum.
-inline constexpr std::size_t kCountsBetweenPauses = 32;
-/// Up to here every integer is a double.
-inline constexpr double kConsecutive = 0x1p53;
+/// Integers beyond it have no neighbours among the doubles: nothing leads from one to the next.
+inline constexpr double kNeighbourless = 0x1p53;
 
-/// The sum of the log masses of counts in ascending order: one mass after the other by their ratio, from a new one after
-/// every so many steps. Beyond 2^53, where k + 1 may be k, every mass is a new one.
+/// The sum of the log masses of counts in ascending order: one mass after the other by their ratio. A mass is taken anew
+/// after some steps, where the product of the ratios leaves the range of doubles, and where it would only take back what
+/// the logarithm of the first mass has.
 template <Distribution D>
-double sum_by_ratios(const D& d, const Sample& x) {
-    constexpr double kSteps = 64, kLeast = 1e-200;
+double sum_by_ratios(const D& d, std::span<const Sample::Count> counts, Pauses pauses) {
+    constexpr double kSteps = 64, kLeast = 1e-200, kShare = 0.1;
+    const auto in_range = [](double product) { return product > kLeast && product < 1 / kLeast; };
     double sum = 0, first = -HUGE_VAL, k = 0, log_first = 0, product = 0;
-    std::size_t until_pause = kCountsBetweenPauses;
-    for (const auto& [value, times] : x.counts()) {
-        if (--until_pause == 0) {
-            x.pause();
-            until_pause = kCountsBetweenPauses;
+    for (const auto& [value, times] : counts) {
+        pauses.step();
+        if (value - first <= kSteps && std::fabs(value) < kNeighbourless) {
+            for (; k < value && in_range(product); k += 1) product *= d.mass_ratio(k);
         }
-        if (value - first <= kSteps && std::fabs(value) < kConsecutive - kSteps && product > kLeast &&
-            product < 1 / kLeast) {
-            for (; k < value; k += 1) product *= d.mass_ratio(k);
-        } else {
+        double log_mass = 0;  // 0: not known
+        if (k == value && in_range(product)) log_mass = log_first + std::log(product);
+        if (!(std::fabs(log_mass) > kShare * std::max(std::fabs(log_first), 1.0))) {
             first = k = value;
-            log_first = d.log_density(value);
+            log_first = log_mass = d.log_density(value);
             product = 1;
         }
-        sum += times * (log_first + std::log(product));
+        sum += times * log_mass;
     }
     return sum;
 }
 
-/// The sum of the log masses, one for each distinct integer; -inf when not all values are integers.
+/// The sum of the log masses of counts in ascending order, of a family that has masses by a recurrence: those of integers
+/// next to each other together, others one by one.
 template <Distribution D>
-double sum_over_counts(const D& d, const Sample& x) {
-    if (!x.whole()) return -HUGE_VAL;
-    const double first = x.counts().front().value, range = x.counts().back().value - first;
-    std::vector<double>
-        masses;  // of families that have them by a recurrence, and no ratio that is cheaper than a mass
-    constexpr bool kRecurrence = requires { d.masses(first, std::span<double>(masses)); };
-    if constexpr (kRecurrence) {
-        constexpr double kFew = 4096;
-        if (range < kFew && x.counts().back().value < kConsecutive) {
+double sum_by_masses(const D& d, std::span<const Sample::Count> counts, Pauses pauses) {
+    constexpr double kGap = 64, kFew = 4096;
+    constexpr std::size_t kWorthWhile = 4;
+    double sum = 0;
+    std::vector<double> masses;
+    while (!counts.empty()) {
+        const double first = counts.front().value;
+        std::size_t size = 1;
+        while (size < counts.size() && counts[size].value - counts[size - 1].value <= kGap &&
+               counts[size].value - first < kFew)
+            ++size;
+        const double range = counts[size - 1].value - first;
+        masses.clear();
+        if (size >= kWorthWhile && std::fabs(first) + range < kNeighbourless) {
             masses.resize(static_cast<std::size_t>(range) + 1);
             d.masses(first, masses);
         }
-    }
-    if constexpr (!kRecurrence && requires { d.mass_ratio(first); }) return sum_by_ratios(d, x);
-    double sum = 0;
-    std::size_t until_pause = kCountsBetweenPauses;
-    for (const auto& [value, times] : x.counts()) {
-        if (--until_pause == 0) {
-            x.pause();
-            until_pause = kCountsBetweenPauses;
+        for (const auto& [value, times] : counts.first(size)) {
+            pauses.step();
+            const double mass = masses.empty() ? 0 : masses[static_cast<std::size_t>(value - first)];
+            sum += times * (mass > DBL_MIN ? std::log(mass) : d.log_density(value));
         }
-        const double mass = masses.empty() ? 0 : masses[static_cast<std::size_t>(value - first)];
-        sum += times * (mass > DBL_MIN ? std::log(mass) : d.log_density(value));
+        counts = counts.subspan(size);
     }
     return sum;
+}
+
+/// The sum of the log masses of counts in ascending order.
+template <Distribution D>
+double sum_over_counts(const D& d, std::span<const Sample::Count> counts, Pauses pauses) {
+    if constexpr (requires(std::span<double> out) { d.masses(0.0, out); }) {
+        return sum_by_masses(d, counts, pauses);
+    } else if constexpr (requires { d.mass_ratio(0.0); }) {
+        return sum_by_ratios(d, counts, pauses);
+    } else {
+        double sum = 0;
+        for (const auto& [value, times] : counts) {
+            pauses.step();
+            sum += times * d.log_density(value);
+        }
+        return sum;
+    }
+}
+
+/// The same, one mass for each distinct integer; -inf when not all values are integers.
+template <Distribution D>
+double sum_over_counts(const D& d, const Sample& x) {
+    return x.whole() ? sum_over_counts(d, x.counts(), x.pauses()) : -HUGE_VAL;
 }
 
 /// The sum of the log densities of a sample inside the support: from its statistics where the family has

@@ -2,13 +2,16 @@
 // the generators of bare calls, and tables against single inversions where they have recurrences of their own.
 #include <gtest/gtest.h>
 
+#include <cfloat>
 #include <cmath>
 #include <cstdio>
 #include <typeinfo>
+#include <utility>
 #include <vector>
 
 #include "boundary/core_api.h"
 #include "distributions/families.h"
+#include "distributions/sample.h"
 #include "support/chi_square.h"
 
 namespace {
@@ -31,6 +34,57 @@ TEST(Discrete, ExactHitsFollowTheDirectionOfTheWalk) {
     EXPECT_EQ(InvHypergeo(1, 1, 8).quantile(0.375), 2);  // uniform on 0 .. 7, F(2) = 3/8: the start itself
     EXPECT_EQ(HypergeoD(0, 0, 7).quantile(0.375), 2);    // the smallest k with F(k) >= u
     EXPECT_EQ(HypergeoD(0, 0, 7).quantile(0.375 + 0x1p-54), 3);
+}
+
+/// How often each integer occurs.
+using Occurrences = std::vector<std::pair<double, int>>;
+
+template <class D>
+void expect_sum_of_single_ones(const D& d, const Occurrences& occurrences) {
+    std::vector<double> values;
+    double sum = 0;
+    for (const auto& [value, times] : occurrences) {
+        values.insert(values.end(), static_cast<std::size_t>(times), value);
+        sum += times * d.log_density(value);
+    }
+    ASSERT_TRUE(std::isfinite(sum)) << typeid(D).name();
+    EXPECT_NEAR(log_likelihood(d, Sample(values)), sum, 1e-14 * std::fabs(sum)) << typeid(D).name();
+}
+
+/// Where ratios of masses overflow, vanish or only take back what the first mass has, where a recurrence would begin with
+/// a mass that has lost its digits, where zeros have nearly all of a likelihood, and where integers have no neighbours.
+TEST(Discrete, JointProbabilitiesAreSumsOfSingleOnes) {
+    expect_sum_of_single_ones(BurntFingerPoisson(720, 5), {{0, 1}, {5, 31}});
+    expect_sum_of_single_ones(Poisson(1e-6), {{0, 31}, {60, 1}});
+    expect_sum_of_single_ones(Binomial(112, 0.9999977), {{48, 1}, {50, 1}, {60, 1}, {112, 300000}});
+    expect_sum_of_single_ones(Skellam(5, 4), {{-190, 1}, {-2, 10}, {0, 10}, {1, 9}, {2, 3}, {252, 1}});
+    expect_sum_of_single_ones(
+        Delaporte(2, 3, 4), {{2, 40}, {3, 4}, {5, 3}, {2520, 1}, {2521, 1}, {4090, 1}, {4092, 1}, {9000, 1}});
+    expect_sum_of_single_ones(Delaporte(20, 300, 4000), {{2, 1}, {7990, 9}, {8000, 9}, {8005, 9}, {8010, 9}});
+    expect_sum_of_single_ones(ZIPoisson(1e10, 0.5), {{0, 1000000}, {1e10, 1}, {1e10 + 7, 1}});
+    expect_sum_of_single_ones(ZISkellam(4, 5, 0.5), {{-2, 9}, {-1, 9}, {0, 900}, {1, 9}, {2, 9}});
+    expect_sum_of_single_ones(ZILogarithmic(0.5, 0.5), {{0, 30}, {1, 9}, {3, 2}});
+    expect_sum_of_single_ones(Poisson(1e17), {{1e17, 12}, {1e17 + 16, 12}, {1e17 + 32, 12}});
+    expect_sum_of_single_ones(Skellam(1e17, 3), {{1e17, 9}, {1e17 + 16, 9}, {1e17 + 32, 9}, {1e17 + 48, 9}});
+}
+
+/// Recurrences that begin, or pass, where masses are below the range of doubles.
+TEST(Discrete, MassesOfFarTailsKeepTheirDigits) {
+    const auto expect_masses = [](const auto& d, double first, std::size_t size) {
+        std::vector<double> masses(size);
+        d.masses(first, masses);
+        for (std::size_t i = 0; i < size; i += 29) {
+            const double exact = std::exp(d.log_density(first + static_cast<double>(i)));
+            EXPECT_NEAR(masses[i], exact, 1e-12 * exact + DBL_MIN) << i;
+        }
+    };
+    const Delaporte near(2, 3, 4);
+    for (const double k : {2500.0, 4090.0})
+        EXPECT_NEAR(near.mass_ratio(k), std::exp(near.log_density(k + 1) - near.log_density(k)), 1e-12);
+    expect_masses(Skellam(5, 4), -260, 520);
+    expect_masses(Skellam(900, 2), -50, 1500);
+    expect_masses(Delaporte(20, 300, 4000), 2, 4000);  // up to the mode and beyond, from 1e-1600
+    expect_masses(Delaporte(200, 30, 40000), 39000, 4000);
 }
 
 /// Closed forms where the sums are long: uniform distributions, and 1/C(M, 2) whose sum telescopes.

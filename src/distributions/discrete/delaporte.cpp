@@ -1,5 +1,7 @@
 #include "distributions/discrete/delaporte.h"
 
+#include <algorithm>
+
 #include "distributions/exports.h"
 #include "numerics/extended_log.h"
 #include "numerics/gauss_legendre.h"
@@ -9,6 +11,8 @@ namespace pral {
 namespace {
 
 constexpr double kNegligible = 1e-17;
+/// A mass below it has lost digits, or all.
+constexpr double kDenormalNear = 1e-280;
 
 /// The sum over i = 0 .. k of P(J = k - i) e^log_other(i), where J is the Poisson part and log_other(i) the logarithm of a
 /// mass or a tail of the Polya part, smooth but for i next to 0.
@@ -194,7 +198,6 @@ double Delaporte::log_density(double k) const {
     if (no_poisson()) return polya_.log_density(k);
     if (is_beyond_poisson(k)) return polya_.log_density(k - lambda);
     if (is_near(k)) {
-        constexpr double kDenormalNear = 1e-280;
         const double mass = from_zero(k).f;
         if (mass > kDenormalNear) return std::log(mass) + std::log(unit_);
     }
@@ -202,26 +205,40 @@ double Delaporte::log_density(double k) const {
 }
 
 double Delaporte::mass_ratio(double k) const {
-    if (!is_near(k)) return std::exp(log_density(k + 1) - log_density(k));
-    Masses at = from_zero(k);
-    const double before = at.f;
-    return at.next(*this) / before;
+    if (is_near(k)) {
+        Masses at = from_zero(k);
+        const double before = at.f;
+        if (at.next(*this) > kDenormalNear) return at.f / before;
+    }
+    return std::exp(log_density(k + 1) - log_density(k));
 }
 
-/// h(k) is beta times the mass at k - 1 with alpha + 1 in place of alpha.
+/// h(k) is beta times the mass at k - 1 with alpha + 1 in place of alpha. Far from 0 the unit, as two factors, is the first
+/// mass, which may be below all doubles; it grows as the masses do.
 void Delaporte::masses(double first, std::span<double> out) const {
-    Masses at = {first, 0, 0};
-    double unit = 1;
+    constexpr double kLarge = 0x1p960, kLogLarge = 960 * numerics::kLn2;
+    Masses at = {first, 1, 0};
+    double log_unit = 0, unit = unit_, other = 1;
     if (is_near(first)) {
         at = from_zero(first);
-        unit = unit_;
     } else {
-        at.f = std::exp(log_density(first));
-        at.h = beta * std::exp(Delaporte(alpha + 1, beta, lambda).log_density(first - 1));
+        log_unit = log_density(first);
+        if (log_unit == -HUGE_VAL) {
+            std::ranges::fill(out, 0);
+            return;
+        }
+        if (first > 0)
+            at.h = beta * std::exp(Delaporte(alpha + 1, beta, lambda).log_density(first - 1) - log_unit);
+        unit = other = std::exp(0.5 * log_unit);
     }
     for (double& mass : out) {
-        mass = unit * at.f;
-        at.next(*this);
+        mass = unit * at.f * other;
+        if (at.next(*this) > kLarge) {  // never from 0 on
+            at.f /= kLarge;
+            at.h /= kLarge;
+            log_unit += kLogLarge;
+            unit = other = std::exp(0.5 * log_unit);
+        }
     }
 }
 

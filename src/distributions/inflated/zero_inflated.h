@@ -82,16 +82,16 @@ struct ZeroInflated {
         const double at_zero = pi * std::exp(log_base) + (1 - pi);
         return at_zero < 0.5 ? std::log(at_zero) : numerics::log1p_fn(pi * numerics::expm1_fn(log_base));
     }
-    /// The base family's, but for the zeros.
+    /// The base family's of what is not 0, and the zeros: next to the log mass of its own zeros the rest would be lost.
     double log_likelihood(const Sample& x) const {
-        if (!x.whole()) return -HUGE_VAL;
-        const double zeros = x.times(0);
-        if (!base.point_mass()) {
-            const double total = pral::log_likelihood(base, x) + (x.count() - zeros) * std::log(pi) +
-                                 (zeros > 0 ? zeros * (log_density(0) - base.log_density(0)) : 0);
-            if (std::isfinite(total)) return total;
-        }
-        return sum_over_counts(*this, x);
+        if (base.point_mass() || !x.whole()) return sum_over_counts(*this, x);
+        const auto counts = x.counts();
+        const auto zero = std::ranges::lower_bound(counts, 0.0, {}, &Sample::Count::value);
+        const double zeros = x.times(0), others = x.count() - zeros;
+        const double of_zeros = zeros > 0 ? zeros * log_density(0) : 0;
+        if (others == 0) return of_zeros;
+        const std::span negative(counts.begin(), zero), positive(zero + (zeros > 0), counts.end());
+        return of_zeros + others * std::log(pi) + base_sum(negative, x.pauses()) + base_sum(positive, x.pauses());
     }
 
     double quantile(double u) const { return quantile_within(u, 0, 1); }
@@ -140,6 +140,13 @@ struct ZeroInflated {
     double base_quantile(double p, double q) const {
         if (const auto point = base.point_mass()) return *point;
         return p <= 0.5 ? pral::quantile(base, p) : pral::quantile_upper(base, q);
+    }
+    /// The base family's log masses, none outside its support.
+    double base_sum(std::span<const Sample::Count> counts, Pauses pauses) const {
+        if (counts.empty()) return 0;
+        const auto [lower, upper] = base.support();
+        const bool inside = counts.front().value >= lower && counts.back().value <= upper;
+        return inside ? sum_over_counts(base, counts, pauses) : -HUGE_VAL;
     }
     double base_log_density(double x) const {
         if (const auto point = base.point_mass()) return x == *point ? 0 : -HUGE_VAL;
