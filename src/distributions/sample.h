@@ -10,9 +10,9 @@
 
 namespace pral {
 
-/// A sample and its statistics, each computed when it is first asked for. The values must outlive it.
 class Pauses;
 
+/// A sample and its statistics, each computed when it is first asked for. The values must outlive it.
 class Sample {
   public:
     /// An integer and how often it occurs.

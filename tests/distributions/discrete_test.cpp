@@ -36,6 +36,49 @@ TEST(Discrete, ExactHitsFollowTheDirectionOfTheWalk) {
     EXPECT_EQ(HypergeoD(0, 0, 7).quantile(0.375 + 0x1p-54), 3);
 }
 
+/// A percentile that equals a cumulative probability, as exact arithmetic has it: the start of the walk stays there, a walk
+/// from below goes on, unless the family stops at the first k with F(k) >= u. Odd denominators are those of correctly
+/// rounded quotients.
+TEST(Discrete, ExactHitsDoNotDependOnRounding) {
+    for (double n = 1; n < 200; n += 2) {  // F = 1/2 by symmetry, where the starts are
+        const double k = (n - 1) / 2;
+        EXPECT_EQ(Binomial(n, 0.5).quantile(0.5), k) << n;
+        EXPECT_EQ(Binomial(n, 0.5).quantile(0.5 + 0x1p-53), k + 1) << n;
+        EXPECT_EQ(Binomial(n, 0.5).cumulative(k), 0.5);
+        EXPECT_EQ(NegBin(k + 1, 0.5).cumulative(k), 0.5);
+        EXPECT_EQ(NegBin(k + 1, 0.5).quantile(0.5), k) << n;
+        EXPECT_EQ(NegBin(k + 1, 0.5).quantile(0.5 - 0x1p-54), k) << n;
+        EXPECT_EQ(Polya(k + 1, 1).survival(k), 0.5);
+        EXPECT_EQ(BetaBinomial(n, 1, 1).quantile(0.5), k) << n;
+        EXPECT_EQ(BetaBinomial(n, 0.3, 0.3).quantile(0.5), k) << n;
+        EXPECT_EQ(BetaNegBin(k + 1, 3, 3).cumulative(k), 0.5);
+    }
+    // The sums of C(n, j) a^j b^(n - j), and what is left of them.
+    EXPECT_EQ(Binomial(53, 0.5).cumulative(20), 0x1p-53 * 443022015660793);
+    EXPECT_EQ(Binomial(60, 0.5).survival(57), 0x1p-60 * (1770 + 60 + 1));
+    EXPECT_EQ(Binomial(5, 0.1875).cumulative(1), 0x1p-20 * (371293 + 5 * 28561 * 3));
+    EXPECT_EQ(Binomial(1, 0.9).cumulative(0), 1 - 0.9);
+    EXPECT_EQ(Binomial(2, 0.25).quantile(0.5625), 0);
+    EXPECT_EQ(NegBin(3, 0.25).cumulative(2), 0x1p-10 * 106);
+    EXPECT_EQ(Geometric(0.25).survival(2), 0x1p-6 * 27);
+    for (const double tenth : {1.0, 2.0, 3.0, 4.0, 5.0}) {
+        EXPECT_EQ(BetaBinomial(9, 1, 1).cumulative(tenth - 1), tenth / 10);
+        EXPECT_EQ(BetaBinomial(9, 1, 1).quantile(tenth / 10), tenth - 1);
+    }
+    EXPECT_EQ(BetaBinomial(3, 2, 1).cumulative(1), 0.3);  // masses 1, 2, 3, 4 of 10
+    EXPECT_EQ(BetaNegBin(2, 1, 1).cumulative(2), 0.6);    // (k + 1)/(k + 3)
+    EXPECT_EQ(BetaGeometric(1, 1).quantile(0.75), 2);     // F(k) = (k + 1)/(k + 2)
+    const struct {
+        double p, u, value;
+    } bernoulli[] = {{0.9, 0.1, 0}, {0.8, 0.2, 0}, {0.55, 0.45, 0}, {0.9, 0.1 + 0x1p-53, 1}, {0.1, 0.9, 1}};
+    for (const auto& [p, u, value] : bernoulli) {  // 0 when p <= 1 - u
+        EXPECT_EQ(Bernoulli(p).quantile(u), value) << p << ' ' << u;
+        std::vector<double> many(400, u);
+        Bernoulli(p).quantiles(many);
+        EXPECT_EQ(many, std::vector<double>(400, value)) << p << ' ' << u;
+    }
+}
+
 /// How often each integer occurs.
 using Occurrences = std::vector<std::pair<double, int>>;
 

@@ -1,5 +1,6 @@
 #include "distributions/discrete/beta_mixtures.h"
 
+#include "distributions/discrete/hypergeometric.h"
 #include "distributions/exports.h"
 #include "numerics/double_double.h"
 #include "numerics/gamma.h"
@@ -132,6 +133,16 @@ std::optional<Tails> compared_betas(double a, double b, double c, double d) {
     if (std::min({a, b, c, d}) < kLarge) return std::nullopt;
     const NearlyNormal logarithm(a, b, c, d);
     return Tails{numerics::normal_survival(-logarithm.z), numerics::normal_survival(logarithm.z)};
+}
+
+std::optional<Tails> counted_beta_binomial(double n, double k, double a, double b) {
+    if (a == b && 2 * k + 1 == n) return Tails{0.5, 0.5};
+    const double marked = a + b - 1, all = n + marked;
+    const bool whole = n == std::floor(n) && a == std::floor(a) && b == std::floor(b);
+    if (!(whole && all < 0x1p53 && k < n)) return std::nullopt;
+    const Hypergeometric urn(k + a, marked, all);
+    if (!urn.counts_exactly()) return std::nullopt;
+    return Tails{urn.upper(a - 1), urn.lower(a - 1)};
 }
 
 }  // namespace pral

@@ -22,6 +22,11 @@ double log_beta_binomial(double k, double m, double a, double b);
 /// The tails of the mixtures below are such probabilities, since the k-th success among n comes at a beta variable.
 std::optional<Tails> compared_betas(double a, double b, double c, double d);
 
+/// The beta-binomial tails at 0 <= k < n of whole shapes: with a + b - 1 marked items among n unmarked ones, up to k of these
+/// come before the a-th marked one unless the first k + a hold fewer than a. Ratios of exact integers, and 1/2 by
+/// symmetry; none otherwise.
+std::optional<Tails> counted_beta_binomial(double n, double k, double a, double b);
+
 /// 1 - F(k) as a sum to where the limiting() tails of a distribution take over; none if they do not below `most`.
 template <class D>
 std::optional<double> sum_to_limit(const D& d, double k, double most) {
@@ -54,6 +59,15 @@ struct BetaBinomial : SummedTails<BetaBinomial> {
     double log_density(double k) const { return log_beta_binomial(k, n - k, alpha, beta); }
     double mass_ratio(double k) const { return (k + alpha) / (k + 1) * ((n - k) / (n - k - 1 + beta)); }
     std::optional<Tails> limiting(double k) const { return compared_betas(alpha, beta, k + 1, n - k); }
+    std::optional<Tails> counted(double k) const { return counted_beta_binomial(n, k, alpha, beta); }
+    double cumulative(double k) const {
+        const auto exact = counted(k);
+        return exact ? exact->lower : SummedTails::cumulative(k);
+    }
+    double survival(double k) const {
+        const auto exact = counted(k);
+        return exact ? exact->upper : SummedTails::survival(k);
+    }
     double up_to(double k) const {
         if (const auto tails = limiting(k)) return tails->lower;
         return n < 0x1p53 || k <= middle() ? SummedTails::up_to(k) : mirrored().beyond(n - k - 1);
@@ -106,6 +120,17 @@ struct BetaNegBin : SummedTails<BetaNegBin> {
     double middle() const { return std::floor(s * (b / (a + 1))); }
     bool whole() const { return s == std::floor(s) && s <= 0x1p53; }
 
+    std::optional<Tails> counted(double k) const {
+        return whole() ? counted_beta_binomial(k + s, s - 1, a, b) : std::nullopt;
+    }
+    double cumulative(double k) const {
+        const auto exact = counted(k);
+        return exact ? exact->upper : SummedTails::cumulative(k);
+    }
+    double survival(double k) const {
+        const auto exact = counted(k);
+        return exact ? exact->lower : SummedTails::survival(k);
+    }
     /// Far out, where no mass is left to begin a sum downwards with, the complement.
     double up_to(double k) const {
         constexpr double kLogNothing = -600;
@@ -146,8 +171,12 @@ struct BetaGeometric : SummedTails<BetaGeometric> {
         if (alpha < 1 && k + 1 >= 0.5 * beta) return log_gamma_ratio(beta + k + 1) - log_gamma_ratio(beta);
         return log_beta_binomial(0, k + 1, alpha, beta);
     }
-    double survival(double k) const { return std::exp(log_survival(k)); }
+    double survival(double k) const {
+        const auto exact = counted_beta_binomial(k + 1, 0, alpha, beta);
+        return exact ? exact->lower : std::exp(log_survival(k));
+    }
     double cumulative(double k) const {
+        if (const auto exact = counted_beta_binomial(k + 1, 0, alpha, beta)) return exact->upper;
         const double log_upper = log_survival(k);
         return log_upper < -0.01 || (alpha < 1 && k + 1 >= 0.5 * beta) ||
                        beta / (alpha + 1) > 1e18 * (alpha + 1)

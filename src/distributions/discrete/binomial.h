@@ -2,6 +2,7 @@
 #pragma once
 
 #include "distributions/discrete/discrete.h"
+#include "distributions/discrete/exact_binomial.h"
 #include "numerics/beta_quantile.h"
 #include "numerics/beta_ratio.h"
 #include "numerics/normal.h"
@@ -28,8 +29,15 @@ struct Binomial : OnIntegers<Binomial> {
         return n == 0 || p == 0 || p == 1 ? std::optional(n * p) : std::nullopt;
     }
 
-    double cumulative(double k) const { return numerics::beta_upper(k + 1, n - k, p, 1 - p); }
-    double survival(double k) const { return numerics::beta_lower(k + 1, n - k, p, 1 - p); }
+    /// Tails that doubles hold are exact, so that a percentile that equals one is known to.
+    double cumulative(double k) const {
+        if (const auto exact = DyadicTrials(p).at_most(n, k)) return *exact;
+        return numerics::beta_upper(k + 1, n - k, p, 1 - p);
+    }
+    double survival(double k) const {
+        if (const auto exact = DyadicTrials(p).more_than(n, k)) return *exact;
+        return numerics::beta_lower(k + 1, n - k, p, 1 - p);
+    }
     /// The beta density with both shapes raised by one, divided by n + 1: no difference of large log-gammas.
     double log_density(double k) const {
         return numerics::log_beta_density(k + 1, n - k + 1, p, 1 - p) - numerics::log1p_fn(n);

@@ -28,6 +28,7 @@ class Hypergeometric {
         return reversed_ ? urn_.cumulative(inner(k) - 1) : urn_.survival(inner(k));
     }
     double log_density(double k) const { return urn_.log_density(inner(k)); }
+    bool counts_exactly() const { return urn_.count_of_none > 0; }
 
   private:
     /// The urn in its reduced form.

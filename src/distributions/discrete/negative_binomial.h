@@ -2,6 +2,7 @@
 #pragma once
 
 #include "distributions/discrete/discrete.h"
+#include "distributions/discrete/exact_binomial.h"
 #include "distributions/sample.h"
 #include "numerics/beta_ratio.h"
 #include "numerics/gamma_ratio.h"
@@ -9,7 +10,7 @@
 
 namespace pral {
 
-/// One trial: 1 with probability 0 <= p <= 1, else 0; a percentile u is 0 when p <= 1 - u. p = 0 and p = 1 are point
+/// One trial: 1 with probability 0 <= p <= 1, else 0; a percentile u is 0 when p <= 1 - u, as doubles. p = 0 and p = 1 are point
 /// masses, but for the percentile 0 of the latter, which is 0.
 struct Bernoulli : OnIntegers<Bernoulli> {
     static constexpr Tie kTie = Tie::stay;
@@ -26,9 +27,15 @@ struct Bernoulli : OnIntegers<Bernoulli> {
     double log_density(double k) const { return k < 1 ? numerics::log1p_fn(-p) : std::log(p); }
     double mass_ratio(double) const { return p / (1 - p); }
     double start(double) const { return 0; }
-    /// One comparison with the smaller tail, in place of the walk with its logarithms: simulations draw these by the million.
-    double quantile(double u) const { return u <= 0.5 ? (u > 1 - p ? 1 : 0) : quantile_upper(1 - u); }
-    double quantile_upper(double q) const { return q < p ? 1 : 0; }
+    /// One comparison in place of the walk with its logarithms: simulations draw these by the million.
+    double quantile(double u) const { return quantile_upper(1 - u); }
+    double quantile_upper(double q) const { return p <= q ? 0 : 1; }
+    void quantiles(std::span<double> u) const {
+        for (double& value : u) value = quantile(value);
+    }
+    void quantiles_upper(std::span<double> q) const {
+        for (double& value : q) value = quantile_upper(value);
+    }
 };
 
 /// What the negative binomial families share: failures before the s-th success, real s > 0, each trial succeeding with
@@ -41,8 +48,17 @@ struct NegativeBinomial : OnIntegers<D> {
     Support support() const { return kPositiveReals; }
     std::optional<double> point_mass() const { return s == 0 || q == 0 ? std::optional(0.0) : std::nullopt; }
 
-    double cumulative(double k) const { return numerics::beta_lower(s, k + 1, p, q); }
-    double survival(double k) const { return numerics::beta_upper(s, k + 1, p, q); }
+    /// Of a whole s they are those of the failures among s + k trials, exact where doubles hold them.
+    double cumulative(double k) const {
+        if (const auto exact = is_whole() ? DyadicTrials(p).more_than(s + k, s - 1) : std::nullopt)
+            return *exact;
+        return numerics::beta_lower(s, k + 1, p, q);
+    }
+    double survival(double k) const {
+        if (const auto exact = is_whole() ? DyadicTrials(p).at_most(s + k, s - 1) : std::nullopt)
+            return *exact;
+        return numerics::beta_upper(s, k + 1, p, q);
+    }
     double log_cumulative(double k) const { return numerics::log_beta_lower(s, k + 1, p, q); }
     double log_survival(double k) const { return numerics::log_beta_upper(s, k + 1, p, q); }
     /// The beta density of shapes s and k + 1 times p/(s + k): no difference of large log-gammas.
@@ -67,6 +83,10 @@ struct NegativeBinomial : OnIntegers<D> {
     /// The gamma distribution with the same mean and variance.
     double matched_gamma(double u) const { return numerics::gamma_lower_inverse(s * q, u) / p; }
     double start(double u) const { return std::floor(matched_gamma(u)); }
+
+  private:
+    /// q of a p next to 1 may have digits that 1 - p has not.
+    bool is_whole() const { return s == std::floor(s) && q == 1 - p; }
 };
 
 /// Failures before the s-th success: an integer s >= 0, success probability 0 < p <= 1. s = 0 and p = 1 are point masses at
