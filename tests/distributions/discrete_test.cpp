@@ -79,6 +79,18 @@ TEST(Discrete, ExactHitsDoNotDependOnRounding) {
     }
 }
 
+/// mpmath, as 1 less the sum of the first masses to 140 digits: where s is not whole a and k + 1 change places.
+TEST(Discrete, UpperTailsOfBetaNegBinWithRealCounts) {
+    const struct {
+        double s, a, b, k, upper;
+    } rows[] = {{0.5, 0.75, 0.875, 40, 0.028108879701960158},
+                {3.25, 4.5, 0.75, 40, 2.2502443612951829e-5},
+                {50.5, 4.25, 0.75, 40, 0.055402317903760022},
+                {2.25, 45, 1.5, 1000, 3.0944410660231421e-77}};
+    for (const auto& [s, a, b, k, upper] : rows)
+        EXPECT_NEAR(BetaNegBin(s, a, b).survival(k), upper, 4e-14 * upper) << s << ' ' << a << ' ' << b;
+}
+
 /// How often each integer occurs.
 using Occurrences = std::vector<std::pair<double, int>>;
 

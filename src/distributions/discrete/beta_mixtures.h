@@ -92,7 +92,9 @@ struct BetaBinomial : SummedTails<BetaBinomial> {
 
 /// Failures before the s-th success, s > 0 an integer, with a success probability that is Beta(a, b), a, b > 0. The s-th
 /// success comes at trial k + s or later exactly when k + s trials have fewer than s + 1 of them: the upper tail of a whole
-/// s is a beta-binomial sum of s terms. The tail falls as k^(-a - 1).
+/// s is a beta-binomial sum of s terms. Masses fall as k^(-a - 1); but a and k + 1 may change places in the upper tail,
+/// which is P(G_s G_b > G_a G_(k+1)) for gamma variables of these shapes: where k is the larger, the sum over the masses of
+/// BetaNegBin(s, k + 1, b) at a, a + 1, ... is the shorter one.
 struct BetaNegBin : SummedTails<BetaNegBin> {
     static constexpr Tie kTie = Tie::stay;
     double s, a, b;
@@ -141,10 +143,13 @@ struct BetaNegBin : SummedTails<BetaNegBin> {
     double above(double k) const {
         if (const auto tails = limiting(k)) return tails->upper;
         if (whole() && (k + s) - s == k) return BetaBinomial(k + s, a, b).up_to(s - 1);
+        if (k + 1 > a && std::max({s, a, b, k}) < kDual)
+            return sum_masses(BetaNegBin(s, k + 1, b), a, numerics::kInfinity);
         const auto sum = sum_to_limit(*this, k, numerics::kInfinity);
         return sum ? *sum : SummedTails::above(k);
     }
     std::optional<Tails> limiting(double k) const { return compared_betas(s, k + 1, a, b); }
+    static constexpr double kDual = 1e12;
     double start(double u) const {
         const auto [x, y] = numerics::beta_upper_inverse(a, b, u);
         return x > 0 ? std::floor(s * (y / x)) : numerics::kInfinity;
