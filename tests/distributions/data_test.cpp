@@ -107,8 +107,8 @@ struct Instance {
     }
     double probability(std::vector<double> x, bool cumulative, bool log10, const Given& given = {}) const {
         double out = kNaN;
-        EXPECT_TRUE(family->prob[log10](&out, x, arguments, cumulative ? &kCumulative : nullptr, given))
-            << label << ' ' << PralCoreError();
+        const int flag = cumulative ? 7 : -1;  // -1 asks for no cumulative
+        EXPECT_TRUE(family->prob[log10](&out, x, arguments, &flag, given)) << label << ' ' << PralCoreError();
         return out;
     }
 };
@@ -355,6 +355,12 @@ TEST(Data, PointMassesAndTies) {
         // Ends are the table's, whatever the weights.
         const Instance weightless({"Discrete", "1 2 3 ; 0 1 0"});
         EXPECT_EQ(weightless.value({&u}), u == 0 ? 1 : u == 1 ? 3 : 2);
+    }
+    // A percentile on a gap gives its lower end, in either half.
+    for (const auto& [u, x] : {std::pair(0.75, 1.0), std::pair(0.25, 1.0), std::pair(0.5, 2.0)}) {
+        const char* const bars = u == 0.75 ? "0 3 ; 3 0 1" : u == 0.25 ? "0 3 ; 1 0 3" : "0 5 ; 1 1 0 0 2";
+        const Instance gap({"Histogram", bars});
+        EXPECT_EQ(gap.value({&u}), x) << bars;
     }
     // The quantile takes back every cumulative, although sums of tenths are no tenths.
     const Instance tenths({"DUniform", "1 2 3 4 5 6 7 8 9 10"});

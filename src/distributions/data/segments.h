@@ -99,7 +99,8 @@ class Segments {
         return in_range ? std::log(density) : std::log(probability) - std::log(width(i)) + std::log(scale_);
     }
 
-    /// From the smaller tail: 1 - p is exact for p > 1/2.
+    /// From the smaller tail: 1 - p is exact for p > 1/2. The first x where the cumulative reaches p, so that a percentile on
+    /// a gap between segments gives the gap's lower end, from either tail.
     double quantile(double p) const {
         if (p > 0.5) return quantile_upper(1 - p);
         const auto reached = std::lower_bound(knots_.lower.begin() + 1, knots_.lower.end() - 1, p);
@@ -107,7 +108,7 @@ class Segments {
     }
     double quantile_upper(double q) const {
         const auto& upper = knots_.upper;
-        const auto passed = std::lower_bound(upper.begin() + 1, upper.end() - 1, q, std::greater_equal<>());
+        const auto passed = std::lower_bound(upper.begin() + 1, upper.end() - 1, q, std::greater<>());
         return from_above(static_cast<std::size_t>(passed - upper.begin()) - 1, q);
     }
     void quantiles(std::span<double> p) const {
@@ -116,8 +117,8 @@ class Segments {
             if (u <= 0.5) return from_below(i, u);
             // Where rounding made the two tails disagree, the upper one decides, as for a single value.
             const double q = 1 - u;
-            while (upper[i] < q) --i;
-            while (upper[i + 1] >= q) ++i;
+            while (upper[i] <= q) --i;
+            while (i + 2 < upper.size() && upper[i + 1] > q) ++i;
             return from_above(i, q);
         });
     }
