@@ -36,7 +36,7 @@ struct Book {
         return out;
     }
     bool probability(double* out, double x, bool cumulative, bool log10) const {
-        const int flag = cumulative ? 7 : -1;
+        const int flag = cumulative ? 7 : -1;  // -1 asks for no cumulative
         const auto member = log10 ? PralAggregateDePrilProb10_Core : PralAggregateDePrilProb_Core;
         double same[] = {x, x};
         const bool done =

@@ -147,6 +147,50 @@ TEST(Counts, MembersForFitsAgreeWithThePlainOnes) {
     SAME_MEMBERS(ZTBetaBinomial, 9, 2, 3)
 }
 
+/// A percentile is no draw, its absence is one; whether the process exists is decided by one more.
+TEST(Counts, UncertaintyCountsItsDraws) {
+    const double u = 0.25;
+    for (const double* percentile : {static_cast<const double*>(nullptr), &u}) {
+        for (const int exists : {0, 1}) {
+            for (const auto call : {PralBinomialP_Core, PralPoissonLambda_Core}) {
+                double stream[3], out, next;
+                PralSetRandomSeed(11);
+                ASSERT_TRUE(
+                    PralUniformArray_Core(stream, 3, 0, 1, nullptr, nullptr, nullptr, nullptr, nullptr));
+                PralSetRandomSeed(11);
+                ASSERT_TRUE(call(&out, 0, 9, exists, percentile));
+                ASSERT_TRUE(PralUniform_Core(&next, 0, 1, nullptr, nullptr, nullptr, nullptr, nullptr));
+                EXPECT_EQ(next, stream[(percentile == nullptr ? 1 : 0) + (exists != 0 ? 0 : 1)]);
+            }
+        }
+    }
+}
+
+/// Both sides of each switch from the exact quantile to a normal or gamma variable. Values of exact sums and of the told
+/// approximations, mpmath; the last percentile of NegBin is 0.9999999.
+TEST(Counts, ShortCutsBeginWhereTheManualSays) {
+    constexpr auto kGiven = [](auto function, auto... parameters) {
+        return [=](double u) {
+            double out = -1;
+            EXPECT_TRUE(function(&out, parameters..., &u, nullptr, nullptr, nullptr, nullptr));
+            return out;
+        };
+    };
+    const double last = 0.9999999, beyond = std::nextafter(last, 1);
+    EXPECT_EQ(kGiven(PralPoisson_Core, 5000.0)(1e-12), 4511);
+    EXPECT_EQ(kGiven(PralPoisson_Core, 5000.5)(1e-12), 4515);             // 4511 exactly
+    EXPECT_EQ(kGiven(PralBinomial_Core, 1111111.0, 0.1)(0.999), 112089);  // variance 99,999.99
+    EXPECT_EQ(kGiven(PralBinomial_Core, 1111112.0, 0.1)(0.999), 112088);  // 112090 exactly
+    EXPECT_EQ(kGiven(PralNegBin_Core, 3.0, 0.01)(0.001), 17);
+    EXPECT_EQ(kGiven(PralNegBin_Core, 3.0, 0.0099)(0.001), 19);      // 18 exactly
+    EXPECT_EQ(kGiven(PralNegBin_Core, 8333.0, 0.25)(0.001), 24032);  // variance 99,996
+    EXPECT_EQ(kGiven(PralNegBin_Core, 8334.0, 0.25)(0.001), 24025);  // 24035 exactly
+    EXPECT_EQ(kGiven(PralNegBin_Core, 3.0, 0.5)(last), 30);
+    EXPECT_EQ(kGiven(PralNegBin_Core, 3.0, 0.5)(beyond), DBL_MAX);
+    EXPECT_EQ(kGiven(PralGeometric_Core, 0.5)(last), 23);
+    EXPECT_EQ(kGiven(PralGeometric_Core, 0.5)(beyond), DBL_MAX);
+}
+
 TEST(Counts, UncertaintyAboutParameters) {
     const double u = 0.25, bad = 1.5;
     double out;

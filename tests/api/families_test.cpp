@@ -248,6 +248,23 @@ TEST(Families, JointProbabilitiesAreProducts) {
 }
 
 /// Many values have ways of their own to their likelihood: block by block, or from statistics and counts.
+/// No flag, 0 and -1 ask for the density, any other for the cumulative probability.
+TEST(Families, MinusOneAsksForNoCumulative) {
+    for (const Instance& i : instances()) {
+        for (const auto& prob : i.family->prob) {
+            const auto asked = [&](const int* flag) {
+                double out = kNaN, x = i.quantile(0.5) + 1;
+                EXPECT_TRUE(prob(&out, {&x, 1}, i.parameters, flag, {})) << PralCoreError();
+                return out;
+            };
+            const double density = asked(nullptr), cumulative = asked(&kCumulative);
+            EXPECT_NE(density, cumulative) << i.label();
+            for (const int flag : {0, -1}) EXPECT_EQ(asked(&flag), density) << i.label() << ' ' << flag;
+            for (const int flag : {-2, 7}) EXPECT_EQ(asked(&flag), cumulative) << i.label() << ' ' << flag;
+        }
+    }
+}
+
 TEST(Families, LogarithmsOfManyValuesAreSums) {
     constexpr int kCount = 300;
     for (const Instance& i : instances_of(nullptr)) {

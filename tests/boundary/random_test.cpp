@@ -34,4 +34,19 @@ TEST(Random, SingleDrawsAndBlocksReadOneSequence) {
     }
 }
 
+/// The generator makes its words 624 at a time: a fill may begin at each of them, the last one included.
+TEST(Random, FillsBeginAnywhereInABlock) {
+    for (int start = 0; start <= 624; ++start) {
+        RandomStream stream;
+        stream.seed(7);
+        std::mt19937 reference(7);
+        for (int i = 0; i < start; ++i) ASSERT_EQ(stream.word(), reference());
+        double values[2];
+        stream.fill(values);
+        for (const double value : values)
+            ASSERT_EQ(value, (reference() + 0.5) * 2.3283064365386963e-10) << "from word " << start;
+        ASSERT_EQ(stream.word(), reference()) << "after a fill from word " << start;
+    }
+}
+
 }  // namespace
