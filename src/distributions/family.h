@@ -1,6 +1,7 @@
 // What a univariate distribution family is, and the questions that any family answers the same way.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <concepts>
 #include <optional>
@@ -10,6 +11,7 @@
 #include "boundary/random.h"
 #include "numerics/constants.h"
 #include "numerics/elementary.h"
+#include "numerics/falling_sums.h"
 
 namespace pral {
 
@@ -49,6 +51,7 @@ concept Distribution = requires(const D& d, double x) {
 ///   quantile_upper(q)       the inverse of the survival, without forming 1 - q
 ///   quantiles(span)         quantile() of each element, in place
 ///   quantiles_upper(span)   quantile_upper() of each element, in place
+///   exact_quantile_upper(q) where quantile_upper() is an approximation for large parameters, if approximated()
 ///   quantile_table()        a QuantileTable (quantile_table.h) for arrays, truncated or not; neither is a point mass.
 ///                           LocationScale has it for standard distributions with kCostlyQuantiles = true
 ///   log_cumulative(x)       ln F(x), where F itself loses digits or underflows
@@ -59,8 +62,8 @@ concept Distribution = requires(const D& d, double x) {
 ///   check_probability()     the objection in the probability members, where it differs from check()
 ///   kEndsFirst = true       percentiles 0 and 1 give the ends even where there is a point mass
 ///   quantile_within(...)    the quantile between bounds, where it is not that of the rescaled percentile; percentile 0
-///                           need not be an end then. With quantiles_within(...) for arrays
-///   rounds_after_shift()    with quantile_unrounded(p): values are rounded to integers after the shift
+///                           need not be an end then. With quantiles_within(...) for arrays; both get a Window
+///   rounds_after_shift()    with quantile_unrounded(side, tail): values are rounded to integers after the shift
 ///   kIntegers = true        values are integers; the probability members count those within 1e-8 of one
 ///   kDiscrete = true        values are a countable set: the percentile that is inverted is exactly the one that the
 ///                           truncation prescribes, since a value next to it would be another value
@@ -86,6 +89,12 @@ struct Tails {
 
 enum class Side { lower, upper };
 
+/// A tail probability and which of the two it is.
+struct Tail {
+    Side side;
+    double probability;
+};
+
 /// The tails at any x, outside the support and at a point mass included.
 template <Family D>
 Tails tails(const D& d, double x) {
@@ -104,15 +113,33 @@ double quantile(const D& d, double p) {
     return d.quantile(p);
 }
 
-/// The x that leaves q above it, 0 <= q <= 1.
+/// The x that leaves q above it, 0 <= q <= 1; `exactly`, even where the family approximates.
 template <Distribution D>
-double quantile_upper(const D& d, double q) {
+double quantile_upper(const D& d, double q, bool exactly = false) {
     if (q <= 0) return d.support().upper;
     if (q >= 1) return d.support().lower;
+    if constexpr (requires { d.exact_quantile_upper(q); }) {
+        if (exactly) return d.exact_quantile_upper(q);
+    }
     if constexpr (requires { d.quantile_upper(q); })
         return d.quantile_upper(q);
     else
         return d.quantile(1 - q);
+}
+
+/// quantile_upper() of each element, in place.
+template <Distribution D>
+void quantiles_upper(const D& d, std::span<double> q, bool exactly = false) requires requires {
+    d.quantiles_upper(q);
+}
+{
+    if constexpr (requires { d.approximated(); }) {
+        if (exactly && d.approximated()) {
+            for (double& value : q) value = d.exact_quantile_upper(value);
+            return;
+        }
+    }
+    d.quantiles_upper(q);
 }
 
 /// A value as a bare call draws it, the percentile's uniform included.
@@ -126,14 +153,62 @@ double draw(const D& d, RandomStream& stream) {
         return d.quantile(u);
 }
 
+/// Smaller tails, denormal numbers, have lost digits that even their logarithm would show.
+inline constexpr double kFarTail = 1e-310;
+
+/// Distributions whose probabilities are integrals of the density, or sums of it over the integers.
+template <class D>
+concept HasFarTails = requires {
+    D::kIntegers;
+}
+|| !requires { D::kDiscrete; };
+
+/// ln P(from < X <= to), both inside the support, from the density, which falls from the one to the other: from `to` down on
+/// the lower side, from `from` up on the upper one. It knows no range of doubles, and no tails that nearly cancel.
+template <HasFarTails D>
+double log_probability(const D& d, double from, double to, Side side) {
+    const bool lower = side == Side::lower;
+    const double outwards = lower ? -1 : 1;
+    const auto from_place = [&](double place) {
+        return [&d, place, outwards](double t) { return d.log_density(place + outwards * t); };
+    };
+    if constexpr (requires { D::kIntegers; }) {
+        const double first = std::floor(from) + 1, last = std::floor(to);
+        return numerics::log_falling_sum(from_place(lower ? last : first), last - first + 1);
+    } else {
+        const double nearer = lower ? to : from;
+        return numerics::log_falling_integral(from_place(nearer), to - from,
+                                              std::max(std::fabs(nearer), 1e-300));
+    }
+}
+
+/// The ends of the support as log_probability() takes them.
+template <HasFarTails D>
+Support far_ends(const D& d) {
+    auto [lower, upper] = d.support();
+    if constexpr (requires { D::kIntegers; }) lower -= 1;
+    return {lower, upper};
+}
+
 /// ln F(x) inside the support.
 template <Distribution D>
 double log_cumulative(const D& d, double x) {
     if constexpr (requires { d.log_cumulative(x); }) {
-        return d.log_cumulative(x);
+        const double log = d.log_cumulative(x);
+        if constexpr (HasFarTails<D>) {
+            // May be the logarithm of a number in between that was denormal, or 0.
+            const bool underflowed = log < -708 && (log > -746 || log == -HUGE_VAL);
+            if (underflowed) return log_probability(d, far_ends(d).lower, x, Side::lower);
+        }
+        return log;
     } else {
         const double upper = d.survival(x);
-        return upper < 0.5 ? numerics::log1p_fn(-upper) : std::log(d.cumulative(x));
+        if (upper < 0.5) return numerics::log1p_fn(-upper);
+        const double lower = d.cumulative(x);
+        if constexpr (HasFarTails<D>) {
+            if (lower < kFarTail) return log_probability(d, far_ends(d).lower, x, Side::lower);
+        }
+        return std::log(lower);
     }
 }
 
@@ -144,7 +219,12 @@ double log_survival(const D& d, double x) {
         return d.log_survival(x);
     } else {
         const double lower = d.cumulative(x);
-        return lower < 0.5 ? numerics::log1p_fn(-lower) : std::log(d.survival(x));
+        if (lower < 0.5) return numerics::log1p_fn(-lower);
+        const double upper = d.survival(x);
+        if constexpr (HasFarTails<D>) {
+            if (upper < kFarTail) return log_probability(d, x, far_ends(d).upper, Side::upper);
+        }
+        return std::log(upper);
     }
 }
 

@@ -96,7 +96,7 @@ class Convolution {
                 left -= length;
             }
             if (left == 0 && direction < 0)
-                sum_ += sum_less_integral([&](int n) { return term(edge_ + n, k_ - edge_ - n); });
+                sum_ += numerics::sum_less_integral([&](int n) { return term(edge_ + n, k_ - edge_ - n); });
         }
     }
     /// Two widths; more and more of them, but not of the Poisson part's, while a tail of the Polya part is as good as 1.

@@ -5,21 +5,9 @@
 #include <cmath>
 
 #include "distributions/discrete/discrete.h"
-#include "numerics/gauss_legendre.h"
+#include "numerics/falling_sums.h"
 
 namespace pral {
-
-/// The sum of f(0), f(1), ... less the integral of f from -1/2 on, of a function that is smooth there: the Euler-Maclaurin
-/// formula [delta/24 - 17/5760 delta^3 + ...] f(-1/2) in central differences.
-template <class F>
-double sum_less_integral(F f) {
-    double v[8];
-    for (int i = 0; i < 8; ++i) v[i] = f(i - 4);
-    const double d1 = v[4] - v[3], d3 = v[5] - 3 * v[4] + 3 * v[3] - v[2],
-                 d5 = v[6] - 5 * v[5] + 10 * v[4] - 10 * v[3] + 5 * v[2] - v[1],
-                 d7 = v[7] - 7 * v[6] + 21 * v[5] - 35 * v[4] + 35 * v[3] - 21 * v[2] + 7 * v[1] - v[0];
-    return d1 / 24 - d3 * (17.0 / 5760) + d5 * (367.0 / 967680) - d7 * (27859.0 / 464486400);
-}
 
 /// The sum of the masses f(k) from one integer towards another, both included. The first hundreds of terms follow from one
 /// another by their ratio; when the rest still counts, it is taken by the Euler-Maclaurin formula, with its derivatives as
@@ -98,7 +86,7 @@ class MassSum {
     }
 
     double difference_terms() const {
-        return sum_less_integral([&](int n) { return mass(k_ + step_ * n); });
+        return numerics::sum_less_integral([&](int n) { return mass(k_ + step_ * n); });
     }
 
     /// Adds the integral over the next panel, in the logarithm of the distance from the nearer end of the support, where f
