@@ -35,8 +35,8 @@ bool rounds_after_shift(const D& d) {
 template <Family D>
 double rounded_value(double u, const Truncated<D>& kept, double shift) {
     double value = kept.quantile(u) + shift;
-    if constexpr (requires { kept.base().quantile_unrounded(u); })
-        value = std::trunc(kept.limited(kept.base().quantile_unrounded(kept.percentile(u))) + shift);
+    if constexpr (requires { kept.quantile_unrounded(u); })
+        value = std::trunc(kept.quantile_unrounded(u) + shift);
     return numerics::finite_or_limit(value);
 }
 
@@ -125,7 +125,7 @@ double joint_density(const Values& x, double smallest, double largest, const Tru
     if (kept.zero_width()) return impossible(scale);
     if (const auto point = kept.base().point_mass()) return all_at(*point);
     if (largest == numerics::kInfinity) return impossible(scale);
-    const double log = log_likelihood(kept.base(), x) - static_cast<double>(x.size()) * std::log(kept.mass());
+    const double log = log_likelihood(kept.base(), x) - static_cast<double>(x.size()) * kept.log_mass();
     return scale == Scale::plain ? std::exp(log) : log;
 }
 

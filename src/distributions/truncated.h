@@ -22,10 +22,12 @@ struct Modifiers {
     bool max_is_percentile() const { return (*bounds_mode & 1) != 0; }
 };
 
-/// One side of a truncation, completed: a value and the tails of the untruncated distribution there.
+/// One side of a truncation, completed: a value and the tails of the untruncated distribution there. `chosen` where the
+/// caller has given a percentile that is no end: it is exact then, as the tails at a value are not.
 struct Bound {
     double x;
     Tails tails;
+    bool chosen;
 };
 
 /// Whether a family on the integers takes x for this one.
@@ -37,12 +39,31 @@ inline double counted(double x) {
     return counts_as(x, nearest) ? nearest : std::trunc(x);
 }
 
+/// What lies between two bounds: the tails there and the probability between them. Percentiles are rescaled in the tail
+/// that has the digits.
+struct Window {
+    Tails min = {0, 1}, max = {1, 0};
+    double mass = 1;
+
+    /// Both ends above the median: their percentiles are close to 1 and differ by few digits, their upper tails do not.
+    bool above_median() const { return min.lower > 0.5; }
+    /// The percentile of the whole at percentile u < 1 of the window.
+    double percentile(double u) const { return std::min(min.lower + u * mass, 1 - 0x1p-53); }
+    /// The upper tail of the whole where the share `above` of the window lies higher.
+    double upper_tail(double above) const { return max.upper + above * mass; }
+    /// Percentiles in it are too near to 1 for what a family makes of them where it does not invert its own tails: the
+    /// approximations of counts with large parameters.
+    bool beyond_percentiles() const { return min.upper < 1e-13; }
+};
+
 /// A family kept between two bounds. Without bounds it is the family itself.
 template <Family D>
 class Truncated {
   public:
     /// Whether the family itself tells its quantiles between bounds.
-    static constexpr bool kOwnBounds = requires(const D& d, double x) { d.quantile_within(x, x, x); };
+    static constexpr bool kOwnBounds = requires(const D& d, const Window& window) {
+        d.quantile_within(0.5, window);
+    };
 
     /// Completes the bounds; `valid` tells that the parameters are in order. Where they are not, what would
     /// have to be computed from them counts as 0, so that contradicting bounds are still found first.
@@ -69,41 +90,49 @@ class Truncated {
     bool bounded() const { return bounded_; }
     double lower() const { return lower_; }
     double upper() const { return upper_; }
-    /// The probability that the untruncated distribution gives to what is kept.
-    double mass() const { return mass_; }
+    /// The natural logarithm of the probability that the untruncated distribution gives to what is kept.
+    double log_mass() const { return far_ ? log_mass_ : std::log(window_.mass); }
     /// The bounds leave a single point.
     bool degenerate() const { return lower_ == upper_; }
-    /// The bounds differ, yet no double separates their percentiles.
-    bool zero_width() const { return bounded_ && (min_.tails.lower == max_.tails.lower || mass_ <= 0); }
+    /// The bounds differ, yet no probability lies between them.
+    bool zero_width() const { return bounded_ && (far_ ? log_mass_ == -HUGE_VAL : !(window_.mass > 0)); }
     /// The percentile of the untruncated distribution at the upper bound.
     double max_percentile() const { return max_.tails.lower; }
 
-    /// The percentile of the whole that stands at percentile u of what is kept.
-    double percentile(double u) const { return bounded_ ? min_.tails.lower + u * mass_ : u; }
-
-    /// The quantile of what is kept, 0 < u < 1: that of the whole at percentile(u), taken from the smaller tail.
+    /// The quantile of what is kept, 0 < u < 1: that of the whole at the rescaled percentile, taken from the smaller tail.
     double quantile(double u) const {
         if (!bounded_) return base_.quantile(u);
-        if constexpr (kOwnBounds) return base_.quantile_within(u, min_.tails.lower, mass_);
+        if constexpr (kOwnBounds) return own_or_nearest(base_.quantile_within(u, window_));
+        if (inseparable()) return nearest();
         const auto [side, tail] = base_tail(u);
-        return limited(side == Side::lower ? pral::quantile(base_, tail) : pral::quantile_upper(base_, tail));
+        return limited(side == Side::lower ? pral::quantile(base_, tail)
+                                           : pral::quantile_upper(base_, tail, window_.beyond_percentiles()));
     }
 
     /// quantile() of each element, in place.
     void quantiles(std::span<double> u) const {
+        if (inseparable() && !kOwnBounds) {
+            std::ranges::fill(u, nearest());
+            return;
+        }
         if constexpr (requires { base_.quantiles(u); }) {
             if (!bounded_) return base_.quantiles(u);
-            if constexpr (kOwnBounds) return base_.quantiles_within(u, min_.tails.lower, mass_);
-            if (requires { D::kDiscrete; } && !above_median()) {
-                for (double& value : u) value = percentile(value);
+            if constexpr (kOwnBounds) {
+                base_.quantiles_within(u, window_);
+                if (!inseparable()) return;
+                for (double& value : u) value = own_or_nearest(value);
+                return;
+            }
+            if (requires { D::kDiscrete; } && !window_.above_median()) {
+                for (double& value : u) value = window_.percentile(value);
                 base_.quantiles(u);
                 for (double& value : u) value = limited(value);
                 return;
             }
             if constexpr (requires { base_.quantiles_upper(u); }) {
-                if (above_median()) {
-                    for (double& value : u) value = base_tail(value).tail;
-                    base_.quantiles_upper(u);
+                if (window_.above_median()) {
+                    for (double& value : u) value = base_tail(value).probability;
+                    pral::quantiles_upper(base_, u, window_.beyond_percentiles());
                     for (double& value : u) value = limited(value);
                     return;
                 }
@@ -124,25 +153,41 @@ class Truncated {
         for (double& value : u) value = quantile(value);
     }
 
+    /// The quantile of a family that rounds its values only after the shift, before that.
+    double quantile_unrounded(double u) const requires requires(const D& d, double p) {
+        d.quantile_unrounded(Side::lower, p);
+    }
+    {
+        if (inseparable() || window_.beyond_percentiles()) return quantile(u);
+        const auto [side, tail] = base_tail(u);
+        return limited(base_.quantile_unrounded(side, tail));
+    }
+
     /// x, moved to the nearer end of what is kept if rounding has led it outside.
     double limited(double x) const { return std::clamp(x, least_, most_); }
 
     /// The probability at or below an x in [lower, upper) of what is kept.
     double cumulative(double x) const {
         if (!bounded_) return std::clamp(base_.cumulative(x), 0.0, 1.0);
-        const Tails at = pral::tails(base_, x);
-        const double below = above_median() ? min_.tails.upper - at.upper : at.lower - min_.tails.lower;
-        return std::clamp(below / mass_, 0.0, 1.0);
+        if (far_) return std::exp(log_cumulative(x));
+        return share_below(pral::tails(base_, x));
     }
 
     /// Its natural logarithm.
     double log_cumulative(double x) const {
         if (!bounded_) return std::min(pral::log_cumulative(base_, x), 0.0);
-        const double below = cumulative(x);
-        if (below < 0.5) return std::log(below);
+        if constexpr (HasFarTails<D>) {
+            if (far_) return far_log_cumulative(x);
+        }
         const Tails at = pral::tails(base_, x);
-        const double above = at.lower > 0.5 ? at.upper - max_.tails.upper : max_.tails.lower - at.lower;
-        return numerics::log1p_fn(-std::clamp(above / mass_, 0.0, 1.0));
+        const double below = share_below(at);
+        if constexpr (HasFarTails<D>) {
+            if (at.lower < kFarTail && !window_.above_median())
+                return std::min(far_log_probability(x, Side::lower) - log_mass(), 0.0);
+        }
+        if (below < 0.5) return std::log(below);
+        const double above = at.lower > 0.5 ? at.upper - window_.max.upper : window_.max.lower - at.lower;
+        return numerics::log1p_fn(-std::clamp(above / window_.mass, 0.0, 1.0));
     }
 
   private:
@@ -150,29 +195,86 @@ class Truncated {
         as_values_ = (*given.bounds_mode & 3) == 0;
         min_ = complete(given.min, given.min_is_percentile(), valid);
         max_ = complete(given.max, given.max_is_percentile(), valid);
-        lower_ = std::min(std::max(min_.x, lower_), max_.x);
-        upper_ = std::min(upper_, max_.x);
-        mass_ = above_median() ? min_.tails.upper - max_.tails.upper : max_.tails.lower - min_.tails.lower;
+        window_ = {min_.tails, max_.tails, 0};
+        window_.mass = window_.above_median() ? min_.tails.upper - max_.tails.upper
+                                              : max_.tails.lower - min_.tails.lower;
+        // A point mass is not moved by bounds, and what they say of it holds as they stand.
+        if (!valid || base_.point_mass()) {
+            lower_ = std::min(std::max(min_.x, lower_), max_.x);
+            upper_ = std::min(upper_, max_.x);
+            return;
+        }
+        lower_ = std::min(std::max(min_.x, support_.lower), support_.upper);
+        upper_ = std::max(std::min(max_.x, support_.upper), support_.lower);
+        if constexpr (HasFarTails<D>) measure_far_mass();
     }
 
-    /// Percentile u of what is kept as a tail of the whole, where possible the smaller one.
-    struct BaseTail {
-        Side side;
-        double tail;
-    };
-    BaseTail base_tail(double u) const {
-        const double p = percentile(u);
-        if (p <= 0.5 || (requires { D::kDiscrete; } && !above_median())) return {Side::lower, p};
-        return {Side::upper, max_.tails.upper + (1 - u) * mass_};
+    /// A mass between tails that are below the range of doubles, or that agree to most of their digits, is that of the
+    /// density. Those of counts agree so far next to extra zeros, where integers are few among very many, or where none
+    /// lies between the bounds.
+    void measure_far_mass() {
+        constexpr double kAgreeing = requires { D::kIntegers; }
+        ? 1e-8 : 1e-12;
+        if (min_.chosen || max_.chosen || !ordered()) return;
+        const double larger = window_.above_median() ? min_.tails.upper : max_.tails.lower;
+        const bool below_range = larger < kFarTail;
+        if (!below_range && window_.mass > kAgreeing * larger) return;
+        far_side_ = window_.above_median() ? Side::upper : Side::lower;
+        if (!below_range && std::max(std::fabs(lower_), std::fabs(upper_)) < numerics::kInfinity)
+            far_side_ = log_density_at(lower_) < log_density_at(upper_) ? Side::lower : Side::upper;
+        log_mass_ = far_log_probability(upper_, far_side_);
+        far_ = log_mass_ > -HUGE_VAL || !(window_.mass > 0);
     }
+    double log_density_at(double x) const {
+        if constexpr (requires { D::kIntegers; }) return base_.log_density(counted(x));
+        return base_.log_density(x);
+    }
+
+    /// ln P(lower bound < X <= x).
+    double far_log_probability(double x, Side side) const {
+        return between(min_.x < support_.lower ? far_ends(base_).lower : lower_, x, side);
+    }
+    double between(double from, double to, Side side) const {
+        if constexpr (requires { D::kIntegers; })
+            return log_probability(base_, counted(from), counted(to), side);
+        return log_probability(base_, from, to, side);
+    }
+    double far_log_cumulative(double x) const {
+        const double log_below = far_log_probability(x, far_side_) - log_mass_;
+        if (log_below < -numerics::kLn2) return log_below;
+        const double log_above = between(x, upper_, far_side_) - log_mass_;
+        return numerics::log1p_fn(-std::min(std::exp(log_above), 1.0));
+    }
+
+    double share_below(const Tails& at) const {
+        const double below =
+            window_.above_median() ? window_.min.upper - at.upper : at.lower - window_.min.lower;
+        return std::clamp(below / window_.mass, 0.0, 1.0);
+    }
+
+    /// Percentile 0 < u < 1 of what is kept as a tail of the whole, where possible the smaller one.
+    Tail base_tail(double u) const {
+        if (!bounded_ && requires { D::kDiscrete; }) return {Side::lower, u};
+        const double p = window_.percentile(u);
+        if (p <= 0.5 || (requires { D::kDiscrete; } && !window_.above_median()))
+            return {Side::lower, std::max(p, kLeastTail)};
+        return {Side::upper, std::max(window_.upper_tail(1 - u), kLeastTail)};
+    }
+
+    /// No double separates the tails at the bounds: the probability is as good as all at one of them.
+    bool inseparable() const { return far_ && !(window_.mass > 0); }
+    double nearest() const { return limited(far_side_ == Side::upper ? lower_ : upper_); }
+    /// The same for a family that has put its zeros aside.
+    double own_or_nearest(double x) const { return inseparable() && x != 0 ? nearest() : x; }
 
     Bound complete(const double* given, bool is_percentile, bool valid) const {
-        const double number = given != nullptr ? *given : 0;
-        if (!is_percentile) return {number, valid ? tails_at(number) : Tails{0, 0}};
+        const double number = (given != nullptr ? *given : 0) + 0.0;  // no -0.0
+        if (!is_percentile) return {number, valid ? tails_at(number) : Tails{0, 0}, false};
         const Tails tails = {number, 1 - number};
-        if (!valid) return {0, tails};
+        const bool chosen = number > 0 && number < 1;
+        if (!valid) return {0, tails, chosen};
         const auto point = base_.point_mass();
-        return {numerics::finite_or_limit(point ? *point : pral::quantile(base_, number)), tails};
+        return {numerics::finite_or_limit(point ? *point : pral::quantile(base_, number)), tails, chosen};
     }
 
     /// The tails that the family's probability members give to any x.
@@ -181,11 +283,8 @@ class Truncated {
         return tails(base_, x);
     }
 
-    /// Both ends above the median: their percentiles are close to 1 and differ by few digits, their tails do not.
-    bool above_median() const { return min_.tails.lower > 0.5; }
-
-    /// What values are limited to: the support or the bounds, of an integer family the integers between them. Bounds beyond
-    /// the support, or without an integer between them, leave their value as it is.
+    /// What values are limited to: the support or the bounds, of an integer family the integers between them. Bounds without
+    /// an integer between them leave their value as it is.
     void set_limits() {
         if (kOwnBounds && bounded_) return;
         double least = lower_, most = upper_;
@@ -201,14 +300,20 @@ class Truncated {
         most_ = most;
     }
 
+    /// A tail that rounds to 0 would be that of an end of the support.
+    static constexpr double kLeastTail = 0x1p-1074;
+
     const D& base_;
     Support support_;
     bool bounded_;
     bool as_values_ = false;
+    bool far_ = false;
+    Side far_side_ = Side::lower;
     Bound min_ = {}, max_ = {};
     double lower_, upper_;
     double least_ = -HUGE_VAL, most_ = HUGE_VAL;
-    double mass_ = 1;
+    Window window_;
+    double log_mass_ = 0;
 };
 
 }  // namespace pral

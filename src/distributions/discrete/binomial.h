@@ -49,8 +49,8 @@ struct Binomial : OnIntegers<Binomial> {
     double start(double u) const {
         return std::floor(n * numerics::beta_lower_inverse(n * p, (n + 2) * (1 - p), u).x);
     }
-    double approximate_quantile(double u) const {
-        const double z = n * p + std::sqrt(n * p * (1 - p)) * numerics::normal_quantile(u);
+    double approximate_quantile(Side side, double tail) const {
+        const double z = n * p + std::sqrt(n * p * (1 - p)) * normal_value(side, tail);
         return std::floor(z + 0.5);
     }
 };

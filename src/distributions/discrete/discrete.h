@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "distributions/family.h"
+#include "numerics/normal.h"
 
 namespace pral {
 
@@ -349,6 +350,11 @@ class InversionTable {
     std::vector<std::uint32_t> guide_;
 };
 
+/// The standard normal value with this tail, for families that are nearly normal.
+inline double normal_value(Side side, double tail) {
+    return side == Side::lower ? numerics::normal_quantile(tail) : -numerics::normal_quantile(tail);
+}
+
 /// The base of a family on consecutive integers: its quantiles, one and many.
 template <class D>
 struct OnIntegers {
@@ -362,22 +368,29 @@ struct OnIntegers {
 
     double quantile(double p) const {
         if (p > D::kLastPercentile) return self().support().upper;
-        if constexpr (requires { self().approximate_quantile(p); }) {
-            if (self().approximates()) return self().approximate_quantile(p);
+        if constexpr (requires { self().approximate_quantile(Side::lower, p); }) {
+            if (self().approximates()) return self().approximate_quantile(Side::lower, p);
         }
         return InversionWalk<D>(self(), p)();
     }
     double quantile_upper(double q) const {
         const double p = 1 - q;
-        if (approximated() || p > D::kLastPercentile) return quantile(p);
-        return InversionWalk<D>(self(), p, q, false)();
+        if (p > D::kLastPercentile) return self().support().upper;
+        if constexpr (requires { self().approximate_quantile(Side::upper, q); }) {
+            if (self().approximates()) return self().approximate_quantile(Side::upper, q);
+        }
+        return self().exact_quantile_upper(q);
+    }
+    double exact_quantile_upper(double q) const {
+        const double p = 1 - q;
+        return p > D::kLastPercentile ? self().support().upper : InversionWalk<D>(self(), p, q, false)();
     }
 
     void quantiles(std::span<double> p) const { invert(Side::lower, p); }
     /// quantile_upper() of each element, in place.
     void quantiles_upper(std::span<double> q) const { invert(Side::upper, q); }
 
-    /// Whether quantiles are those of an approximation for large parameters, approximate_quantile(p), and not the walk's.
+    /// Whether quantiles are those of an approximation for large parameters, approximate_quantile(side, tail), and not the walk's.
     bool approximated() const {
         if constexpr (requires { self().approximates(); })
             return self().approximates();

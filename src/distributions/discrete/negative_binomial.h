@@ -108,9 +108,9 @@ struct NegBin : NegativeBinomial<NegBin> {
     /// With p below 0.01 the value is that of the gamma distribution with the same mean and variance, with a variance above
     /// 100,000 that of the normal one.
     bool approximates() const { return p < 0.01 || s * q > 100000 * p * p; }
-    double approximate_quantile(double u) const {
-        if (p < 0.01) return std::floor(matched_gamma(u) + 0.5);
-        const double normal = s * q / p + std::sqrt(s * q) / p * numerics::normal_quantile(u);
+    double approximate_quantile(Side side, double tail) const {
+        if (p < 0.01) return std::floor(matched_gamma(side == Side::lower ? tail : 1 - tail) + 0.5);
+        const double normal = s * q / p + std::sqrt(s * q) / p * normal_value(side, tail);
         return std::max(0.0, std::floor(normal + 0.5));
     }
 };

@@ -25,11 +25,13 @@ struct Poisson : OnIntegers<Poisson> {
     /// Above a rate of 5000 the square root of the value is taken as normal.
     bool approximates() const { return lambda > 5000; }
     double start(double p) const { return std::floor(numerics::gamma_lower_inverse(lambda, p)); }
-    double approximate_quantile(double p) const { return std::trunc(quantile_unrounded(p)); }
+    double approximate_quantile(Side side, double tail) const {
+        return std::trunc(quantile_unrounded(side, tail));
+    }
     /// A fractional shift is added to the nearly normal value before it is rounded.
     bool rounds_after_shift() const { return approximates(); }
-    double quantile_unrounded(double p) const {
-        const double root = 2 * std::sqrt(lambda) + numerics::normal_quantile(p);
+    double quantile_unrounded(Side side, double tail) const {
+        const double root = 2 * std::sqrt(lambda) + normal_value(side, tail);
         return 0.25 * root * root;
     }
 };

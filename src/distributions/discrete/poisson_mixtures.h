@@ -63,6 +63,9 @@ struct BurntFingerPoisson : OnIntegers<BurntFingerPoisson> {
     double quantile_upper(double q) const {
         return equal() ? poisson_after().quantile_upper(q) : OnIntegers::quantile_upper(q);
     }
+    double exact_quantile_upper(double q) const {
+        return equal() ? poisson_after().exact_quantile_upper(q) : OnIntegers::exact_quantile_upper(q);
+    }
     void quantiles(std::span<double> p) const {
         equal() ? poisson_after().quantiles(p) : OnIntegers::quantiles(p);
     }
@@ -70,7 +73,9 @@ struct BurntFingerPoisson : OnIntegers<BurntFingerPoisson> {
         equal() ? poisson_after().quantiles_upper(q) : OnIntegers::quantiles_upper(q);
     }
     bool rounds_after_shift() const { return equal() && poisson_after().rounds_after_shift(); }
-    double quantile_unrounded(double p) const { return poisson_after().quantile_unrounded(p); }
+    double quantile_unrounded(Side side, double tail) const {
+        return poisson_after().quantile_unrounded(side, tail);
+    }
     bool approximates() const { return equal() && poisson_after().approximates(); }
 
     /// The time of the first event from a draw of its own; if it is below 1, the later events from another. The draw made

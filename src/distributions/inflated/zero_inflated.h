@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "distributions/discrete/negative_binomial.h"
-#include "distributions/family.h"
 #include "distributions/sample.h"
+#include "distributions/truncated.h"
 #include "numerics/double_double.h"
 
 namespace pral {
@@ -94,25 +94,33 @@ struct ZeroInflated {
         return of_zeros + others * std::log(pi) + base_sum(negative, x.pauses()) + base_sum(positive, x.pauses());
     }
 
-    double quantile(double u) const { return quantile_within(u, 0, 1); }
+    double quantile(double u) const { return quantile_within(u, Window{}); }
     double quantile_upper(double q) const { return q >= pi ? 0 : base_quantile(1 - q / pi, q / pi); }
-    /// The quantile between bounds where this family's cumulative is min_percentile, with `mass` between them.
-    double quantile_within(double u, double min_percentile, double mass) const {
+    /// The quantile in a window of this family.
+    double quantile_within(double u, const Window& window) const {
         const double excess = above_zeros(u);
         if (!(excess > 0)) return 0;
-        const double p = min_percentile + excess / pi * mass;
-        return base_quantile(p, mass == 1 ? (1 - u) / pi : 1 - p);
+        const double p = window.percentile(excess / pi);
+        if (window.mass == 1) return base_quantile(p, (1 - u) / pi);
+        if (window.above_median())
+            return base_quantile(p, window.upper_tail((1 - u) / pi), window.beyond_percentiles());
+        return base_quantile(p, 1 - p);
     }
-    void quantiles(std::span<double> u) const { quantiles_within(u, 0, 1); }
-    void quantiles_within(std::span<double> u, double min_percentile, double mass) const {
+    void quantiles(std::span<double> u) const { quantiles_within(u, Window{}); }
+    void quantiles_within(std::span<double> u, const Window& window) const {
+        const bool by_upper = window.above_median();
         std::vector<double> of_base;
         for (double& value : u) {
             const double excess = above_zeros(value);
+            if (excess > 0)
+                of_base.push_back(by_upper ? window.upper_tail((1 - value) / pi)
+                                           : window.percentile(excess / pi));
             value = excess > 0 ? 1 : 0;
-            if (excess > 0) of_base.push_back(std::min(min_percentile + excess / pi * mass, 1 - 0x1p-53));
         }
         if (const auto point = base.point_mass())
             std::ranges::fill(of_base, *point);
+        else if (by_upper)
+            pral::quantiles_upper(base, of_base, window.beyond_percentiles());
         else
             base.quantiles(of_base);
         auto next = of_base.begin();
@@ -137,9 +145,9 @@ struct ZeroInflated {
         const numerics::DoubleDouble sum = numerics::two_sum(u, -1);
         return (sum.hi + pi) + sum.lo;
     }
-    double base_quantile(double p, double q) const {
+    double base_quantile(double p, double q, bool exactly = false) const {
         if (const auto point = base.point_mass()) return *point;
-        return p <= 0.5 ? pral::quantile(base, p) : pral::quantile_upper(base, q);
+        return p <= 0.5 ? pral::quantile(base, p) : pral::quantile_upper(base, q, exactly);
     }
     /// The base family's log masses, none outside its support.
     double base_sum(std::span<const Sample::Count> counts, Pauses pauses) const {

@@ -69,6 +69,10 @@ struct ZeroTruncated {
 
     double quantile(double u) const { return at(zero_ + not_zero_ * u, not_zero_ * (1 - u)); }
     double quantile_upper(double q) const { return at(zero_ + not_zero_ * (1 - q), not_zero_ * q); }
+    double exact_quantile_upper(double q) const {
+        return std::max(pral::quantile_upper(base, not_zero_ * q, true), 1.0);
+    }
+    bool approximated() const { return base.approximated(); }
     void quantiles(std::span<double> u) const {
         constexpr double kDistinct = 1e-3;  // the percentiles of the base family keep their digits above
         if (!(not_zero_ > kDistinct)) {
