@@ -7,10 +7,17 @@
 
 namespace pral {
 
+/// A parameter as families get it: -0.0 is 0.0.
+inline double plain_zero(double parameter) { return parameter + 0.0; }
+template <class T>
+T plain_zero(T parameter) {
+    return parameter;
+}
+
 /// A family of these parameters.
 template <class D, class... Parameters>
 D made(Parameters... parameters) {
-    return D{parameters...};
+    return D{plain_zero(parameters)...};
 }
 
 }  // namespace pral

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <span>
 #include <vector>
 
@@ -15,7 +17,7 @@ namespace pral {
 
 /// The shift moves finite values only, and what leaves the library is finite.
 inline double shifted(double value, const double* shift) {
-    const double limited = numerics::finite_or_limit(value);
+    const double limited = numerics::finite_or_limit(value + 0.0);  // no -0.0
     if (shift == nullptr || std::fabs(limited) == numerics::kInfinity) return limited;
     return numerics::finite_or_limit(limited + *shift);
 }
@@ -160,6 +162,11 @@ inline std::vector<double> counted_values(std::span<const double> values, bool d
     return whole;
 }
 
+/// At the end of a support at 0 the sign of a zero would decide between logarithms and powers that are infinite and not.
+inline bool is_minus_zero(double value) {
+    return std::bit_cast<std::uint64_t>(value) == std::bit_cast<std::uint64_t>(-0.0);
+}
+
 /// Whether so many values are better counted than taken one by one: a mass costs more than counting.
 template <Family D>
 bool counts_repay(std::size_t size) {
@@ -187,6 +194,11 @@ bool probability_member(double* out, double* x, int count, const D& d, const int
     std::vector<double> whole;
     if constexpr (requires { D::kIntegers; }) {
         whole = counted_values(values, density);
+        values = whole;
+    }
+    if (std::ranges::any_of(values, is_minus_zero)) {
+        whole.assign(values.begin(), values.end());
+        for (double& value : whole) value += 0.0;
         values = whole;
     }
     double smallest = HUGE_VAL, largest = -HUGE_VAL;

@@ -34,14 +34,15 @@ PRAL_EXPORT_FAMILY(ZTPolya, (double alpha, double beta), (alpha, beta));
                                 const int* boundsMode, const double* boundsMin, const double* boundsMax,     \
                                 const double* shift) {                                                       \
         return pral::guarded(out, 1, [&](int) {                                                              \
-            return pral::value_member(out, FAMILY ARGUMENTS, {U, boundsMode, boundsMin, boundsMax, shift});  \
+            return pral::value_member(out, pral::made<FAMILY> ARGUMENTS,                                     \
+                                      {U, boundsMode, boundsMin, boundsMax, shift});                         \
         });                                                                                                  \
     }                                                                                                        \
     bool Pral##X##Prob_Core_for_fit(double* out, double* x, int count, PRAL_REMOVE_PARENTHESES PARAMETERS,   \
                                     const int* cumulative, const int* boundsMode, const double* boundsMin,   \
                                     const double* boundsMax, const double* shift) {                          \
         return pral::guarded(out, 1, [&](int) {                                                              \
-            return pral::probability_member(out, x, count, FAMILY ARGUMENTS, cumulative,                     \
+            return pral::probability_member(out, x, count, pral::made<FAMILY> ARGUMENTS, cumulative,         \
                                             {nullptr, boundsMode, boundsMin, boundsMax, shift},              \
                                             pral::Scale::plain);                                             \
         });                                                                                                  \
@@ -50,7 +51,7 @@ PRAL_EXPORT_FAMILY(ZTPolya, (double alpha, double beta), (alpha, beta));
                                       const int* cumulative, const int* boundsMode, const double* boundsMin, \
                                       const double* boundsMax, const double* shift) {                        \
         return pral::guarded(out, 1, [&](int) {                                                              \
-            return pral::probability_member(out, x, count, FAMILY ARGUMENTS, cumulative,                     \
+            return pral::probability_member(out, x, count, pral::made<FAMILY> ARGUMENTS, cumulative,         \
                                             {nullptr, boundsMode, boundsMin, boundsMax, shift},              \
                                             pral::Scale::natural_log);                                       \
         });                                                                                                  \
