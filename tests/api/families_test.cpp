@@ -336,8 +336,8 @@ TEST(Families, WhatOverflowsIsTheLargestDouble) {
                 "far out");
 }
 
-/// Counts between bounds of all four forms: the percentile is rescaled to those of the bounds, and so are masses and
-/// cumulative probabilities. Between two values (the lower one not included) the masses sum to 1.
+/// Counts between bounds of all four forms: the percentile is rescaled to those of the bounds. Between two values (the lower
+/// one not included) the masses sum to 1, and up to each value to its cumulative probability.
 TEST(Families, TruncatedCountsFollowThePercentilesOfTheirBounds) {
     const double low = 0.2, high = 0.9;
     for (const Instance& i : instances()) {
@@ -352,23 +352,17 @@ TEST(Families, TruncatedCountsFollowThePercentilesOfTheirBounds) {
             const std::string what = i.label() + " mode " + std::to_string(mode);
             if (!(mass > 0)) continue;
             const bool inflated = i.family->name.starts_with("ZI");  // rescales what is above its zeros
-            for (const double u : {1e-9, 0.1, 0.5, 0.9}) {
-                if (!inflated) {
-                    EXPECT_EQ(i.quantile(u, given), i.quantile(from + u * mass)) << what << ' ' << u;
-                }
-            }
             if (!inflated) {
+                for (const double u : {1e-9, 0.1, 0.5, 0.9})
+                    EXPECT_EQ(i.quantile(u, given), i.quantile(from + u * mass)) << what << ' ' << u;
                 EXPECT_EQ(i.quantile(0, given), min) << what;
             }
             EXPECT_EQ(i.quantile(1, given), max) << what;
             double sum = 0;
-            for (double x = min; x <= max && x < min + 1000; ++x) {
+            for (double x = min; mode == kByValue && x <= max && x < min + 1000; ++x) {
                 const double density = i.probability({x}, false, false, given);
-                expect_near(density, i.probability({x}, false, false) / mass, 1e-12, what);
                 if (x > min) sum += density;
-                if (x >= max) continue;
-                const double expected = (i.probability({x}, true, false) - from) / mass;
-                EXPECT_NEAR(i.probability({x}, true, false, given), expected, 1e-13) << what << ' ' << x;
+                EXPECT_NEAR(i.probability({x}, true, false, given), sum, 1e-12) << what << ' ' << x;
                 if (density > 0) {
                     EXPECT_NEAR(i.probability({x}, false, true, given), std::log10(density), 1e-12) << what;
                 }
@@ -376,9 +370,150 @@ TEST(Families, TruncatedCountsFollowThePercentilesOfTheirBounds) {
             if (mode == kByValue && max < min + 1000) {
                 EXPECT_NEAR(sum, 1, 1e-12) << what;
             }
+            if (mode == kByPercentile)
+                expect_near(i.probability({max}, false, false, given),
+                            i.probability({max}, false, false) / 0.7, 1e-12, what);
             EXPECT_EQ(i.probability({max}, true, false, given), 1) << what;
             EXPECT_EQ(i.probability({max + 1}, false, false, given), 0) << what;
             EXPECT_EQ(i.probability({min - 1}, true, true, given), -DBL_MAX) << what;
+        }
+    }
+}
+
+/// The logarithm of a cumulative probability does not end with the range of doubles. Expected values by mpmath.
+TEST(Families, CumulativesBelowTheRangeOfDoublesKeepTheirLogarithms) {
+    const struct {
+        const char* family;
+        Parameters parameters;
+        double x, expected;
+    } cases[] = {
+        {"Poisson", {2000}, 5, -854.161908523635},
+        {"Poisson", {1e12}, 1e12 - 5e7, -544.9753730235959},
+        {"Binomial", {10000, 0.5}, 3, -2999.07810786848},
+        {"BetaBinomial", {1e5, 2000, 2000}, 3, -3079.1156349491},
+        {"BetaNegBin", {2000, 2000, 2000}, 3, -446.853425676162},
+        {"Hypergeo", {2000, 5000, 10000}, 3, -701.942284832217},
+        {"InvHypergeo", {2000, 5000, 10000}, 3, -703.217207041394},
+        {"HypergeoD", {2000, 4000, 10000}, 2100, -808.740013755733},
+        {"Skellam", {5000, 1000}, 100, -631.038997325825},
+        {"Skellam", {500, 1000}, -3100, -762.01538345274},
+        {"Delaporte", {2000, 1, 100}, 100, -498.40186657164},
+        {"PoissonUniform", {2000, 2100}, 100, -698.411451142317},
+        {"BurntFingerPoisson", {2500, 2000}, 100, -697.11453103143},
+        {"ZTPoisson", {750}, 1, -322.845800164047},
+        {"NCChiSq", {100, 1}, 1e-9, -529.751721896833},
+        {"Lifetime2", {0, 1}, 1e-165, -330.301029995664},
+        {"Lifetime2", {0, 1}, 1e-161, -322.301029995664},
+    };
+    for (const auto& c : cases) {
+        const Instance i = {&family(c.family), c.parameters};
+        expect_near(i.probability({c.x}, true, true), c.expected, 2e-12, i.label());
+        EXPECT_EQ(i.probability({c.x}, true, false), std::pow(10, c.expected))
+            << i.label();  // 0, or denormal
+    }
+    const double below = -1, above = 3000;
+    const Instance poisson = {&family("Poisson"), {2000}};
+    expect_near(poisson.probability({5}, true, true, {nullptr, &kByValue, &below, &above}), -854.161908523635,
+                1e-12, "bounded");
+}
+
+/// Where no double tells the tails at two bounds apart, values are the bound nearer to the mass, and densities are still
+/// those of what is kept.
+TEST(Families, BoundsBeyondTheRangeOfTails) {
+    const struct {
+        const char* family;
+        Parameters parameters;
+        double min, max, nearer;
+    } cases[] = {
+        {"Expon", {1}, 800, DBL_MAX, 800},       {"Expon", {1}, 800, 900, 800},
+        {"Expon", {1}, 745.13, DBL_MAX, 745.13}, {"Normal", {0, 1}, 40, DBL_MAX, 40},
+        {"Normal", {0, 1}, -50, -40, -40},       {"Poisson", {4}, 400, 500, 400},
+        {"ZTPoisson", {4}, 400, DBL_MAX, 400},   {"Skellam", {3, 2}, -500, -400, -400},
+        {"Rayleigh", {1}, 40, 41, 40},           {"Gamma", {2, 1}, 900, 901, 900},
+        {"Weibull", {2, 1}, 30, 40, 30},         {"Student", {1e6}, 1e4, 2e4, 1e4},
+    };
+    for (const auto& c : cases) {
+        const Instance i = {&family(c.family), c.parameters};
+        const Given given = {nullptr, &kByValue, &c.min, &c.max};
+        for (const double u : {1e-9, 0.3, 0.5, 0.999}) EXPECT_EQ(i.quantile(u, given), c.nearer) << i.label();
+        std::vector<double> many(400, kNaN);
+        ASSERT_TRUE(i.family->array(many, i.parameters, given));
+        for (const double x : many) EXPECT_EQ(x, c.nearer) << i.label();
+        EXPECT_GT(i.probability({c.nearer}, false, true, given), -2) << i.label();
+    }
+    const double below = 34, above = DBL_MAX;
+    const Instance inflated = {&family("ZIPoisson"), {4, 0.625}};
+    const Given tail = {nullptr, &kByValue, &below, &above};
+    EXPECT_EQ(inflated.quantile(0.2, tail), 0);
+    EXPECT_EQ(inflated.quantile(0.9, tail), 36);
+}
+
+/// Bounds wholly outside the support give its nearer end for every percentile.
+TEST(Families, BoundsOutsideTheSupportGiveItsNearerEnd) {
+    for (const Instance& i : instances()) {
+        if (i.family->name == "ZISkellam") continue;  // its percentile 0 is not its lowest
+        const double bottom = i.quantile(0), top = i.quantile(1);
+        for (const bool above : {false, true}) {
+            const double end = above ? top : bottom;
+            if (std::fabs(end) > 1e9) continue;
+            const double min = above ? end + 2 : end - 5, max = above ? end + 5 : end - 2;
+            const bool inflated = i.family->name.starts_with("ZI");  // percentiles of the zeros stay 0
+            for (const double u : {0.0, 0.5, 1.0}) {
+                if (inflated && u < 1) continue;
+                EXPECT_EQ(i.quantile(u, {nullptr, &kByValue, &min, &max}), end) << i.label() << ' ' << u;
+            }
+        }
+    }
+}
+
+/// Counts whose percentiles are taken from a nearly normal variable keep to their own tails where those percentiles have no
+/// digits. Expected values from the exact tails, by mpmath.
+TEST(Families, LargeCountsFarInTheUpperTail) {
+    const double max = DBL_MAX, half = 0.5;
+    const struct {
+        const char* family;
+        Parameters parameters;
+        double min, u, expected;
+    } cases[] = {
+        {"Poisson", {5001}, 5601, 0.5, 5607},
+        {"ZTPoisson", {5001}, 5601, 0.5, 5607},
+        {"BurntFingerPoisson", {5001, 5001}, 5601, 0.5, 5607},
+        {"Binomial", {1e8, 0.01}, 1008300, 0.5, 1008382},
+        {"ZIPoisson", {5001, 0.5}, 5601, 0.75, 5613},
+    };
+    for (const auto& c : cases) {
+        const Instance i = {&family(c.family), c.parameters};
+        EXPECT_EQ(i.quantile(c.u, {nullptr, &kByValue, &c.min, &max}), c.expected) << i.label();
+        if (c.u != half || c.min > 1e6) continue;
+        EXPECT_EQ(i.quantile(c.u, {nullptr, &kByValue, &c.min, &max, &half}),
+                  c.expected + (i.family->name == "ZTPoisson" ? 0.5 : 0))
+            << i.label();
+    }
+}
+
+/// -0.0 is 0.0 as a value, a bound and a parameter.
+TEST(Families, MinusZeroIsZero) {
+    const auto minus = [](double x) { return x == 0 ? -0.0 : x; };
+    const double zero = 0, minus_zero = -0.0, one = 1;
+    for (const Instance& i : instances_of(nullptr)) {
+        Instance other = i;
+        for (double& p : other.parameters) p = minus(p);
+        for (const bool cumulative : {false, true}) {
+            for (const bool log10 : {false, true}) {
+                const double expected = i.probability({0.0}, cumulative, log10);
+                EXPECT_EQ(i.probability({-0.0}, cumulative, log10), expected) << i.label();
+                EXPECT_EQ(other.probability({0.0}, cumulative, log10), expected) << i.label();
+            }
+        }
+        for (const double u : {0.0, 0.25, 0.5, 1.0}) {
+            const double value = i.quantile(u), of_other = other.quantile(u);
+            EXPECT_EQ(of_other, value) << i.label();
+            EXPECT_FALSE(of_other == 0 && std::signbit(of_other)) << i.label();
+            const Given from_zero = {nullptr, &kByValue, &zero, &one},
+                        from_minus_zero = {nullptr, &kByValue, &minus_zero, &one};
+            const double bounded = i.quantile(u, from_minus_zero);
+            EXPECT_EQ(bounded, i.quantile(u, from_zero)) << i.label();
+            EXPECT_FALSE(bounded == 0 && std::signbit(bounded)) << i.label();
         }
     }
 }

@@ -30,6 +30,11 @@ FAMILIES = {
 
 # Truncation far in a tail: family, parameters, mode, min, max, and x inside.
 TRUNCATED = [
+    ("Normal", (0, 1), 0, 9, 10, 9.5),
+    ("Normal", (0, 1), 0, 40, 1.7976931348623157e308, 40.02),
+    ("Normal", (0, 1), 0, -50, -40, -40.02),
+    ("Normal", (0, 1), 0, 1, 1 + 2.0**-48, 1 + 2.0**-49),
+    ("Expon", (1,), 0, 800, 900, 801),
     ("Normal", (0, 1), 0, 8, 9, 8.1),
     ("Normal", (0, 1), 0, -9, -8, -8.1),
     ("Normal", (0, 1), 0, -37, -36.5, -36.75),

@@ -64,7 +64,7 @@ FAMILIES = {
     for name, p in ORDINARY.items() if name not in ("Logarithmic", "Skellam")
 }
 
-TRUNCATED = [("ZTPoisson", (3.5,), 0, 2, 6, 4), ("ZTPoisson", (3.5,), 0, 30, 40, 33),
+TRUNCATED = [("ZTPoisson", (3.5,), 0, 2, 6, 4), ("ZTPoisson", (3.5,), 0, 400, 500, 402), ("ZTPoisson", (3.5,), 0, 30, 40, 33),
              ("ZTNegBin", (3, 0.25), 2, 0.25, 9, 5),
              ("ZTPolya", (1e-9, 5), 3, 0.25, 0.75, 2), ("ZTBetaBinomial", (10, 2, 3), 1, 2, 0.875, 4),
              ("ZTBinomial", (1000, 0.01), 0, 1, 3, 2), ("ZTBetaGeometric", (3, 4), 2, 0.5, 1e9, 12)]
