@@ -78,7 +78,8 @@ class QuantileTable {
     struct Bin {
         int requests = 0;
         double centre = 0, per_unit = 0;
-        double smallest = HUGE_VAL;  // below it the polynomial cancels or is not precise
+        double smallest =
+            numerics::kNaN;  // below it the polynomial cancels or is not precise; NaN: it is not used
         Series coefficients = {};
     };
     using Octave = std::array<Bin, kBins>;
@@ -91,8 +92,9 @@ class QuantileTable {
         bin.centre = octave * (1 + (index + 0.5) / kBins);
         const double left_out = kTaylor ? expand(bin, upper) : interpolate(bin, upper, octave * 0.5 / kBins);
         const double x = std::fabs(bin.coefficients[0]);
-        // Squares of x and of its slope take part.
-        if (x > 1e-140 && x < 1e140) bin.smallest = std::max(x / 128, left_out);
+        // Squares of x and of its slope take part. Where they or higher coefficients leave the range of a double, so does
+        // what is left out.
+        if (x > 1e-140 && x < 1e140 && left_out <= x) bin.smallest = std::max(x / 128, left_out);
     }
 
     /// The Taylor series in (tail - centre)/centre, and the least value whose relative error is small enough.
