@@ -261,7 +261,9 @@ DoubleDouble BetaRatio::log_leading(bool of_lower, DoubleDouble p) const {
     const DoubleDouble& shift_b = of_lower ? shift_b_ : shift_a_;
     const DoubleDouble constant =
         add(extended_log(p), negated(extended_log(divide({density_factor_, 0}, {a, 0}))));
-    const DoubleDouble log_stretched = add(shift_a, divide(add(constant, multiply({b, 0}, shift_b)), {a, 0}));
+    // Of a shape next to 0 the quotient is too large for exact products, and then needs no more digits.
+    const DoubleDouble log_stretched =
+        add(shift_a, exact_quotient(add(constant, multiply({b, 0}, shift_b)), {a, 0}));
     const bool stretched = (of_lower ? stretch_x_ : stretch_y_) > 1;
     return stretched ? add(log_stretched, negated(log_stretch())) : log_stretched;
 }

@@ -114,8 +114,9 @@ BetaRatio::Scaled NoncentralBeta::sweep(Kind kind, double from, double to, doubl
         if (down) {
             w *= j / mean_;
             j -= 1;
-            g *= (aj - 1) / ((aj - 1 + b_) * x);
-            t += g / (aj - 1);
+            const double lowered = a_ + j;  // aj - 1 would be 0 once a small a has been lost in aj
+            g *= lowered / ((lowered + b_) * x);
+            t += g / lowered;
         } else {
             j += 1;
             w *= mean_ / j;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "distributions/family.h"
 #include "distributions/quantile_table.h"
@@ -269,13 +270,18 @@ struct Pearson6 : BetaOdds {
     }
 };
 
+/// The shape that belongs to degrees of freedom, which halving must not make 0.
+inline double shape_of(double degrees) {
+    return degrees > 0 ? std::max(0.5 * degrees, std::numeric_limits<double>::denorm_min()) : degrees;
+}
+
 /// Degrees of freedom nu1 > 0, nu2 > 0, any real numbers; support [0, inf): the ratio of two mean chi-squares,
 /// Pearson6(nu1/2, nu2/2, nu2/nu1).
 struct F : BetaOdds {
     double nu1, nu2;
 
     F(double nu1_, double nu2_)
-        : BetaOdds(0.5 * nu1_, 0.5 * nu2_, ScaledOdds(numerics::exact_quotient(nu2_, nu1_))),
+        : BetaOdds(shape_of(nu1_), shape_of(nu2_), ScaledOdds(numerics::exact_quotient(nu2_, nu1_))),
           nu1(nu1_),
           nu2(nu2_) {}
     Message check() const {

@@ -61,7 +61,7 @@ struct NCF : OfUnitVariable<ScaledOdds, numerics::NoncentralBeta>, SearchedQuant
     double nu1, nu2, ncp;
 
     NCF(double nu1_, double nu2_, double ncp_)
-        : OfUnitVariable{numerics::NoncentralBeta(0.5 * nu1_, 0.5 * nu2_, ncp_),
+        : OfUnitVariable{numerics::NoncentralBeta(shape_of(nu1_), shape_of(nu2_), ncp_),
                          ScaledOdds(numerics::exact_quotient(nu2_, nu1_)), nu1_ + nu2_ > 1e4},
           nu1(nu1_),
           nu2(nu2_),
