@@ -87,10 +87,15 @@ struct BetaSubj : BetaOnInterval {
           shape1_(shape1),
           shape2_(shape2) {}
 
+    /// mid - mode is half the difference of the mode's distances from the ends: on a narrow interval far from 0 the rounding
+    /// of mid itself would be most of it.
     static double first_shape(double min, double mode, double mean, double max) {
         const double mid = 0.5 * min + 0.5 * max;
         if (mode == mid && mean == mid) return 3;
-        return 2 * ((mean - min) / (max - min)) * ((mid - mode) / (mean - mode));
+        const numerics::DoubleDouble above = numerics::two_sum(0.5 * max, -0.5 * mode);
+        const numerics::DoubleDouble below = numerics::two_sum(0.5 * mode, -0.5 * min);
+        const double beyond_mode = numerics::add(above, numerics::negated(below)).hi;
+        return 2 * ((mean - min) / (max - min)) * (beyond_mode / (mean - mode));
     }
 
     double shape1_, shape2_;
