@@ -114,9 +114,9 @@ struct LogLocationScale {
         const double log_x = usable_ ? y + log_center : std::log(x);
         return standard.log_density(from_log(y)) - log_spread_ - log_x;
     }
-    /// Where the spread is not small the difference of two logarithms will do, one a value and no branch.
+    /// Where the density is not narrow the difference of two logarithms will do, one a value and no branch.
     double log_likelihood(std::span<const double> values) const {
-        if (usable_ && spread > 0.05) {
+        if (usable_ && spread * width_of_standard() > 0.05) {
             const double per_spread = 1 / spread;
             const double sum = numerics::sum_by_blocks(
                 values, [](double x) { return x; },
@@ -155,6 +155,13 @@ struct LogLocationScale {
                                                     : std::exp(log_center + exponent);
     }
 
+    /// Over which the standard density changes by a factor of about e.
+    double width_of_standard() const {
+        if constexpr (requires { standard.width(); })
+            return standard.width();
+        else
+            return 1;
+    }
     double from_log(double y) const { return std::isinf(y) ? y : y * rate_.hi + y * rate_.lo; }
     double log_to_center(double x) const {
         return usable_ ? numerics::log_ratio(x, center_) - center_rounding_ : std::log(x) - log_center;

@@ -29,6 +29,7 @@ class AsymmetricLaplace {
     double quantile(double p) const { return inverse(below_, above_, p); }
     double quantile_upper(double q) const { return -inverse(above_, below_, q); }
     double lower_rate() const { return below_.rate; }
+    double width() const { return 1 / std::max(below_.rate, above_.rate); }
 
   private:
     struct Branch {

@@ -60,6 +60,8 @@ struct StandardGeneralisedLogistic {
     double log_cumulative(double z) const { return -gamma * softplus(-z); }
     double log_density(double z) const { return log_gamma - gamma * softplus(-z) - softplus(z); }
     double log_likelihood(std::span<const double> z) const {
+        constexpr double kLargest = 1000;  // larger shapes would multiply the rounding of 1 + e^-|z|
+        if (gamma > kLargest) return sum_of_log_densities(*this, z);
         const double above = numerics::interleaved_sum(z, [](double v) { return v > 0 ? v : 0; }),
                      below = numerics::interleaved_sum(z, [](double v) { return v < 0 ? v : 0; });
         return static_cast<double>(z.size()) * log_gamma + gamma * below - above -
