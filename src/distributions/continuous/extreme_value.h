@@ -71,7 +71,7 @@ struct BoxCox {
     static double log_one_plus(numerics::DoubleDouble v) {
         if (std::fabs(v.hi) < 0.5) return numerics::log1p_fn(v.hi) + v.lo / (1 + v.hi);
         const numerics::DoubleDouble sum = numerics::add({1, 0}, v);
-        return sum.hi > 0 ? std::log(sum.hi) + sum.lo / sum.hi : -HUGE_VAL;
+        return sum.hi <= 0 ? -HUGE_VAL : std::log(sum.hi) + sum.lo / sum.hi;  // NaN stays NaN
     }
 };
 
