@@ -76,20 +76,27 @@ double Error::log_density(double x) const {
 
 double Error::log_likelihood(std::span<const double> values) const {
     const double inverse = 1 / (sigma * std::exp(nu_log_c_.hi / nu));
-    // Small powers do no harm to the digits of a sum.
+    // Small powers do no harm to the digits of a sum. The quotients must be in the range of normal numbers.
     const bool plain = nu < 8 && inverse > DBL_MIN && inverse < DBL_MAX;
-    const double powers =
-        plain ? sum_by_blocks(
-                    values, [=, this](double x) { return std::fabs(x - mu) * inverse; },
-                    [this](std::span<double> block) {
-                        log_each(block);
-                        return sum_of_exps(block, [this](double log) { return nu * log; });
-                    })
-              : interleaved_sum(values, [this](double x) { return scaled_exp(1, log_power(x)); });
+    const auto quotient = [=, this](double x) {
+        const double distance = std::fabs(x - mu), z = distance * inverse;
+        return (z >= DBL_MIN && z <= DBL_MAX) || distance == 0 ? z : kNaN;
+    };
+    double powers =
+        plain ? sum_by_blocks(values, quotient,
+                              [this](std::span<double> block) {
+                                  log_each(block);
+                                  return sum_of_exps(block, [this](double log) { return nu * log; });
+                              })
+              : kNaN;
+    if (!std::isfinite(powers))
+        powers = interleaved_sum(values, [this](double x) { return scaled_exp(1, log_power(x)); });
     return static_cast<double>(values.size()) * (log_peak_ - std::log(sigma)) - powers;
 }
 
+/// For nu next to 0 all but a vanishing part of the probability is nearer to mu than any double.
 double Error::distance(double q) const {
+    if (!(nu > 1e-300)) return 0;
     const double w = q < 0.5 ? gamma_upper_inverse(shape_, q) : gamma_lower_inverse(shape_, 1 - q);
     const double log = w > kTiny ? std::log(w) / nu : std::log(1 - q) + log_gamma_shape_;
     return std::exp(log + nu_log_c_.hi / nu);
