@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "boundary/core_api.h"
 #include "distributions/families.h"
@@ -29,7 +30,24 @@ struct Members {
     std::function<Tails(double)> tails_at;
     double truncated_cumulative, truncated_log_density;
     std::function<double(double)> truncated_quantile;
+    std::function<double()> likelihood_error;
 };
+
+/// How far the likelihood of 300 values, in whatever way the family sums it, is from the sum of its terms.
+template <class D>
+double likelihood_error(const D& d) {
+    std::vector<double> values;
+    for (int i = 1; i <= 300; ++i) values.push_back(quantile(d, i / 301.0));
+    double sum = 0, size = 1;
+    for (const double value : values) {
+        const double term = d.log_density(value);
+        sum += term;
+        size += std::fabs(term);
+    }
+    if (!std::isfinite(sum)) return 0;  // rounded to an end of the support
+    const double joint = log_likelihood(d, std::span<const double>(values));
+    return joint == sum ? 0 : error_of(std::fabs(joint - sum) / size);
+}
 
 using Evaluate = std::function<Members(const Parameters&, double x, const Modifiers&)>;
 
@@ -54,6 +72,7 @@ Members evaluate(const Parameters& p, double x, const Modifiers& given, std::ind
     m.truncated_log_density = joint_density(std::span(&x, 1), x, x, kept, Scale::natural_log);
     const Modifiers copy = given;
     m.truncated_quantile = [d, copy](double u) { return Truncated<D>(d, true, copy).quantile(u); };
+    m.likelihood_error = [d] { return likelihood_error(d); };
     return m;
 }
 
@@ -101,6 +120,28 @@ TEST(Families, AgreeWithTheirDefinition) {
         record.record(name + " quantile", inside > 4e-12 ? x_error : std::min(x_error, p_error), place);
     }
     record.report(kBound);
+}
+
+/// Once for each set of parameters: what does not need a reference.
+TEST(Families, KeepTheirLaws) {
+    Accuracy record;
+    std::string before;
+    for (const auto& row : tables("reference/families/values")) {
+        const std::string &name = row.at(0), place = name + " " + row.at(2);
+        if (place == before) continue;
+        before = place;
+        const Members m = families().at(name)(numbers(row[2]), number(row, 3), {});
+        if (m.discrete) continue;
+        record.record(name + " likelihood", m.likelihood_error(), 1e-13, row[2]);
+        // A percentile next to 1 has all digits of what is above it.
+        for (const double q : {0x1p-49, 0x1p-30, 0x1p-10, 0.125}) {
+            const double from_lower = m.quantile(1 - q), from_upper = m.quantile_upper(q);
+            const double p_error = relative_error(m.tails_at(from_lower).upper, q);
+            const double error = std::min(relative_error(from_lower, from_upper) / 0x1p-52 * 1e-13, p_error);
+            record.record(name + " quantile of 1 - q", error, 4e-13, row[2]);
+        }
+    }
+    record.report();
 }
 
 TEST(Families, KeepTheirDigitsWhenTruncated) {

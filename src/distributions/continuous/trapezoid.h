@@ -139,11 +139,14 @@ struct Trapezoid {
         if (level_mass_ == 0) return here.mass;
         return here.mass + level_height_ * (here.direction * Axis::distance(here.mode, x));
     }
+    /// Measured from the nearer end: 1 - tail is exact for tail > 1/2, and next to an end the distance from the other one
+    /// would round it away.
     double at_tail(const Stage& here, const Stage& beyond, double tail) const {
+        if (tail > 0.5) return at_tail(beyond, here, 1 - tail);
         if (tail < here.mass) return here.at_outside(tail);
         const double past = tail - here.mass;
         if (past < level_mass_) return Axis::move(here.mode, here.direction * past / level_height_);
-        return tail > 0.5 ? at_tail(beyond, here, 1 - tail) : beyond.at_inside(past - level_mass_);
+        return beyond.at_inside(past - level_mass_);
     }
     double log_height(double x) const {
         if (left.contains(x)) return left.log_density(x);
