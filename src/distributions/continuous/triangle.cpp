@@ -17,11 +17,18 @@ struct Flank {
         return k * gap / (k + std::sqrt(tail));
     }
     double reach_slope(double gap) const { return 1 - 0.5 * std::sqrt(tail / (tail + gap)); }
+    /// How far the tangent of reach passes below 0 at gap 0.
+    double bend(double gap) const {
+        const double k = std::sqrt(tail + gap), root = std::sqrt(tail), share = gap / (k + root);
+        return 0.5 * root / k * share * share;
+    }
     double width(double gap) const { return distance * ((tail + gap) / reach(gap)); }
 };
 
 /// The gap of `here`, at most half of `total`, where both flanks have widths proportional to their probabilities:
 /// beyond.distance here.reach(gap) = here.distance beyond.reach(total - gap). The left side rises from 0, the right side falls.
+/// The root of Newton's tangent is a sum of positive terms: between flanks of very different widths a difference from the last
+/// gap would leave nothing of it.
 double solve_gap(const Flank& here, const Flank& beyond, double total) {
     constexpr int kMaxSteps = 100;  // halvings reach 1e-30 of the total; Newton's steps need 5
     double lower = 0, upper = 0.5 * total, gap = upper;
@@ -30,9 +37,11 @@ double solve_gap(const Flank& here, const Flank& beyond, double total) {
         (excess > 0 ? upper : lower) = gap;
         const double slope =
             beyond.distance * here.reach_slope(gap) + here.distance * beyond.reach_slope(total - gap);
-        double next = gap - excess / slope;
+        double next = (here.distance * (beyond.reach(total - gap) + gap * beyond.reach_slope(total - gap)) +
+                       beyond.distance * here.bend(gap)) /
+                      slope;
+        if (std::fabs(next - gap) <= 4e-16 * gap) return next;
         if (!(next > lower && next < upper)) next = 0.5 * (lower + upper);
-        if (std::fabs(next - gap) <= 2e-16 * gap) return next;
         gap = next;
     }
     return gap;

@@ -50,11 +50,12 @@ def triangle_alt(low, mode, high, low_p, high_p):
         return (low - s * mode) / (1 - s), (high - t * mode) / (1 - t)
 
     below, above = low_p, high_p
-    for _ in range(300):
-        k = (below + above) / 2
+    with m.workdps(400):  # flanks of very different widths
+        for _ in range(700):
+            k = (below + above) / 2
+            a, b = ends(k)
+            below, above = (below, k) if (mode - a) / (b - a) < k else (k, above)
         a, b = ends(k)
-        below, above = (below, k) if (mode - a) / (b - a) < k else (k, above)
-    a, b = ends(k)
     return triangle(a, mode, b, (b - a) / 256)
 
 
@@ -85,14 +86,16 @@ def log_uniform(low, high):
 
 
 FAMILIES = {
-    "Triangle": (triangle, [(0, 1, 3), (-2, -2, 5), (-2, 5, 5)], [(0, 1e-10, 1e100), (-1e-100, 0, 2e-100), (-1, 0, 0)]),
+    "Triangle": (triangle, [(0, 1, 3), (-2, -2, 5), (-2, 5, 5)], [(0, 1e-10, 1e100), (-1e-100, 0, 2e-100), (-1, 0, 0),
+                                                                         (-1.5e308, -1e308, 1.5e308)]),
     "TriangleAlt": (triangle_alt, [(1, 2, 4, 0.1, 0.9), (-3, 0, 1, 0.25, 0.75)],
-                    [(-1e-100, 0, 1e-100, 1e-6, 1 - 2**-30), (-1, 0, 1e6, 0.1, 0.9), (-1e4, 0, 1, 0.4, 0.6)]),
+                    [(-1e-100, 0, 1e-100, 1e-6, 1 - 2**-30), (-1, 0, 1e6, 0.1, 0.9), (-1e4, 0, 1, 0.4, 0.6),
+                     (-1, 0, 1e78, 0.4, 0.51)]),
     "LogTriangle": (log_triangle, [(1, 2, 5), (2, 2, 3)], [(1e-100, 1, 1e100), (3, 1e10, 1e10)]),
     "SplitTriangle": (split_triangle, [(1, 2, 4, 0.1, 0.5, 0.9), (-3, 0, 1, 0, 0.75, 0.875)],
                       [(-1e-100, 0, 1e-100, 1e-6, 0.5, 1 - 2**-30), (-1, 0, 1e6, 0.125, 0.25, 0.9)]),
     "GTU": (gtu, [(0, 1, 2, 4, 2, 3), (0, 1, 1, 4, 1.5, 1), (0, 0, 2, 4, 3, 2), (0, 1, 2, 2, 2, 1)],
-            [(0, 1, 2, 4, 1e6, 1e3), (-1e100, 0, 0, 1e100, 1, 2)]),
+            [(0, 1, 2, 4, 1e6, 1e3), (-1e100, 0, 0, 1e100, 1, 2), (-1.5e308, -1e308, 1e308, 1.5e308, 1, 3)]),
     "LogUniform": (log_uniform, [(1, 10), (0.5, 2)], [(1e-100, 1e100), (1, 1.0000001)]),
     "Reciprocal": (log_uniform, [(1, 10)], [(1e-300, 1e300)]),
 }
