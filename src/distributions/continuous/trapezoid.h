@@ -15,18 +15,29 @@ struct Distances {
     double below, above;
 };
 
-/// Distances on the variable itself.
+/// Distances on the variable itself, in a unit in which the width of the support and its reciprocal are in the range of a
+/// double.
 struct LinearAxis {
-    static double distance(double from, double to) { return to - from; }
-    static double move(double from, double by) { return from + by; }
-    static Distances distances(double min, double x, double max, double) { return {x - min, max - x}; }
+    double unit = 1, per_unit = 1, log_unit = 0;
+
+    static LinearAxis over(double min, double max) {
+        return max - min > 0x1p960 ? LinearAxis{0x1p64, 0x1p-64, 64 * numerics::kLn2} : LinearAxis{};
+    }
+    double distance(double from, double to) const { return to * per_unit - from * per_unit; }
+    double move(double from, double by) const { return (from * per_unit + by) * unit; }
+    Distances distances(double min, double x, double max, double) const {
+        return {distance(min, x), distance(x, max)};
+    }
     /// ln of what one unit of x is on the axis.
-    static double log_slope(double) { return 0; }
-    static double sum_of_log_slopes(std::span<const double>) { return 0; }
+    double log_slope(double) const { return -log_unit; }
+    double sum_of_log_slopes(std::span<const double> values) const {
+        return -static_cast<double>(values.size()) * log_unit;
+    }
 };
 
 /// Distances on its logarithm, with the digits that the difference of two logarithms loses.
 struct LogAxis {
+    static LogAxis over(double, double) { return {}; }
     static double distance(double from, double to) { return numerics::log_ratio(to, from); }
     static double move(double from, double by) {
         const double half = std::exp(by / 2);  // e^by alone may be beyond the range
@@ -49,15 +60,17 @@ template <class Axis>
 struct PowerStage {
     double end, mode, power, mass;
     double direction;  // of the mode from the end: 1 or -1
+    Axis axis;
     double width, log_peak;
 
-    PowerStage(double end_, double mode_, double direction_, double power_, double mass_)
+    PowerStage(double end_, double mode_, double direction_, double power_, double mass_, Axis axis_ = {})
         : end(end_),
           mode(mode_),
           power(power_),
           mass(mass_),
           direction(direction_),
-          width(direction_ * Axis::distance(end_, mode_)),
+          axis(axis_),
+          width(direction_ * axis_.distance(end_, mode_)),
           log_peak(std::log(mass_ / width * power_)),
           square_(power_ == 2),
           square_width_(width / std::sqrt(mass_)) {}
@@ -65,13 +78,13 @@ struct PowerStage {
     bool contains(double x) const { return direction > 0 ? x < mode : x > mode; }
     /// The probability between the end and x.
     double outside(double x) const {
-        const double part = direction * Axis::distance(end, x) / width;
+        const double part = direction * axis.distance(end, x) / width;
         return mass * (square_ ? part * part : std::exp(power * log_position(x)));
     }
     double log_outside(double x) const { return std::log(mass) + power * log_position(x); }
     /// The probability between x and the mode.
     double inside(double x) const {
-        const double rest = direction * Axis::distance(x, mode) / width;
+        const double rest = direction * axis.distance(x, mode) / width;
         return mass * (square_ ? rest * (2 - rest) : -numerics::expm1_fn(power * log_position(x)));
     }
     double log_density(double x) const {
@@ -79,24 +92,24 @@ struct PowerStage {
     }
     /// The inverses of outside and inside.
     double at_outside(double tail) const {
-        return square_ ? Axis::move(end, direction * square_width_ * std::sqrt(tail))
+        return square_ ? axis.move(end, direction * square_width_ * std::sqrt(tail))
                        : at_log_position(std::log(tail / mass) / power);
     }
     double at_inside(double tail) const {
         const double part = std::min(tail / mass, 1.0);
-        return square_ ? Axis::move(mode, -direction * width * part / (1 + std::sqrt(1 - part)))
+        return square_ ? axis.move(mode, -direction * width * part / (1 + std::sqrt(1 - part)))
                        : at_log_position(numerics::log1p_fn(-part) / power);
     }
 
   private:
     double log_position(double x) const {
-        const double from_end = direction * Axis::distance(end, x);
-        const double from_mode = direction * Axis::distance(x, mode);
+        const double from_end = direction * axis.distance(end, x);
+        const double from_mode = direction * axis.distance(x, mode);
         return from_end < from_mode ? std::log(from_end / width) : numerics::log1p_fn(-from_mode / width);
     }
     double at_log_position(double log) const {
-        return log < -numerics::kLn2 ? Axis::move(end, direction * width * std::exp(log))
-                                     : Axis::move(mode, direction * width * numerics::expm1_fn(log));
+        return log < -numerics::kLn2 ? axis.move(end, direction * width * std::exp(log))
+                                     : axis.move(mode, direction * width * numerics::expm1_fn(log));
     }
 
     bool square_;
@@ -109,12 +122,14 @@ template <class Axis>
 struct Trapezoid {
     using Stage = PowerStage<Axis>;
     Stage left, right;
+    Axis axis;
 
     Trapezoid(const Stage& left_, double level_mass, const Stage& right_)
         : left(left_),
           right(right_),
+          axis(left_.axis),
           level_mass_(level_mass),
-          level_height_(level_mass / Axis::distance(left_.mode, right_.mode)) {}
+          level_height_(level_mass / axis.distance(left_.mode, right_.mode)) {}
 
     Support support() const { return {left.end, right.end}; }
     std::optional<double> point_mass() const {
@@ -127,7 +142,7 @@ struct Trapezoid {
         const double upper = survival(x);
         return upper < 0.5 ? numerics::log1p_fn(-upper) : std::log(cumulative(x));
     }
-    double log_density(double x) const { return log_height(x) + Axis::log_slope(x); }
+    double log_density(double x) const { return log_height(x) + axis.log_slope(x); }
     double quantile(double p) const { return at_tail(left, right, p); }
     double quantile_upper(double q) const { return at_tail(right, left, q); }
 
@@ -137,7 +152,7 @@ struct Trapezoid {
         if (here.contains(x)) return here.outside(x);
         if (beyond.contains(x)) return here.mass + level_mass_ + beyond.inside(x);
         if (level_mass_ == 0) return here.mass;
-        return here.mass + level_height_ * (here.direction * Axis::distance(here.mode, x));
+        return here.mass + level_height_ * (here.direction * axis.distance(here.mode, x));
     }
     /// Measured from the nearer end: 1 - tail is exact for tail > 1/2, and next to an end the distance from the other one
     /// would round it away.
@@ -145,7 +160,7 @@ struct Trapezoid {
         if (tail > 0.5) return at_tail(beyond, here, 1 - tail);
         if (tail < here.mass) return here.at_outside(tail);
         const double past = tail - here.mass;
-        if (past < level_mass_) return Axis::move(here.mode, here.direction * past / level_height_);
+        if (past < level_mass_) return axis.move(here.mode, here.direction * past / level_height_);
         return beyond.at_inside(past - level_mass_);
     }
     double log_height(double x) const {

@@ -15,22 +15,27 @@ struct TriangleOn : Trapezoid<Axis> {
     static constexpr bool kEndsFirst = true;
 
     TriangleOn(double min_, double mode_, double max_)
-        : Trapezoid<Axis>({min_, mode_, 1, 2, Axis::distance(min_, mode_) / Axis::distance(min_, max_)}, 0,
-                          {max_, mode_, -1, 2, Axis::distance(mode_, max_) / Axis::distance(min_, max_)}),
-          min(min_),
-          mode(mode_),
-          max(max_) {}
+        : TriangleOn(min_, mode_, max_, Axis::over(min_, max_)) {}
 
     /// The lower of the two lines is the density; a flank of width 0 has none (fmin passes over 0/0).
     double log_likelihood(std::span<const double> values) const {
-        const double length = Axis::distance(min, max);
+        const double length = this->axis.distance(min, max);
         const double heights = numerics::sum_of_logs(values, [=, this](double x) {
-            const auto [below, above] = Axis::distances(min, x, max, length);
+            const auto [below, above] = this->axis.distances(min, x, max, length);
             return std::fmin(below / std::fabs(this->left.width), above / std::fabs(this->right.width));
         });
         return heights + static_cast<double>(values.size()) * std::log(2 / length) +
-               Axis::sum_of_log_slopes(values);
+               this->axis.sum_of_log_slopes(values);
     }
+
+  private:
+    TriangleOn(double min_, double mode_, double max_, const Axis& along)
+        : Trapezoid<Axis>(
+              {min_, mode_, 1, 2, along.distance(min_, mode_) / along.distance(min_, max_), along}, 0,
+              {max_, mode_, -1, 2, along.distance(mode_, max_) / along.distance(min_, max_), along}),
+          min(min_),
+          mode(mode_),
+          max(max_) {}
 };
 
 /// min <= mode <= max; all equal are a point mass. Support [min, max]; the density rises and falls linearly.
@@ -118,8 +123,7 @@ struct SplitTriangle : Trapezoid<LinearAxis> {
 /// min = max is a point mass.
 struct GTU : Trapezoid<LinearAxis> {
     GTU(double min, double leftmode, double rightmode, double max, double m, double n)
-        : GTU(min, leftmode, rightmode, max, m, n,
-              1 / ((leftmode - min) / m + (rightmode - leftmode) + (max - rightmode) / n)) {}
+        : GTU(min, leftmode, rightmode, max, m, n, LinearAxis::over(min, max)) {}
     Message check() const {
         if (!(left.end <= left.mode)) return "Error: min must be <= leftmode";
         if (!(left.mode <= right.mode)) return "Error: leftmode must be <= rightmode";
@@ -130,9 +134,16 @@ struct GTU : Trapezoid<LinearAxis> {
     }
 
   private:
-    GTU(double min, double leftmode, double rightmode, double max, double m, double n, double height)
-        : Trapezoid({min, leftmode, 1, m, (leftmode - min) / m * height}, (rightmode - leftmode) * height,
-                    {max, rightmode, -1, n, (max - rightmode) / n * height}) {}
+    GTU(double min, double leftmode, double rightmode, double max, double m, double n,
+        const LinearAxis& along)
+        : GTU(min, leftmode, rightmode, max, m, n, along,
+              1 / (along.distance(min, leftmode) / m + along.distance(leftmode, rightmode) +
+                   along.distance(rightmode, max) / n)) {}
+    GTU(double min, double leftmode, double rightmode, double max, double m, double n,
+        const LinearAxis& along, double height)
+        : Trapezoid({min, leftmode, 1, m, along.distance(min, leftmode) / m * height, along},
+                    along.distance(leftmode, rightmode) * height,
+                    {max, rightmode, -1, n, along.distance(rightmode, max) / n * height, along}) {}
 };
 
 /// Level on the logarithm: F = ln(x/min)/ln(max/min).

@@ -5,7 +5,7 @@
 
 namespace pral {
 
-/// min <= max; equal, they are a point mass.
+/// min <= max; equal, they are a point mass. Where the width is beyond the range of a double, distances are halved.
 struct Uniform {
     double min, max;
     static constexpr bool kEndsFirst = true;
@@ -17,16 +17,23 @@ struct Uniform {
     Support support() const { return {min, max}; }
     std::optional<double> point_mass() const { return min == max ? std::optional(min) : std::nullopt; }
 
-    double cumulative(double x) const { return (x - min) / (max - min); }
-    double survival(double x) const { return (max - x) / (max - min); }
-    double log_density(double) const { return -std::log(max - min); }
+    double cumulative(double x) const { return distance(min, x) / distance(min, max); }
+    double survival(double x) const { return distance(x, max) / distance(min, max); }
+    double log_density(double) const {
+        return -std::log(distance(min, max)) - (is_wide() ? numerics::kLn2 : 0);
+    }
     double log_likelihood(std::span<const double> values) const {
-        return -static_cast<double>(values.size()) * std::log(max - min);
+        return static_cast<double>(values.size()) * log_density(min);
     }
     double log_likelihood(const Sample& x) const { return x.count() * log_density(x.mean()); }
 
-    double quantile(double p) const { return min + (max - min) * p; }
-    double quantile_upper(double q) const { return max - (max - min) * q; }
+    double quantile(double p) const { return moved(min, distance(min, max) * p); }
+    double quantile_upper(double q) const { return moved(max, -(distance(min, max) * q)); }
+
+  private:
+    bool is_wide() const { return max - min > DBL_MAX; }
+    double distance(double from, double to) const { return is_wide() ? 0.5 * to - 0.5 * from : to - from; }
+    double moved(double from, double by) const { return is_wide() ? 2 * (0.5 * from + by) : from + by; }
 };
 
 }  // namespace pral

@@ -24,7 +24,7 @@ def expon(beta):
 # Family: (definition, ordinary parameter sets, extreme parameter sets)
 FAMILIES = {
     "Normal": (normal, [(0, 1), (3, 2)], [(-1e6, 0.125), (1e-100, 1e-100), (0, 1e100), (1e8, 1e-3)]),
-    "Uniform": (uniform, [(0, 1), (-3, 5)], [(1e-100, 2e-100), (-1e100, 1e100)]),
+    "Uniform": (uniform, [(0, 1), (-3, 5)], [(1e-100, 2e-100), (-1e100, 1e100), (-1.5e308, 1.5e308)]),
     "Expon": (expon, [(1,), (0.25,), (1e6,)], [(1e-100,), (1e100,)]),
 }
 
