@@ -141,6 +141,8 @@ FAMILIES = [
     ("CumulD", 0, 10, [2, 5, 7], [0.8, 0.4, 1e-18]),
     ("Histogram", 0, 4, [1, 2, 3, 4]),
     ("Histogram", -1, 1.5, [0, 1e-17, 3, 0, 2]),
+    ("Histogram", 1e9, 1e9 + 1, [1, 1, 1]),            # far from 0 the edges are no doubles
+    ("Histogram", 1e15, 1e15 + 1, [1, 2, 1]),
     ("Relative", 0, 1, [0.5], [1]),
     ("Relative", 0, 10, [0, 2, 5, 10], [1, 3, 3, 0.5]),
     ("Relative", -2, 6, [-1, 0, 1, 3, 5], [1e-12, 4, 4, 0, 1e-9]),
@@ -234,8 +236,11 @@ PORTFOLIOS = [
     ([0.1], [80.0], None),
     ([0.375], [60.0], None),                          # amplification 1e11: convolution
     ([0.5, 1.0, 0.0], [1, 1, 2, 1, 9, 9], None),      # certain claims of 4 units
-    ([0.25], [0, 2], None),                           # only even amounts: ends at the first odd one beyond the mean
+    ([0.25], [0, 2], None),                           # only even amounts
     ([0.75, 0.0625], [1, 0, 0, 0, 0, 0, 0, 3], None),  # a gap below the mean
+    ([0.125], [0, 0, 0, 0, 2, 0, 0, 0, 0, 3], None),   # gaps beyond the mean
+    ([0.375], [0, 0, 20, 0, 20], None),               # the same by convolution
+    ([0.0625], [0, 2, 0, 0, 3], 2),
     ([0.0625, 0.125], [3, 1, 2, 2], 1),
     ([0.125], [5, 4], 3),
 ]
@@ -260,10 +265,14 @@ def claims(q, policies, order):
             g[0] *= (1 - p) ** n
         h = lambda j, k: j * (-1) ** (k - 1) * sum(n * (p / (1 - p)) ** k for p, i, n in kinds if i == j)
         table = {(j, k): h(j, k) for j in range(1, amounts + 1) for k in range(1, order + 1)}
-        while len(g) < 60 and not (g[-1] <= 0 and len(g) - 1 > mean):
+        row, largest = 0, max(j for _, j, _ in kinds)
+        while len(g) < 60 * largest and row < largest:
             s = len(g)
             g.append(sum(c * g[s - j * k] for (j, k), c in table.items() if j * k <= s) / s)
-    end = next((s for s in range(len(g)) if s > mean and g[s] <= 0), len(g))
+            if s > mean:
+                g[s] = max(g[s], Q(0))
+                row = row + 1 if g[s] == 0 else 0
+    end = max(s for s in range(len(g)) if g[s] > 0) + 1
     return certain, g[:end] + [Q(0)]
 
 

@@ -26,18 +26,6 @@ double moderating_factor(double largest) {
     return largest > 0x1p200 ? 0x1p-600 : largest < 0x1p-200 ? 0x1p600 : 1;
 }
 
-/// The edges of bars; of an interval too wide for its width to be multiplied, the shares are taken of either end.
-std::vector<double> edges(double min, double max, std::size_t bars) {
-    std::vector<double> x(bars + 1);
-    const double width = max - min, count = static_cast<double>(bars);
-    for (std::size_t i = 0; i <= bars; ++i) {
-        const double part = static_cast<double>(i) / count;
-        x[i] = width < 0x1p960 ? min + width * static_cast<double>(i) / count : min * (1 - part) + max * part;
-    }
-    x.back() = max;
-    return x;
-}
-
 Message object_to_polygon(double min, double max, const double* values, int n, const double* weights, int m) {
     const auto x = data::view(values, n), heights = data::view(weights, m);
     if (data::missing(values, n)) return data::kNullValues;
@@ -53,13 +41,15 @@ Message object_to_polygon(double min, double max, const double* values, int n, c
     return nullptr;
 }
 
-data::CheckedSegments<data::Level> histogram(double min, double max, const double* f, int n) {
+data::CheckedSegments<data::Level, data::EvenSegments> histogram(double min, double max, const double* f,
+                                                                 int n) {
     min = numerics::finite_or_limit(min);
     max = numerics::finite_or_limit(max);
     if (const Message objection = object_to_heights(min, max, f, n)) return {{}, objection};
     const auto heights = data::view(f, n);
     auto masses = data::scaled_copy(heights, moderating_factor(*std::ranges::max_element(heights)));
-    return {{data::knots_of_masses(edges(min, max, heights.size()), std::move(masses)), {}}, nullptr};
+    return {{data::EvenSegments(min, max, heights.size()), data::knots_of_masses({}, std::move(masses)), {}},
+            nullptr};
 }
 
 data::Sloped::Ends relative_ends(double left, double right) {

@@ -6,7 +6,7 @@
 namespace pral {
 
 /// n bars of equal width on [min, max], min < max, with heights proportional to f (each >= 0, not all 0).
-struct Histogram : data::CheckedSegments<data::Level> {
+struct Histogram : data::CheckedSegments<data::Level, data::EvenSegments> {
     Histogram(double min, double max, const double* f, int n);
 };
 

@@ -8,6 +8,7 @@
 
 #include "distributions/data/tables.h"
 #include "distributions/family.h"
+#include "numerics/double_double.h"
 
 namespace pral::data {
 
@@ -63,40 +64,134 @@ struct Sloped {
     }
 };
 
+/// Where segments lie: between neighbouring knots.
+class BetweenKnots {
+  public:
+    BetweenKnots() = default;
+    explicit BetweenKnots(std::vector<double> x) : x_(std::move(x)) {
+        if (!(x_.back() - x_.front() <= numerics::kInfinity)) scale_ = 0.5;
+    }
+
+    double front() const { return x_.front(); }
+    double back() const { return x_.back(); }
+    /// The segment of positive width that holds an x of the support, and begins there if any does.
+    std::size_t segment_at(double x) const {
+        const auto above =
+            x < x_.back() ? std::ranges::upper_bound(x_, x) : std::ranges::lower_bound(x_, x_.back());
+        return static_cast<std::size_t>(std::max<std::ptrdiff_t>(above - x_.begin(), 1)) - 1;
+    }
+    /// The width of a segment is width(i)/scale(), and x stands at these parts of it, from below and from above.
+    double scale() const { return scale_; }
+    double width(std::size_t i) const { return x_[i + 1] * scale_ - x_[i] * scale_; }
+    double position(std::size_t i, double x) const { return (x * scale_ - x_[i] * scale_) / width(i); }
+    double position_above(std::size_t i, double x) const {
+        return (x_[i + 1] * scale_ - x * scale_) / width(i);
+    }
+    double at(std::size_t i, double position) const {
+        return std::min((x_[i] * scale_ + width(i) * position) / scale_, x_[i + 1]);
+    }
+    double at_above(std::size_t i, double position) const {
+        return std::max((x_[i + 1] * scale_ - width(i) * position) / scale_, x_[i]);
+    }
+
+  private:
+    std::vector<double> x_;
+    double scale_ = 1;  // 1/2 where the width of the support is not in the range of a double
+};
+
+/// Segments of equal width. Their edges need not be doubles: far from 0 a rounded edge would change the widths on both
+/// sides of it.
+class EvenSegments {
+  public:
+    EvenSegments() = default;
+    EvenSegments(double min, double max, std::size_t count)
+        : min_(min),
+          max_(max),
+          count_(static_cast<double>(count)),
+          scale_(max - min > 0x1p960    ? 0x1p-64
+                 : max - min < 0x1p-900 ? 0x1p200
+                                        : 1),
+          support_width_(numerics::two_sum(max * scale_, -min * scale_)),
+          width_(support_width_.hi / count_) {}
+
+    double front() const { return min_; }
+    double back() const { return max_; }
+    std::size_t segment_at(double x) const {
+        return static_cast<std::size_t>(std::clamp(segments_to(x).hi, 0.0, count_ - 1));
+    }
+    double scale() const { return scale_; }
+    double width(std::size_t) const { return width_; }
+    double position(std::size_t i, double x) const {
+        const numerics::DoubleDouble to = segments_to(x);
+        return std::clamp((to.hi - static_cast<double>(i)) + to.lo, 0.0, 1.0);
+    }
+    double position_above(std::size_t i, double x) const {
+        const numerics::DoubleDouble to = segments_to(x);
+        return std::clamp((static_cast<double>(i + 1) - to.hi) - to.lo, 0.0, 1.0);
+    }
+    double at(std::size_t i, double position) const {
+        return std::min(moved(min_, static_cast<double>(i), position, 1), max_);
+    }
+    double at_above(std::size_t i, double position) const {
+        return std::max(moved(max_, count_ - 1 - static_cast<double>(i), position, -1), min_);
+    }
+
+  private:
+    /// How many segments lie between the lower end and x.
+    numerics::DoubleDouble segments_to(double x) const {
+        const numerics::DoubleDouble from_min = numerics::two_sum(x * scale_, -min_ * scale_);
+        return numerics::exact_quotient(numerics::multiply(from_min, {count_, 0}), support_width_);
+    }
+    /// The point that lies segments + part of them from an end; with all digits where the sum would cancel.
+    double moved(double end, double segments, double part, double direction) const {
+        const double x = (end * scale_ + direction * width_ * (segments + part)) / scale_;
+        if (std::fabs(x) >= std::fabs(end) / 16) return x;
+        const numerics::DoubleDouble share =
+            numerics::divide(numerics::two_sum(segments, part), {direction * count_, 0});
+        return numerics::add({end * scale_, 0}, numerics::multiply(support_width_, share)).hi / scale_;
+    }
+
+    double min_ = 0, max_ = 0, count_ = 0;
+    double scale_ = 1;  // another one where products of the width would leave the range of a double
+    numerics::DoubleDouble support_width_ = {};
+    double width_ = 0;
+};
+
 /// The functions of a family with knots. Where segments meet, the density is that of the segment above; at the upper end
 /// of the support, that of the last one.
-template <class Shape>
+template <class Shape, class Places = BetweenKnots>
 class Segments {
   public:
     Segments() = default;
-    Segments(Knots knots, Shape shape) : knots_(std::move(knots)), shape_(std::move(shape)) {
-        if (!(knots_.x.back() - knots_.x.front() <= numerics::kInfinity)) scale_ = 0.5;
-    }
+    Segments(Knots knots, Shape shape)
+        : places_(std::move(knots.x)), knots_(std::move(knots)), shape_(std::move(shape)) {}
+    /// `knots` without their x.
+    Segments(Places places, Knots knots, Shape shape)
+        : places_(std::move(places)), knots_(std::move(knots)), shape_(std::move(shape)) {}
 
-    bool empty() const { return knots_.x.empty(); }
-    Support support() const { return empty() ? kReals : Support{knots_.x.front(), knots_.x.back()}; }
+    bool empty() const { return knots_.rise.empty(); }
+    Support support() const { return empty() ? kReals : Support{places_.front(), places_.back()}; }
     std::optional<double> point_mass() const { return std::nullopt; }
 
     double cumulative(double x) const {
         if (std::isnan(x)) return x;
-        const std::size_t i = segment_at(x);
-        const double part = shape_.part(i, position_in(i, x));
-        return std::min(knots_.lower[i] + knots_.rise[i] * part, 1.0);
+        const std::size_t i = places_.segment_at(x);
+        return std::min(knots_.lower[i] + knots_.rise[i] * shape_.part(i, places_.position(i, x)), 1.0);
     }
     double survival(double x) const {
         if (std::isnan(x)) return x;
-        const std::size_t i = segment_at(x);
-        const double part = shape_.part_above(i, (knots_.x[i + 1] * scale_ - x * scale_) / width(i));
+        const std::size_t i = places_.segment_at(x);
+        const double part = shape_.part_above(i, places_.position_above(i, x));
         return std::min(knots_.upper[i + 1] + knots_.rise[i] * part, 1.0);
     }
     double log_density(double x) const {
         if (std::isnan(x)) return x;
-        const std::size_t i = segment_at(x);
-        const double position = position_in(i, x);
-        const double probability = knots_.rise[i] * shape_.height(i, position);
-        const double density = probability / width(i) * scale_;
+        const std::size_t i = places_.segment_at(x);
+        const double width = places_.width(i), scale = places_.scale();
+        const double probability = knots_.rise[i] * shape_.height(i, places_.position(i, x));
+        const double density = probability / width * scale;
         const bool in_range = density >= DBL_MIN && density <= numerics::kInfinity;
-        return in_range ? std::log(density) : std::log(probability) - std::log(width(i)) + std::log(scale_);
+        return in_range ? std::log(density) : std::log(probability) - std::log(width) + std::log(scale);
     }
 
     /// From the smaller tail: 1 - p is exact for p > 1/2. The first x where the cumulative reaches p, so that a percentile on
@@ -124,38 +219,23 @@ class Segments {
     }
 
   private:
-    double width(std::size_t i) const { return knots_.x[i + 1] * scale_ - knots_.x[i] * scale_; }
-    double position_in(std::size_t i, double x) const {
-        return (x * scale_ - knots_.x[i] * scale_) / width(i);
-    }
-
-    /// The segment of positive width that holds an x of the support, and begins there if any does.
-    std::size_t segment_at(double x) const {
-        const auto& knots = knots_.x;
-        const auto above = x < knots.back() ? std::ranges::upper_bound(knots, x)
-                                            : std::ranges::lower_bound(knots, knots.back());
-        return static_cast<std::size_t>(std::max<std::ptrdiff_t>(above - knots.begin(), 1)) - 1;
-    }
-
     double from_below(std::size_t i, double p) const {
         const double part = std::min((p - knots_.lower[i]) / knots_.rise[i], 1.0);
-        const double x = (knots_.x[i] * scale_ + width(i) * shape_.position(i, part)) / scale_;
-        return std::min(x, knots_.x[i + 1]);
+        return places_.at(i, shape_.position(i, part));
     }
     double from_above(std::size_t i, double q) const {
         const double part = std::clamp((q - knots_.upper[i + 1]) / knots_.rise[i], 0.0, 1.0);
-        const double x = (knots_.x[i + 1] * scale_ - width(i) * shape_.position_above(i, part)) / scale_;
-        return std::max(x, knots_.x[i]);
+        return places_.at_above(i, shape_.position_above(i, part));
     }
 
+    Places places_;
     Knots knots_;
     Shape shape_;
-    double scale_ = 1;  // 1/2 where the width of the support is not in the range of a double
 };
 
 /// The same with what there is to object to the table; without segments where there is something.
-template <class Shape>
-struct CheckedSegments : Segments<Shape> {
+template <class Shape, class Places = BetweenKnots>
+struct CheckedSegments : Segments<Shape, Places> {
     Message objection = nullptr;
     Message check() const { return objection; }
 };
