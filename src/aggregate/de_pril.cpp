@@ -39,6 +39,7 @@ struct Risk {
     std::vector<double> q;
     std::vector<double> policies;  // by amount: policies[(j - 1) * q.size() + i]
     std::size_t amounts;
+    std::size_t largest = 0;  // the largest claim that a policy can make
     double mean = 0, total = 0;
 
     std::span<const double> of_amount(std::size_t j) const {
@@ -69,8 +70,10 @@ Risk without_certainties(const Portfolio& portfolio, double& certain) {
         for (const std::size_t i : kept) {
             const double n = portfolio.count(i, j);
             risk.policies.push_back(n);
+            if (n == 0) continue;  // nothing, however large q is
             risk.mean += static_cast<double>(j) * portfolio.q[i] * n;
             risk.total += static_cast<double>(j) * n;
+            risk.largest = j;
         }
     }
     return risk;
@@ -210,20 +213,30 @@ void recursion(const Risk& risk, std::size_t order, AggregateClaims& claims) {
     auto& g = claims.probabilities;
     g = {kStart * sign_of_first(risk)};
     double largest = std::fabs(g[0]), work = 0;
-    for (std::size_t s = 1;; ++s) {
+    std::size_t first = 0;  // before it all values are 0
+    for (std::size_t s = 1, row = 0;; ++s) {
         const bool possible = !exact || (static_cast<double>(s) <= risk.total && attainable(s));
         double next = possible ? coefficients.step(g) / static_cast<double>(s) : 0;
         if (!(std::fabs(next) <= 1e300)) break;
         const bool negligible = std::fabs(next) < kSmallest * largest;
         if (negligible || (next < 0 && next > -1e-10 * largest)) next = 0;
-        const bool last = next <= 0 && static_cast<double>(s) > risk.mean;
-        g.push_back(last ? 0 : next);
-        if (last) return;
+        // Beyond the mean a row of amounts without probability ends the table once no claim reaches over it.
+        const bool beyond_mean = static_cast<double>(s) > risk.mean;
+        if (beyond_mean) next = std::max(next, 0.0);
+        g.push_back(next);
+        row = beyond_mean && next == 0 ? row + 1 : 0;
+        if (row == risk.largest || (row > 0 && exact && static_cast<double>(s) > risk.total)) {
+            g.resize(s + 2 - row);
+            return;
+        }
         largest = std::max(largest, std::fabs(next));
         if (largest > kTooHigh) {
-            for (double& probability : g) probability = flushed(probability * kLowered);
+            // What earlier times have lowered to 0 is passed over: a long table is lowered often.
+            while (g[first] == 0) ++first;
+            for (double& probability : std::span(g).subspan(first))
+                probability = flushed(probability * kLowered);
             largest *= kLowered;
-            work += static_cast<double>(g.size());
+            work += static_cast<double>(g.size() - first);
         }
         work += static_cast<double>(coefficients.terms(s));
         if (s >= kMostAmounts || work > kMostWork) {
@@ -319,9 +332,6 @@ void convolution(const Risk& risk, AggregateClaims& claims) {
     g.assign(total.first, 0.0);
     g.insert(g.end(), total.p.begin(), total.p.end());
     g.push_back(0);
-    auto s = std::min(static_cast<std::size_t>(risk.mean) + 1, g.size() - 1);
-    while (g[s] > 0) ++s;
-    g.resize(s + 1);
 }
 
 }  // namespace

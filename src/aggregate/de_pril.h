@@ -33,9 +33,10 @@ struct AggregateClaims {
 ///   s g(s) = sum over t = 1 .. s of H(t) g(s - t),    g(0) = product of (1 - q_i)^n_ij
 ///   H(t) = sum over j k = t, k <= order, of j (-1)^(k-1) sum over i of n_ij (q_i/(1 - q_i))^k
 ///
-/// H is folded once, so that a step is one scalar product. The table ends at the first s beyond the mean with g(s) <= 0,
-/// where g(s) counts as 0. Without a limit of the order that is decided exactly: an amount that no set of policies adds
-/// up to has probability 0, and the others do not, whatever rounding says. Policies with q = 1, whose ratio would be
+/// H is folded once, so that a step is one scalar product. Beyond the mean g(s) < 0 counts as 0, and the table ends
+/// where no larger amount can come: after as many values of 0 in a row as the largest claim has units, or at the total; the
+/// first of the row is its last entry. Without a limit of the order zeros are decided exactly: an amount that no set of
+/// policies adds up to has probability 0, and the others do not, whatever rounding says. Policies with q = 1, whose ratio would be
 /// infinite, are taken out first (`certain`); those with q = 0 never claim.
 ///
 /// The signs of H alternate. Rounding errors grow as the sum of the recursion over absolute values does: by up to

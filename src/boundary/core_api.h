@@ -257,9 +257,10 @@ PRAL_API bool PralMarkovSampleVB_Core(SAFEARRAY** out, const double* population,
  * units: q[i], i < m, is the claim probability of class i, in [0,1]; policies[i c + j] counts the policies of class i
  * whose claim amounts to j + 1 units, j < c; base > 0 is the unit. The probabilities g(0), g(1), ... of 0, 1, ... units
  * follow De Pril's recursion (1986), in which *K >= 1, when given and not 0, limits the order of the inner sum: faster
- * and less accurate. The table ends at the first amount beyond the mean whose probability is not positive. Policies
- * with q = 1 are certain: their claims are added to those of the others. The tables used last are kept from call to
- * call: 4,096 of them, as many as fit into 64 MB, and the latest one in any case. A call during another one fails with
+ * and less accurate. The table ends beyond the mean, where no larger amount can come: at the first of as many amounts
+ * without probability in a row as the largest claim has units, or at the total. Policies with q = 1 are certain: their
+ * claims are added to those of the others. The tables used last are kept from call to call: 4,096 of them, as many as
+ * fit into 64 MB, and the latest one in any case. A call during another one fails with
  * "Error: another aggregate is being computed, and calls must not overlap".
  *
  * The amount is told as a continuous variable: base times a variable whose density is the polygon through (s, g(s)),

@@ -143,6 +143,8 @@ TEST(DePril, RefusesInOrder) {
         {{{0.5}, {1e300}}, "Error: the portfolio is too large"},
         {{{0.5}, {1e300}, 1, 2}, "Error: the portfolio is too large"},
         {{{0.999}, {400}, 1, 350}, "Error: the recursion leaves the range of numbers"},
+        // A huge q says nothing about the amounts that no policy has.
+        {{{DBL_MAX, 0.1}, {1, 0, 2, 3}}, "Error: the portfolio is too large"},
     };
     for (const auto& row : rows) EXPECT_EQ(row.book.refusal(), row.message);
     double out = 7, q = 0.5;
