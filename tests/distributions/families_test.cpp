@@ -23,7 +23,7 @@ using namespace pral::test;
 /// A family's members with its type forgotten.
 struct Members {
     Tails tails;
-    double log_density, log_cumulative;
+    double log_density, log_likelihood, log_cumulative;
     bool discrete, approximate = false;
     double last_percentile = 1;  // above it the quantile is an end of the support
     std::function<double(double)> quantile, quantile_upper;
@@ -58,6 +58,7 @@ Members evaluate(const Parameters& p, double x, const Modifiers& given, std::ind
     Members m;
     m.tails = tails(d, x);
     m.log_density = d.log_density(x);
+    m.log_likelihood = log_likelihood(d, std::span<const double>(&x, 1));
     m.discrete = requires { D::kDiscrete; };
     if constexpr (requires { d.approximates(); }) m.approximate = d.approximates();
     if constexpr (requires { d.pi; }) m.approximate = d.base.support().lower < 0;  // its zeros come first
@@ -107,6 +108,11 @@ TEST(Families, AgreeWithTheirDefinition) {
         record.record(name + " cumulative", relative_error(m.tails.lower, lower), place);
         record.record(name + " survival", relative_error(m.tails.upper, upper), place);
         record.record(name + " log density", scaled_error(m.log_density, log), place);
+        // Sums over many values take ln x off as a whole, and keep the digits of the larger of the two.
+        const double size = std::max({1.0, std::fabs(log), x == 0 ? 0 : std::fabs(std::log(std::fabs(x)))});
+        const double missing =
+            m.log_likelihood == log ? 0 : error_of(std::fabs(m.log_likelihood - log) / size);
+        record.record(name + " log likelihood", missing, place);
         const double log_lower = upper < 0.5 ? std::log1p(-upper) : std::log(lower);
         record.record(name + " log cumulative", relative_error(m.log_cumulative, log_lower), place);
         if (m.approximate || lower >= m.last_percentile) continue;
