@@ -9,8 +9,10 @@ add_library(pral::pral_core ALIAS pral_core)
 pral_link_subsystems(pral_core ${subsystems})
 target_link_libraries(pral_core PRIVATE GSL::gsl ALGLIB::ALGLIB)
 # In the build tree the public headers are found by the names that they have once installed.
-foreach(header core_api.h automation.h)
-  configure_file("${PROJECT_SOURCE_DIR}/src/boundary/${header}" "${PROJECT_BINARY_DIR}/include/pral_core/${header}" COPYONLY)
+set(public_headers src/boundary/core_api.h src/boundary/automation.h src/objects/objects.h src/objects/objects.hpp)
+foreach(header IN LISTS public_headers)
+  get_filename_component(name "${header}" NAME)
+  configure_file("${PROJECT_SOURCE_DIR}/${header}" "${PROJECT_BINARY_DIR}/include/pral_core/${name}" COPYONLY)
 endforeach()
 target_include_directories(pral_core INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>
   $<BUILD_INTERFACE:${PROJECT_BINARY_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
@@ -43,7 +45,7 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/pral_coreConfigVersion.c
 install(TARGETS pral_core EXPORT pral_core
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
   RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
-install(FILES src/boundary/core_api.h src/boundary/automation.h DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/pral_core")
+install(FILES ${public_headers} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/pral_core")
 install(EXPORT pral_core NAMESPACE pral:: FILE pral_coreConfig.cmake DESTINATION "${package_dir}")
 install(FILES "${PROJECT_BINARY_DIR}/pral_coreConfigVersion.cmake" DESTINATION "${package_dir}")
 install(FILES "${PROJECT_BINARY_DIR}/pral_core.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")

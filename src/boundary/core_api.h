@@ -962,7 +962,7 @@ PRAL_API bool PralDiscreteFitProb10_Core(double* out, double* x, int count, cons
  */
 #define PRAL_REMOVE_PARENTHESES(...) __VA_ARGS__
 /* clang-format off */
-#define PRAL_DECLARE_FAMILY(X, KIND, PARAMETERS, TEXT)                                                             \
+#define PRAL_DECLARE_FAMILY(X, KIND, KIN, PARAMETERS, TEXT)                                                        \
     PRAL_API bool Pral##X##_Core(double* out, PRAL_REMOVE_PARENTHESES PARAMETERS, const double* U,                 \
                                  const int* boundsMode, const double* boundsMin, const double* boundsMax,          \
                                  const double* shift);                                                             \
@@ -1039,365 +1039,365 @@ PRAL_API bool PralPoissonLambda_Core(double* out, double alpha, double T, int pr
 /* The list of the families, outside the guard so that it can be read again. */
 #ifdef PRAL_FAMILY
 
-PRAL_FAMILY(Normal, continuous, (double mu, double sigma),
+PRAL_FAMILY(Normal, continuous, normal, (double mu, double sigma),
     "mean mu; standard deviation sigma >= 0, 0 being a point mass at mu; support all reals")
 
-PRAL_FAMILY(Uniform, continuous, (double min, double max),
+PRAL_FAMILY(Uniform, continuous, bounded, (double min, double max),
     "min <= max, equal being a point mass; support [min, max]; F = (x - min)/(max - min)")
 
-PRAL_FAMILY(Expon, continuous, (double beta),
+PRAL_FAMILY(Expon, continuous, extreme, (double beta),
     "mean beta >= 0, 0 being a point mass at 0; support [0, inf); F = 1 - exp(-x/beta)")
 
-PRAL_FAMILY(Gamma, continuous, (double alpha, double beta),
+PRAL_FAMILY(Gamma, continuous, gamma, (double alpha, double beta),
     "shape alpha >= 0, scale beta >= 0, a zero being a point mass at 0; support [0, inf); F = P(alpha, x/beta)")
 
-PRAL_FAMILY(Erlang, continuous, (double m, double beta),
+PRAL_FAMILY(Erlang, continuous, gamma, (double m, double beta),
     "shape m >= 0, an integer, scale beta >= 0, a zero being a point mass at 0; support [0, inf); Gamma(m, beta)")
 
-PRAL_FAMILY(ChiSq, continuous, (double nu),
+PRAL_FAMILY(ChiSq, continuous, gamma, (double nu),
     "degrees of freedom nu >= 1, an integer; support [0, inf); Gamma(nu/2, 2)")
 
-PRAL_FAMILY(Chi, continuous, (double nu),
+PRAL_FAMILY(Chi, continuous, gamma, (double nu),
     "degrees of freedom nu >= 1, an integer; support [0, inf); the square root of ChiSq(nu)")
 
-PRAL_FAMILY(Maxwell, continuous, (double A),
+PRAL_FAMILY(Maxwell, continuous, gamma, (double A),
     "scale A > 0; support [0, inf); A Chi(3)")
 
-PRAL_FAMILY(Pearson5, continuous, (double alpha, double beta),
+PRAL_FAMILY(Pearson5, continuous, gamma, (double alpha, double beta),
     "shape alpha > 0, scale beta > 0; support [0, inf); 1/X is Gamma(alpha, 1/beta): F = Q(alpha, beta/x)")
 
-PRAL_FAMILY(LogGamma, continuous, (double alpha, double beta, double gamma),
+PRAL_FAMILY(LogGamma, continuous, gamma, (double alpha, double beta, double gamma),
     "shape alpha > 0, scale beta >= 0, 0 being a point mass at the origin gamma; support [gamma, inf); "
     "ln(X - gamma + 1) is Gamma(alpha, beta)")
 
-PRAL_FAMILY(Beta, continuous, (double alpha, double beta),
+PRAL_FAMILY(Beta, continuous, beta, (double alpha, double beta),
     "shapes alpha > 0, beta > 0; support [0, 1]; F = I_x(alpha, beta)")
 
-PRAL_FAMILY(Beta4, continuous, (double alpha, double beta, double min, double max),
+PRAL_FAMILY(Beta4, continuous, beta, (double alpha, double beta, double min, double max),
     "shapes alpha > 0, beta > 0, min < max; support [min, max]; min + (max - min) Beta(alpha, beta)")
 
-PRAL_FAMILY(BetaSubj, continuous, (double min, double mode, double mean, double max),
+PRAL_FAMILY(BetaSubj, continuous, beta, (double min, double mode, double mean, double max),
     "min < mode < max, min < mean < max; support [min, max]; Beta4 with that mean and that mode: shapes a1 = "
     "2 (mean - min)(mid - mode)/((mean - mode)(max - min)) and a2 = a1 (max - mean)/(mean - min), mid = (min + max)/2; "
     "3 and 3 for mean = mode = mid; refused where they are not positive and finite")
 
-PRAL_FAMILY(PERT, continuous, (double min, double mode, double max),
+PRAL_FAMILY(PERT, continuous, beta, (double min, double mode, double max),
     "min <= mode <= max, all equal being a point mass; support [min, max]; ModPERT with gamma = 4")
 
-PRAL_FAMILY(ModPERT, continuous, (double min, double mode, double max, double gamma),
+PRAL_FAMILY(ModPERT, continuous, beta, (double min, double mode, double max, double gamma),
     "min <= mode <= max, all equal being a point mass; weight gamma > 0; support [min, max]; Beta4 with shapes "
     "1 + gamma (mode - min)/(max - min) and 1 + gamma (max - mode)/(max - min)")
 
-PRAL_FAMILY(PERTAlt, continuous, (double Low, double Mode, double High, double LowP, double HighP),
+PRAL_FAMILY(PERTAlt, continuous, beta, (double Low, double Mode, double High, double LowP, double HighP),
     "Low < Mode < High, 0 < LowP < 0.5 < HighP < 1; the PERT with that mode whose cumulative is LowP at Low and HighP "
     "at High; support from its min to its max, which are computed")
 
-PRAL_FAMILY(Pearson6, continuous, (double alpha1, double alpha2, double beta),
+PRAL_FAMILY(Pearson6, continuous, beta, (double alpha1, double alpha2, double beta),
     "shapes alpha1 > 0, alpha2 > 0, scale beta > 0; support [0, inf); X/(X + beta) is Beta(alpha1, alpha2)")
 
-PRAL_FAMILY(F, continuous, (double nu1, double nu2),
+PRAL_FAMILY(F, continuous, beta, (double nu1, double nu2),
     "degrees of freedom nu1 > 0, nu2 > 0, any real numbers; support [0, inf); (ChiSq(nu1)/nu1)/(ChiSq(nu2)/nu2)")
 
-PRAL_FAMILY(Student, continuous, (double nu),
+PRAL_FAMILY(Student, continuous, beta, (double nu),
     "degrees of freedom nu >= 1, an integer; support all reals; Student's t")
 
-PRAL_FAMILY(Student3, continuous, (double mu, double sigma, double nu),
+PRAL_FAMILY(Student3, continuous, beta, (double mu, double sigma, double nu),
     "location mu, scale sigma >= 0, 0 being a point mass at mu; degrees of freedom nu >= 3, an integer; support all "
     "reals; mu + sigma Student(nu)")
 
-PRAL_FAMILY(NCChiSq, continuous, (double nu, double pnonc),
+PRAL_FAMILY(NCChiSq, continuous, gamma, (double nu, double pnonc),
     "degrees of freedom nu >= 1, an integer, noncentrality pnonc >= 0; support [0, inf); the sum of the squares of nu "
     "normal variables of variance 1 whose squared means have the sum pnonc")
 
-PRAL_FAMILY(NCF, continuous, (double nu1, double nu2, double ncp),
+PRAL_FAMILY(NCF, continuous, gamma, (double nu1, double nu2, double ncp),
     "degrees of freedom nu1 > 0, nu2 > 0, any real numbers, noncentrality ncp >= 0; support [0, inf); "
     "(NCChiSq(nu1, ncp)/nu1)/(ChiSq(nu2)/nu2)")
 
-PRAL_FAMILY(Lognormal, continuous, (double mu, double sigma),
+PRAL_FAMILY(Lognormal, continuous, normal, (double mu, double sigma),
     "mean mu > 0 and standard deviation sigma >= 0 of the variable itself, sigma = 0 being a point mass at mu; "
     "support [0, inf); exp(Normal)")
 
-PRAL_FAMILY(LognormalE, continuous, (double mu, double sigma),
+PRAL_FAMILY(LognormalE, continuous, normal, (double mu, double sigma),
     "mean mu and standard deviation sigma >= 0 of the logarithm, sigma = 0 being a point mass at exp(mu); "
     "support [0, inf); exp(Normal(mu, sigma))")
 
-PRAL_FAMILY(Cauchy, continuous, (double a, double b),
+PRAL_FAMILY(Cauchy, continuous, symmetric, (double a, double b),
     "location a, scale b >= 0, 0 being a point mass at a; support all reals; F = 1/2 + atan((x - a)/b)/pi")
 
-PRAL_FAMILY(NormalAlt, continuous, (double Value1, double Prob1, double Value2, double Prob2),
+PRAL_FAMILY(NormalAlt, continuous, normal, (double Value1, double Prob1, double Value2, double Prob2),
     "two different points (value, probability) in the same order, 0 <= probability <= 1; support all reals; the Normal "
     "whose cumulative passes through both")
 
-PRAL_FAMILY(Erf, continuous, (double h),
+PRAL_FAMILY(Erf, continuous, normal, (double h),
     "precision h > 0; support all reals; Normal(0, 1/(h sqrt(2))): F = (1 + erf(h x))/2")
 
-PRAL_FAMILY(NormalMix, continuous, (double mu, double sigma, double excessKurt),
+PRAL_FAMILY(NormalMix, continuous, normal, (double mu, double sigma, double excessKurt),
     "mean mu, standard deviation sigma >= 0, 0 being a point mass at mu, excess kurtosis 0 <= excessKurt < 3; support "
     "all reals; equal mixture of Normal(mu, sigma sqrt(1 + k)) and Normal(mu, sigma sqrt(1 - k)), "
     "k = sqrt(excessKurt/3)")
 
-PRAL_FAMILY(SkewNormal, continuous, (double mu, double sigma, double alpha),
+PRAL_FAMILY(SkewNormal, continuous, normal, (double mu, double sigma, double alpha),
     "location mu, scale sigma >= 0, 0 being a point mass at mu, shape -100 <= alpha <= 100; support all reals; "
     "f = (2/sigma) phi(z) Phi(alpha z), z = (x - mu)/sigma")
 
-PRAL_FAMILY(Slash, continuous, (double mu, double scale),
+PRAL_FAMILY(Slash, continuous, normal, (double mu, double scale),
     "location mu, scale >= 0, 0 being a point mass at mu; support all reals; mu + scale N/V, N standard normal, "
     "V uniform: F = Phi(z) - (phi(0) - phi(z))/z, z = (x - mu)/scale")
 
-PRAL_FAMILY(LognormalB, continuous, (double mu, double sigma, double base),
+PRAL_FAMILY(LognormalB, continuous, normal, (double mu, double sigma, double base),
     "mean mu and standard deviation sigma >= 0 of the logarithm to base > 1, sigma = 0 being a point mass at base^mu; "
     "support [0, inf); base^Normal(mu, sigma)")
 
-PRAL_FAMILY(LognormalAlt, continuous,
+PRAL_FAMILY(LognormalAlt, continuous, normal,
     (double value1, double probability1, double value2, double probability2, double minimum),
     "two different points (value, probability) in the same order, minimum < value, 0 < probability < 1; support "
     "[minimum, inf); minimum + the lognormal whose cumulative passes through both points")
 
-PRAL_FAMILY(Logistic, continuous, (double alpha, double beta),
+PRAL_FAMILY(Logistic, continuous, symmetric, (double alpha, double beta),
     "location alpha, scale beta >= 0, 0 being a point mass at alpha; support all reals; "
     "F = 1/(1 + exp(-(x - alpha)/beta))")
 
-PRAL_FAMILY(GLogistic, continuous, (double alpha, double beta, double gamma),
+PRAL_FAMILY(GLogistic, continuous, symmetric, (double alpha, double beta, double gamma),
     "location alpha, scale beta >= 0, 0 being a point mass at alpha, shape gamma > 0; support all reals; "
     "F = (1 + exp(-(x - alpha)/beta))^-gamma")
 
-PRAL_FAMILY(LogLogistic, continuous, (double alpha, double beta),
+PRAL_FAMILY(LogLogistic, continuous, symmetric, (double alpha, double beta),
     "shape alpha > 0, scale beta >= 0, 0 being a point mass at 0; support [0, inf); F = 1/(1 + (x/beta)^-alpha)")
 
-PRAL_FAMILY(LogLogisticAlt, continuous,
+PRAL_FAMILY(LogLogisticAlt, continuous, symmetric,
     (double value1, double probability1, double value2, double probability2, double minimum),
     "two different points (value, probability) in the same order, minimum < value, 0 < probability < 1; support "
     "[minimum, inf); minimum + the log-logistic whose cumulative passes through both points")
 
-PRAL_FAMILY(HS, continuous, (double mu, double sigma),
+PRAL_FAMILY(HS, continuous, symmetric, (double mu, double sigma),
     "hyperbolic secant: mean mu, standard deviation sigma >= 0, 0 being a point mass at mu; support all reals; "
     "F = (2/pi) atan(exp(pi (x - mu)/(2 sigma)))")
 
-PRAL_FAMILY(Laplace, continuous, (double mu, double sigma),
+PRAL_FAMILY(Laplace, continuous, symmetric, (double mu, double sigma),
     "mean mu, standard deviation sigma >= 0, 0 being a point mass at mu; support all reals; "
     "f = exp(-sqrt(2) |x - mu|/sigma)/(sqrt(2) sigma)")
 
-PRAL_FAMILY(LogLaplace, continuous, (double alpha, double beta, double Delta),
+PRAL_FAMILY(LogLaplace, continuous, symmetric, (double alpha, double beta, double Delta),
     "tail exponents alpha > 0 above and beta > 0 below the scale Delta >= 0, 0 being a point mass at 0; support "
     "[0, inf); f = C (x/Delta)^(beta - 1) below Delta, C (Delta/x)^(alpha + 1) above, "
     "C = alpha beta/(Delta (alpha + beta))")
 
-PRAL_FAMILY(Error, continuous, (double mu, double sigma, double nu),
+PRAL_FAMILY(Error, continuous, symmetric, (double mu, double sigma, double nu),
     "exponential power: mean mu, standard deviation sigma >= 0, 0 being a point mass at mu, shape nu > 0 (1 Laplace, "
     "2 Normal); support all reals; f proportional to exp(-(|x - mu|/(c sigma))^nu), "
     "c = sqrt(Gamma(1/nu)/Gamma(3/nu))")
 
-PRAL_FAMILY(JohnsonB, continuous, (double alpha1, double alpha2, double min, double max),
+PRAL_FAMILY(JohnsonB, continuous, normal, (double alpha1, double alpha2, double min, double max),
     "shapes alpha1 and alpha2 > 0; min < max; support [min, max]; alpha1 + alpha2 ln((x - min)/(max - x)) is standard "
     "normal")
 
-PRAL_FAMILY(JohnsonU, continuous, (double alpha1, double alpha2, double beta, double gamma),
+PRAL_FAMILY(JohnsonU, continuous, normal, (double alpha1, double alpha2, double beta, double gamma),
     "shapes alpha1 and alpha2 > 0, scale beta >= 0, 0 being a point mass at gamma, location gamma; support all reals; "
     "alpha1 + alpha2 asinh((x - gamma)/beta) is standard normal")
 
-PRAL_FAMILY(Fatigue, continuous, (double alpha, double beta, double gamma),
+PRAL_FAMILY(Fatigue, continuous, normal, (double alpha, double beta, double gamma),
     "location alpha, scale beta >= 0, 0 being a point mass at alpha, shape gamma > 0; support [alpha, inf); "
     "F = Phi((sqrt(z) - 1/sqrt(z))/gamma), z = (x - alpha)/beta")
 
-PRAL_FAMILY(InvGauss, continuous, (double mu, double lambda),
+PRAL_FAMILY(InvGauss, continuous, normal, (double mu, double lambda),
     "mean mu > 0, shape lambda > 0; support [0, inf); f = sqrt(lambda/(2 pi x^3)) exp(-lambda (x - mu)^2/(2 mu^2 x))")
 
-PRAL_FAMILY(Levy, continuous, (double c, double a),
+PRAL_FAMILY(Levy, continuous, normal, (double c, double a),
     "scale c >= 0, 0 being a point mass at a, location a; support [a, inf); F = erfc(sqrt(c/(2 (x - a))))")
 
-PRAL_FAMILY(ExtValueMax, continuous, (double a, double b),
+PRAL_FAMILY(ExtValueMax, continuous, extreme, (double a, double b),
     "location a, scale b >= 0, 0 being a point mass at a; support all reals; F = exp(-exp(-(x - a)/b))")
 
-PRAL_FAMILY(ExtValueMin, continuous, (double a, double b),
+PRAL_FAMILY(ExtValueMin, continuous, extreme, (double a, double b),
     "location a, scale b >= 0, 0 being a point mass at a; support all reals; F = 1 - exp(-exp((x - a)/b))")
 
-PRAL_FAMILY(GEV, continuous, (double a, double b, double c),
+PRAL_FAMILY(GEV, continuous, extreme, (double a, double b, double c),
     "location a, scale b > 0, shape -18 <= c <= 18; support from a - b/c on for c > 0, up to a - b/c for c < 0, all reals "
     "for c = 0; F = exp(-(1 + c z)^(-1/c)), z = (x - a)/b, c = 0 being ExtValueMax")
 
-PRAL_FAMILY(Weibull, continuous, (double alpha, double beta),
+PRAL_FAMILY(Weibull, continuous, extreme, (double alpha, double beta),
     "shape alpha > 0, scale beta >= 0, 0 being a point mass at 0; support [0, inf); F = 1 - exp(-(x/beta)^alpha)")
 
-PRAL_FAMILY(Weibull3, continuous, (double Alpha, double Beta, double Theta),
+PRAL_FAMILY(Weibull3, continuous, extreme, (double Alpha, double Beta, double Theta),
     "Theta >= 0; Theta + Weibull(Alpha, Beta), Beta = 0 being a point mass at Theta; support [Theta, inf)")
 
-PRAL_FAMILY(WeibullAlt, continuous,
+PRAL_FAMILY(WeibullAlt, continuous, extreme,
     (double value1, double probability1, double value2, double probability2, double minimum),
     "two different points (value, probability) in the same order, minimum < value, 0 < probability < 1; support "
     "[minimum, inf); minimum + the Weibull whose cumulative passes through both points")
 
-PRAL_FAMILY(Rayleigh, continuous, (double b),
+PRAL_FAMILY(Rayleigh, continuous, extreme, (double b),
     "scale b >= 0, 0 being a point mass at 0; support [0, inf); F = 1 - exp(-x^2/(2 b^2))")
 
-PRAL_FAMILY(Pareto, continuous, (double theta, double a),
+PRAL_FAMILY(Pareto, continuous, extreme, (double theta, double a),
     "shape theta > 0, smallest value a >= 0, 0 being a point mass at 0; support [a, inf); F = 1 - (a/x)^theta")
 
-PRAL_FAMILY(Pareto2, continuous, (double b, double q),
+PRAL_FAMILY(Pareto2, continuous, extreme, (double b, double q),
     "scale b >= 0, 0 being a point mass at 0, shape q > 0; support [0, inf); F = 1 - (b/(x + b))^q")
 
-PRAL_FAMILY(Dagum, continuous, (double a, double b, double p),
+PRAL_FAMILY(Dagum, continuous, extreme, (double a, double b, double p),
     "shapes a > 0, p > 0, scale b >= 0, 0 being a point mass at 0; support [0, inf); F = (1 + (x/b)^-a)^-p")
 
-PRAL_FAMILY(Burr, continuous, (double a, double b, double c, double d),
+PRAL_FAMILY(Burr, continuous, extreme, (double a, double b, double c, double d),
     "location a, scale b >= 0, 0 being a point mass at a, shapes c > 0, d > 0; support [a, inf); F = (1 + z^-c)^-d, "
     "z = (x - a)/b")
 
-PRAL_FAMILY(Bradford, continuous, (double theta, double min, double max),
+PRAL_FAMILY(Bradford, continuous, bounded, (double theta, double min, double max),
     "shape theta > 0, min < max; support [min, max]; F = ln(1 + theta y)/ln(1 + theta), y = (x - min)/(max - min)")
 
-PRAL_FAMILY(Kumaraswamy, continuous, (double alpha, double beta),
+PRAL_FAMILY(Kumaraswamy, continuous, bounded, (double alpha, double beta),
     "shapes alpha > 0, beta > 0; support [0, 1]; F = 1 - (1 - x^alpha)^beta")
 
-PRAL_FAMILY(Kumaraswamy4, continuous, (double alpha, double beta, double min, double max),
+PRAL_FAMILY(Kumaraswamy4, continuous, bounded, (double alpha, double beta, double min, double max),
     "shapes alpha > 0, beta > 0, min <= max, equal being a point mass; support [min, max]; "
     "min + (max - min) Kumaraswamy(alpha, beta)")
 
-PRAL_FAMILY(Triangle, continuous, (double min, double mode, double max),
+PRAL_FAMILY(Triangle, continuous, bounded, (double min, double mode, double max),
     "min <= mode <= max, all equal being a point mass; support [min, max]; the density rises linearly to the mode and "
     "falls linearly")
 
-PRAL_FAMILY(TriangleAlt, continuous, (double Low, double Mode, double High, double LowP, double HighP),
+PRAL_FAMILY(TriangleAlt, continuous, bounded, (double Low, double Mode, double High, double LowP, double HighP),
     "Low < Mode < High, 0 < LowP < 0.5 < HighP < 1; support [min, max]; the Triangle with that mode whose cumulative is "
     "LowP at Low and HighP at High")
 
-PRAL_FAMILY(LogTriangle, continuous, (double Min, double Mode, double Max),
+PRAL_FAMILY(LogTriangle, continuous, bounded, (double Min, double Mode, double Max),
     "0 < Min <= Mode <= Max, all equal being a point mass; support [Min, Max]; exp(Triangle(ln Min, ln Mode, ln Max))")
 
-PRAL_FAMILY(SplitTriangle, continuous,
+PRAL_FAMILY(SplitTriangle, continuous, bounded,
     (double Low, double Medium, double High, double LowP, double MediumP, double HighP),
     "Low < Medium < High, 0 <= LowP < MediumP < HighP < 1; support [min, max]; two triangles that meet at Medium: F = "
     "MediumP ((x - min)/(Medium - min))^2 below, 1 - F = (1 - MediumP) ((max - x)/(max - Medium))^2 above, min and max "
     "from F(Low) = LowP and F(High) = HighP")
 
-PRAL_FAMILY(GTU, continuous, (double min, double leftmode, double rightmode, double max, double m, double n),
+PRAL_FAMILY(GTU, continuous, bounded, (double min, double leftmode, double rightmode, double max, double m, double n),
     "min <= leftmode <= rightmode <= max, min = max being a point mass; powers m >= 1, n >= 1; support [min, max]; the "
     "density rises as ((x - min)/(leftmode - min))^(m - 1), is level between the modes and falls as "
     "((max - x)/(max - rightmode))^(n - 1)")
 
-PRAL_FAMILY(LogUniform, continuous, (double Min, double Max),
+PRAL_FAMILY(LogUniform, continuous, bounded, (double Min, double Max),
     "0 < Min < Max; support [Min, Max]; F = ln(x/Min)/ln(Max/Min)")
 
-PRAL_FAMILY(Reciprocal, continuous, (double a, double b),
+PRAL_FAMILY(Reciprocal, continuous, bounded, (double a, double b),
     "0 < a <= b, equal being a point mass; support [a, b]; F = ln(x/a)/ln(b/a)")
 
-PRAL_FAMILY(Lifetime2, continuous, (double A, double B),
+PRAL_FAMILY(Lifetime2, continuous, extreme, (double A, double B),
     "A >= 0, B >= 0, not both 0; support [0, inf); hazard rate A + B t: F = 1 - exp(-(A t + B t^2/2))")
 
-PRAL_FAMILY(Lifetime3, continuous, (double A, double B, double C),
+PRAL_FAMILY(Lifetime3, continuous, extreme, (double A, double B, double C),
     "A > 0, C > 0, A - B^2/(4 C) > 0; support [0, inf); hazard rate A + B t + C t^2: "
     "F = 1 - exp(-(A t + B t^2/2 + C t^3/3))")
 
-PRAL_FAMILY(LifetimeExp, continuous, (double A, double B),
+PRAL_FAMILY(LifetimeExp, continuous, extreme, (double A, double B),
     "B > 0; support [0, inf); hazard rate exp(A + B t): F = 1 - exp(-(exp(A + B t) - exp(A))/B)")
 
 /* Families given by tables, each a pointer and its count; "Error: <table> must not be null", "... must not be empty".
  * Tables are never changed, and need not be sorted where the order is not asked for. */
 
-PRAL_FAMILY(Discrete, data, (const double* values, int n, const double* probabilities, int m),
+PRAL_FAMILY(Discrete, data, table, (const double* values, int n, const double* probabilities, int m),
     "values in any order with weights >= 0, not all 0, m = n; equal values add their weights; support the values, "
     "whatever their weights; quantile: the first value whose running sum of weights / sum of weights is >= U")
 
-PRAL_FAMILY(DUniform, data, (const double* values, int n),
+PRAL_FAMILY(DUniform, data, table, (const double* values, int n),
     "values in any order, all equally likely; support the values; quantile as Discrete")
 
-PRAL_FAMILY(CumulA, data, (double min, double max, const double* values, int n, const double* probabilities, int m),
+PRAL_FAMILY(CumulA, data, table, (double min, double max, const double* values, int n, const double* probabilities, int m),
     "min < max; values strictly ascending within [min, max] and their cumulative probabilities strictly ascending "
     "within (0,1), m = n; support [min, max]; F is the polygon through (min, 0), the points and (max, 1); a value at "
     "min or max is a jump there")
 
-PRAL_FAMILY(CumulD, data, (double min, double max, const double* values, int n, const double* probabilities, int m),
+PRAL_FAMILY(CumulD, data, table, (double min, double max, const double* values, int n, const double* probabilities, int m),
     "CumulA with the probabilities of exceeding the values, strictly descending")
 
-PRAL_FAMILY(Histogram, data, (double min, double max, const double* f, int n),
+PRAL_FAMILY(Histogram, data, table, (double min, double max, const double* f, int n),
     "min < max; n bars of equal width with heights proportional to f, each >= 0, not all 0; support [min, max]; the "
     "density at an edge is that of the bar above")
 
-PRAL_FAMILY(Relative, data, (double min, double max, const double* values, int n, const double* weights, int m),
+PRAL_FAMILY(Relative, data, table, (double min, double max, const double* values, int n, const double* weights, int m),
     "min < max; weights >= 0, not all 0, at values within [min, max] that do not descend, m = n; support [min, max]; "
     "the density is proportional to the polygon through (min, 0), the points and (max, 0)")
 
-PRAL_FAMILY(StepUniform, data, (double min, double max, double step),
+PRAL_FAMILY(StepUniform, data, table, (double min, double max, double step),
     "min <= max; (max - min)/step is a whole number k exactly; the points min, min + step, ..., max are equally "
     "likely; quantile: point number floor((k + 1) U); min = max is a point mass")
 
-PRAL_FAMILY(Ogive, data, (double min, double max, const double* data, int n),
+PRAL_FAMILY(Ogive, data, table, (double min, double max, const double* data, int n),
     "min < max; at least 2 data within [min, max], in any order; support [min, max]; F is the polygon through "
     "(min, 0), (i-th smallest, i/(n + 1)) and (max, 1)")
 
-PRAL_FAMILY(OgiveU, data, (double min, double max, const double* data, int n),
+PRAL_FAMILY(OgiveU, data, table, (double min, double max, const double* data, int n),
     "Ogive with n sorted uniforms in place of the i/(n + 1), drawn from the stream in each call that finds the table "
     "in order, before the percentile is drawn; bounds, values and probabilities of a call share them")
 
-PRAL_FAMILY(Poisson, discrete, (double lambda),
+PRAL_FAMILY(Poisson, discrete, poisson, (double lambda),
     "rate lambda >= 0, 0 being a point mass at 0; support 0, 1, ...; f(x) = exp(-lambda) lambda^x/x!; "
     "with lambda > 5000 samples are those of a normal square root")
 
-PRAL_FAMILY(Binomial, discrete, (double n, double p),
+PRAL_FAMILY(Binomial, discrete, binomial, (double n, double p),
     "trials n >= 0, an integer; probability p in [0,1]; support 0, ..., n; f(x) = C(n, x) p^x (1-p)^(n-x); "
     "with n p (1-p) > 100,000 samples are those of a rounded normal")
 
-PRAL_FAMILY(Bernoulli, discrete, (double p),
+PRAL_FAMILY(Bernoulli, discrete, binomial, (double p),
     "probability p of 1, in [0,1], 0 and 1 being point masses; support 0, 1")
 
-PRAL_FAMILY(NegBin, discrete, (double s, double p),
+PRAL_FAMILY(NegBin, discrete, binomial, (double s, double p),
     "failures before success number s >= 0, an integer, each trial succeeding with probability p in (0,1]; s = 0 and p = 1 "
     "are point masses at 0; support 0, 1, ...; f(x) = C(x + s - 1, x) p^s (1-p)^x; percentiles above 0.9999999 give "
     "infinity; with p < 0.01 samples are those of a rounded gamma, with s (1-p)/p^2 > 100,000 of a rounded normal of the "
     "same mean and variance")
 
-PRAL_FAMILY(Geometric, discrete, (double p),
+PRAL_FAMILY(Geometric, discrete, binomial, (double p),
     "failures before the first success, p in (0,1]: NegBin(1, p), its percentiles included; f(x) = p (1-p)^x")
 
-PRAL_FAMILY(Polya, discrete, (double alpha, double beta),
+PRAL_FAMILY(Polya, discrete, binomial, (double alpha, double beta),
     "alpha > 0, beta > 0; Poisson with a Gamma(alpha, beta) rate; support 0, 1, ...; "
     "f(x) = Gamma(x + alpha)/(Gamma(alpha) x!) p^alpha (1-p)^x, p = 1/(1 + beta)")
 
-PRAL_FAMILY(BetaBinomial, discrete, (double n, double alpha, double beta),
+PRAL_FAMILY(BetaBinomial, discrete, binomial, (double n, double alpha, double beta),
     "trials n >= 0, an integer, 0 being a point mass at 0; alpha > 0, beta > 0; Binomial(n, p) with p from "
     "Beta(alpha, beta); support 0, ..., n; f(x) = C(n, x) B(x + alpha, n - x + beta)/B(alpha, beta)")
 
-PRAL_FAMILY(BetaGeometric, discrete, (double alpha, double beta),
+PRAL_FAMILY(BetaGeometric, discrete, binomial, (double alpha, double beta),
     "alpha > 0, beta > 0; Geometric(p) with p from Beta(alpha, beta); support 0, 1, ...; "
     "f(x) = B(alpha + 1, beta + x)/B(alpha, beta)")
 
-PRAL_FAMILY(BetaNegBin, discrete, (double s, double a, double b),
+PRAL_FAMILY(BetaNegBin, discrete, binomial, (double s, double a, double b),
     "s > 0, an integer; a > 0, b > 0; NegBin(s, p) with p from Beta(a, b); support 0, 1, ...; "
     "f(x) = Gamma(s + x)/(Gamma(s) x!) B(a + s, b + x)/B(a, b)")
 
-PRAL_FAMILY(Logarithmic, discrete, (double theta),
+PRAL_FAMILY(Logarithmic, discrete, binomial, (double theta),
     "theta in (0,1); support 1, 2, ...; f(x) = -theta^x/(x ln(1 - theta))")
 
-PRAL_FAMILY(Hypergeo, discrete, (double n, double D, double M),
+PRAL_FAMILY(Hypergeo, discrete, urn, (double n, double D, double M),
     "marked items among n drawn without replacement from M of which D are marked; integers 0 <= n, D <= M; support "
     "max(0, n + D - M), ..., min(n, D); f(x) = C(D, x) C(M-D, n-x)/C(M, n)")
 
-PRAL_FAMILY(InvHypergeo, discrete, (double s, double D, double M),
+PRAL_FAMILY(InvHypergeo, discrete, urn, (double s, double D, double M),
     "unmarked items drawn before the s-th marked one, without replacement from M of which D are marked; integers "
     "0 <= s <= D <= M; support 0, ..., M-D; f(x) = C(s+x-1, x) C(M-s-x, D-s)/C(M, D); s = 0 is a point mass at 0")
 
-PRAL_FAMILY(HypergeoD, discrete, (double s, double n, double M),
+PRAL_FAMILY(HypergeoD, discrete, urn, (double s, double n, double M),
     "marked items among M of which a sample of n held s marked ones, all numbers of them equally likely before; integers "
     "0 <= s <= n <= M; support s, ..., M-n+s; f(x) = C(x, s) C(M-x, n-s)/C(M+1, n+1)")
 
-PRAL_FAMILY(HypergeoM, discrete, (double s, double n, double D, double Max),
+PRAL_FAMILY(HypergeoM, discrete, urn, (double s, double n, double D, double Max),
     "size of a population with D marked items of which a sample of n held s marked ones, all sizes up to Max equally "
     "likely before; integers 1 <= s <= n, D; Max >= D+n-s; support D+n-s, ..., Max; f(x) ~ C(x-D, n-s)/C(x, n)")
 
-PRAL_FAMILY(Skellam, discrete, (double Lambda1, double Lambda2),
+PRAL_FAMILY(Skellam, discrete, poisson, (double Lambda1, double Lambda2),
     "difference of two Poisson counts with rates Lambda1, Lambda2 > 0; support all integers; f(x) = exp(-Lambda1-Lambda2) "
     "(Lambda1/Lambda2)^(x/2) I_|x|(2 sqrt(Lambda1 Lambda2)); a bare call takes one unused draw and two Poisson samples, "
     "each of a draw of its own")
 
-PRAL_FAMILY(BurntFingerPoisson, discrete, (double Lambda1, double Lambda2),
+PRAL_FAMILY(BurntFingerPoisson, discrete, poisson, (double Lambda1, double Lambda2),
     "events within unit time, at rate Lambda1 until the first and Lambda2 afterwards; Lambda1 >= Lambda2 > 0, equal ones "
     "being Poisson; support 0, 1, ...; percentiles from 0.99999999999999 on give DBL_MAX; a bare call takes one unused "
     "draw, one for the time of the first event, and another for the later events if it is below 1")
 
-PRAL_FAMILY(PoissonUniform, discrete, (double Min, double Max),
+PRAL_FAMILY(PoissonUniform, discrete, poisson, (double Min, double Max),
     "Poisson with a rate uniform on [Min, Max], 0 <= Min < Max; support 0, 1, ...; f(x) = (P(x+1, Max) - P(x+1, Min))/"
     "(Max - Min), P the incomplete gamma ratio; a bare call takes one unused draw, one for the rate and one for the value")
 
-PRAL_FAMILY(Delaporte, discrete, (double alpha, double beta, double lambda),
+PRAL_FAMILY(Delaporte, discrete, poisson, (double alpha, double beta, double lambda),
     "Polya(alpha, beta) + Poisson(lambda), all >= 0: a Poisson rate with a gamma part and a constant one; support 0, 1, ...; "
     "alpha or beta 0 leaves the Poisson, lambda 0 the Polya, both a point mass at 0")
 
@@ -1406,76 +1406,76 @@ PRAL_FAMILY(Delaporte, discrete, (double alpha, double beta, double lambda),
  * that the extra zeros keep their weight. ZT: the family given a value of 1 or more. Where a variant's checks let pass
  * what the family refuses (theta = 1, p = 0), the family's message follows. */
 
-PRAL_FAMILY(ZIBetaBinomial, discrete, (double n, double alpha, double beta, double pi),
+PRAL_FAMILY(ZIBetaBinomial, discrete, inflated, (double n, double alpha, double beta, double pi),
     "zero-inflated BetaBinomial")
 
-PRAL_FAMILY(ZIBetaGeometric, discrete, (double alpha, double beta, double pi),
+PRAL_FAMILY(ZIBetaGeometric, discrete, inflated, (double alpha, double beta, double pi),
     "zero-inflated BetaGeometric; beta > 2")
 
-PRAL_FAMILY(ZIBetaNegBin, discrete, (double s, double alpha, double beta, double pi),
+PRAL_FAMILY(ZIBetaNegBin, discrete, inflated, (double s, double alpha, double beta, double pi),
     "zero-inflated BetaNegBin of (s, alpha, beta)")
 
-PRAL_FAMILY(ZIBinomial, discrete, (double n, double p, double pi),
+PRAL_FAMILY(ZIBinomial, discrete, inflated, (double n, double p, double pi),
     "zero-inflated Binomial")
 
-PRAL_FAMILY(ZIDelaporte, discrete, (double alpha, double beta, double lambda, double pi),
+PRAL_FAMILY(ZIDelaporte, discrete, inflated, (double alpha, double beta, double lambda, double pi),
     "zero-inflated Delaporte")
 
-PRAL_FAMILY(ZIGeometric, discrete, (double p, double pi),
+PRAL_FAMILY(ZIGeometric, discrete, inflated, (double p, double pi),
     "zero-inflated Geometric")
 
-PRAL_FAMILY(ZIHypergeo, discrete, (double n, double D, double M, double pi),
+PRAL_FAMILY(ZIHypergeo, discrete, inflated, (double n, double D, double M, double pi),
     "zero-inflated Hypergeo; n >= 0, D > 0, M > 0")
 
-PRAL_FAMILY(ZIInvHypergeo, discrete, (double s, double D, double M, double pi),
+PRAL_FAMILY(ZIInvHypergeo, discrete, inflated, (double s, double D, double M, double pi),
     "zero-inflated InvHypergeo; D > 0, M > 0")
 
-PRAL_FAMILY(ZILogarithmic, discrete, (double theta, double pi),
+PRAL_FAMILY(ZILogarithmic, discrete, inflated, (double theta, double pi),
     "zero-inflated Logarithmic; 0 is added to the support")
 
-PRAL_FAMILY(ZINegBin, discrete, (double s, double p, double pi),
+PRAL_FAMILY(ZINegBin, discrete, inflated, (double s, double p, double pi),
     "zero-inflated NegBin")
 
-PRAL_FAMILY(ZIPoisson, discrete, (double lambda, double pi),
+PRAL_FAMILY(ZIPoisson, discrete, inflated, (double lambda, double pi),
     "zero-inflated Poisson")
 
-PRAL_FAMILY(ZIPolya, discrete, (double alpha, double beta, double pi),
+PRAL_FAMILY(ZIPolya, discrete, inflated, (double alpha, double beta, double pi),
     "zero-inflated Polya")
 
-PRAL_FAMILY(ZISkellam, discrete, (double Lambda1, double Lambda2, double P),
+PRAL_FAMILY(ZISkellam, discrete, inflated, (double Lambda1, double Lambda2, double P),
     "zero-inflated Skellam with weight P in [0,1]; percentiles up to 1 - P are 0, those above the Skellam's from its lowest")
 
-PRAL_FAMILY(ZTBetaBinomial, discrete, (double n, double alpha, double beta),
+PRAL_FAMILY(ZTBetaBinomial, discrete, truncated, (double n, double alpha, double beta),
     "zero-truncated BetaBinomial")
 
-PRAL_FAMILY(ZTBetaGeometric, discrete, (double alpha, double beta),
+PRAL_FAMILY(ZTBetaGeometric, discrete, truncated, (double alpha, double beta),
     "zero-truncated BetaGeometric; beta > 2")
 
-PRAL_FAMILY(ZTBetaNegBin, discrete, (double s, double alpha, double beta),
+PRAL_FAMILY(ZTBetaNegBin, discrete, truncated, (double s, double alpha, double beta),
     "zero-truncated BetaNegBin of (s, alpha, beta)")
 
-PRAL_FAMILY(ZTBinomial, discrete, (double n, double p),
+PRAL_FAMILY(ZTBinomial, discrete, truncated, (double n, double p),
     "zero-truncated Binomial")
 
-PRAL_FAMILY(ZTDelaporte, discrete, (double alpha, double beta, double lambda),
+PRAL_FAMILY(ZTDelaporte, discrete, truncated, (double alpha, double beta, double lambda),
     "zero-truncated Delaporte")
 
-PRAL_FAMILY(ZTGeometric, discrete, (double p),
+PRAL_FAMILY(ZTGeometric, discrete, truncated, (double p),
     "zero-truncated Geometric")
 
-PRAL_FAMILY(ZTHypergeo, discrete, (double n, double D, double M),
+PRAL_FAMILY(ZTHypergeo, discrete, truncated, (double n, double D, double M),
     "zero-truncated Hypergeo; n >= 0, D > 0, M > 0")
 
-PRAL_FAMILY(ZTInvHypergeo, discrete, (double s, double D, double M),
+PRAL_FAMILY(ZTInvHypergeo, discrete, truncated, (double s, double D, double M),
     "zero-truncated InvHypergeo; D > 0, M > 0")
 
-PRAL_FAMILY(ZTNegBin, discrete, (double s, double p),
+PRAL_FAMILY(ZTNegBin, discrete, truncated, (double s, double p),
     "zero-truncated NegBin")
 
-PRAL_FAMILY(ZTPoisson, discrete, (double lambda),
+PRAL_FAMILY(ZTPoisson, discrete, truncated, (double lambda),
     "zero-truncated Poisson")
 
-PRAL_FAMILY(ZTPolya, discrete, (double alpha, double beta),
+PRAL_FAMILY(ZTPolya, discrete, truncated, (double alpha, double beta),
     "zero-truncated Polya")
 
 /* clang-format on */

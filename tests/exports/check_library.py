@@ -1,6 +1,6 @@
-"""Compares the tables of the built library with the public header: what it exports, and what it needs from elsewhere.
+"""Compares the tables of the built library with the public headers: what it exports, and what it needs from elsewhere.
 
-What the header declares is asked of the C preprocessor, so that every macro that declares functions is seen through.
+What the headers declare is asked of the C preprocessor, so that every macro that declares functions is seen through.
 """
 
 import argparse
@@ -17,9 +17,12 @@ def output_of(*command):
 
 
 def declared(options):
-    """The functions that the header declares: the names Pral... before an opening parenthesis."""
-    text = output_of(options.compiler, "-E", "-P", "-x", "c++", "-std=c++20", options.header)
-    return set(re.findall(r"\b(Pral\w+)\s*\(", text))
+    """The functions that the headers declare: the names Pral... and pral_... before an opening parenthesis."""
+    names = set()
+    for header in options.header:
+        text = output_of(options.compiler, "-E", "-P", "-x", "c++", "-std=c++20", header)
+        names |= set(re.findall(r"\b(Pral\w+|pral_\w+)\s*\(", text))
+    return names
 
 
 def is_dll(options):
@@ -111,8 +114,9 @@ CHECKS = {
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("check", choices=CHECKS)
-    for name in ("library", "header", "compiler", "nm", "objdump"):
+    for name in ("library", "compiler", "nm", "objdump"):
         parser.add_argument("--" + name, required=True)
+    parser.add_argument("--header", required=True, nargs="+")
     parser.add_argument("--file", help="the module definition or the import library")
     options = parser.parse_args()
     return 0 if CHECKS[options.check](options) else 1

@@ -1,0 +1,537 @@
+#include "distributions/combined.h"
+
+#include <algorithm>
+#include <cmath>
+#include <ranges>
+#include <utility>
+
+#include "distributions/expectations.h"
+#include "numerics/ordinals.h"
+
+namespace pral {
+
+namespace {
+
+bool is_upper(Function function) {
+    return function == Function::survival || function == Function::log_survival ||
+           function == Function::upper_quantile;
+}
+bool is_logarithm(Function function) {
+    return function == Function::log_cumulative || function == Function::log_survival;
+}
+bool is_inverse(Function function) {
+    return function == Function::quantile || function == Function::upper_quantile;
+}
+
+// ------------------------------------------------------------------------------------------------- Truncation
+
+class Truncation final : public Univariate {
+  public:
+    Truncation(Shared base, End lower, End upper) : base_(std::move(base)), ends_{lower, upper} {
+        const Support all = base_->support();
+        below_ = below(lower);
+        above_ = above(upper);
+        support_ = {std::max(all.lower, lower.is_percentile ? quantile_at(lower.number) : lower.number),
+                    std::min(all.upper, upper.is_percentile ? quantile_at(upper.number) : upper.number)};
+        if (base_->values() == Values::integers)
+            support_ = {std::ceil(support_.lower), std::floor(support_.upper)};
+        // Both ends above the median: the upper tails have the digits.
+        by_upper_ = below_.lower > 0.5;
+        mass_ = by_upper_ ? below_.upper - above_.upper : above_.lower - below_.lower;
+        log_mass_ = mass_ > 0.5 ? numerics::log1p_fn(-(below_.lower + above_.upper)) : std::log(mass_);
+    }
+    bool empty() const { return !(mass_ > 0) || !(support_.lower <= support_.upper); }
+
+    Values values() const override { return base_->values(); }
+    Support support() const override { return support_; }
+
+    void evaluate(Function function, std::span<const double> in, std::span<double> out) const override {
+        if (is_inverse(function))
+            return invert(function == Function::quantile ? Side::lower : Side::upper, in, out);
+        if (function == Function::log_density) {
+            std::vector<double> x(in.begin(), in.end());
+            base_->evaluate(function, in, out);
+            for (std::size_t i = 0; i < out.size(); ++i)
+                out[i] = x[i] < support_.lower || x[i] > support_.upper ? -HUGE_VAL : out[i] - log_mass_;
+            return;
+        }
+        const std::vector<double> x(in.begin(), in.end());
+        if (function == Function::cumulative) {
+            base_->evaluate(by_upper_ ? Function::survival : Function::cumulative, x, out);
+            for (std::size_t i = 0; i < out.size(); ++i) out[i] = tail(function, x[i], {out[i], out[i]});
+            return;
+        }
+        std::vector<double> lower(in.size());
+        base_->evaluate(Function::cumulative, x, lower);
+        base_->evaluate(Function::survival, x, out);
+        for (std::size_t i = 0; i < out.size(); ++i) out[i] = tail(function, x[i], {lower[i], out[i]});
+    }
+
+    Tails tails_below(double x) const override {
+        if (std::isnan(x)) return {x, x};
+        const Tails at = base_->tails_below(x);
+        if (x <= support_.lower) return {0, 1};
+        if (x > support_.upper) return {1, 0};
+        return {part_below(at), part_above(at)};
+    }
+    std::optional<double> mode() const override {
+        const auto of_base = base_->mode();
+        const bool inside = of_base && *of_base >= support_.lower && *of_base <= support_.upper;
+        return inside ? of_base : std::nullopt;
+    }
+    double moment_limit(Side side) const override {
+        const double end = side == Side::lower ? support_.lower : support_.upper;
+        return std::isinf(end) ? base_->moment_limit(side) : HUGE_VAL;
+    }
+    std::string text() const override {
+        const bool percentiles = ends_[0].is_percentile || ends_[1].is_percentile;
+        const auto number = [&](const End& end, double open) {
+            const bool is_open = !end.is_percentile && std::isinf(end.number);
+            return shortest(percentiles && is_open ? open : end.number);
+        };
+        if (percentiles && !(ends_[0].is_percentile || std::isinf(ends_[0].number)))
+            return "(" + base_->text() + " within [" + shortest(ends_[0].number) +
+                   ", inf]) within percentiles [" + shortest(0) + ", " + number(ends_[1], 1) + "]";
+        return base_->text() + (percentiles ? " within percentiles [" : " within [") + number(ends_[0], 0) +
+               ", " + number(ends_[1], 1) + "]";
+    }
+
+  private:
+    double quantile_at(double p) const { return (*base_)(Function::quantile, p); }
+    /// The tails of what is left out below, and of all but what is left out above. A percentile cuts an atom in two
+    /// nowhere: the whole of it is kept.
+    Tails below(End end) const {
+        if (!end.is_percentile) return base_->tails_below(end.number);
+        if (base_->values() != Values::continuous) return base_->tails_below(quantile_at(end.number));
+        return {end.number, 1 - end.number};
+    }
+    Tails above(End end) const {
+        if (!end.is_percentile) return base_->tails(end.number);
+        if (base_->values() != Values::continuous) return base_->tails(quantile_at(end.number));
+        return {end.number, 1 - end.number};
+    }
+    double part_below(const Tails& at) const {
+        return std::clamp((by_upper_ ? below_.upper - at.upper : at.lower - below_.lower) / mass_, 0.0, 1.0);
+    }
+    double part_above(const Tails& at) const {
+        const double above = at.lower > 0.5 ? at.upper - above_.upper : above_.lower - at.lower;
+        return std::clamp(above / mass_, 0.0, 1.0);
+    }
+    double tail(Function function, double x, const Tails& at) const {
+        if (std::isnan(x)) return x;
+        const bool upper = is_upper(function), logarithm = is_logarithm(function);
+        if (x < support_.lower) return logarithm ? (upper ? 0 : -HUGE_VAL) : upper;
+        if (x >= support_.upper) return logarithm ? (upper ? -HUGE_VAL : 0) : !upper;
+        const double here = upper ? part_above(at) : part_below(at);
+        if (!logarithm) return here;
+        // Where nothing is left out on this side, the logarithm of the whole has what the tail itself loses.
+        const bool open = (upper ? above_.upper : below_.lower) == 0;
+        if (open && here < kFewDigits) return std::min((*base_)(function, x) - log_mass_, 0.0);
+        return here < 0.5 ? std::log(here) : numerics::log1p_fn(-(upper ? part_below(at) : part_above(at)));
+    }
+    static constexpr double kFewDigits = 1e-290;
+
+    /// The percentiles of what is kept as tails of the whole, each the smaller one.
+    void invert(Side side, std::span<const double> in, std::span<double> out) const {
+        std::vector<double> tails[2];
+        std::vector<std::size_t> places[2];
+        std::vector<double> given(in.begin(), in.end());
+        for (std::size_t i = 0; i < given.size(); ++i) {
+            const double t = given[i];
+            if (!(t >= 0 && t <= 1)) {
+                out[i] = numerics::kNaN;
+            } else if (t == 0 || t == 1) {
+                out[i] = (t == 0) == (side == Side::lower) ? support_.lower : support_.upper;
+            } else {
+                const auto [of, tail] = base_tail(side, t);
+                tails[of == Side::upper].push_back(tail);
+                places[of == Side::upper].push_back(i);
+            }
+        }
+        for (const bool upper : {false, true}) {
+            base_->evaluate(upper ? Function::upper_quantile : Function::quantile, tails[upper],
+                            tails[upper]);
+            for (std::size_t j = 0; j < places[upper].size(); ++j)
+                out[places[upper][j]] = std::clamp(tails[upper][j], support_.lower, support_.upper);
+        }
+    }
+    struct BaseTail {
+        Side side;
+        double tail;
+    };
+    BaseTail base_tail(Side side, double t) const {
+        const double u = side == Side::lower ? t : 1 - t, v = side == Side::lower ? 1 - t : t;
+        const double p = below_.lower + u * mass_;
+        if (p <= 0.5) return {Side::lower, p};
+        return {Side::upper, above_.upper + v * mass_};
+    }
+
+    Shared base_;
+    End ends_[2];
+    Tails below_, above_;
+    Support support_;
+    bool by_upper_;
+    double mass_, log_mass_;
+};
+
+// ---------------------------------------------------------------------------------------------- Affine mapping
+
+class Affine final : public Univariate {
+  public:
+    Affine(Shared base, double factor, double shift)
+        : base_(std::move(base)), factor_(factor), shift_(shift) {}
+
+    const Shared& base() const { return base_; }
+    double factor() const { return factor_; }
+    double shift() const { return shift_; }
+
+    Values values() const override {
+        const Values of_base = base_->values();
+        if (of_base != Values::integers) return of_base;
+        const bool stays = std::fabs(factor_) == 1 && shift_ == std::floor(shift_);
+        return stays ? Values::integers : Values::countable;
+    }
+    Support support() const override {
+        const auto [lower, upper] = base_->support();
+        return factor_ > 0 ? Support{placed(lower), placed(upper)} : Support{placed(upper), placed(lower)};
+    }
+
+    void evaluate(Function function, std::span<const double> in, std::span<double> out) const override {
+        if (is_inverse(function)) {
+            base_->evaluate(mirrored(function), in, out);
+            for (double& x : out) x = placed(x);
+            return;
+        }
+        const bool atoms = values() != Values::continuous;
+        if (atoms && factor_ < 0 && function != Function::log_density)
+            return mirrored_atoms(function, in, out);
+        for (std::size_t i = 0; i < in.size(); ++i) out[i] = inverse(in[i]);
+        base_->evaluate(mirrored(function), out, out);
+        if (function == Function::log_density && !atoms) {
+            const double log_factor = std::log(std::fabs(factor_));
+            for (double& log : out) log -= log_factor;
+        }
+    }
+    Tails tails_below(double x) const override {
+        const double base_x = inverse(x);
+        if (factor_ > 0) return base_->tails_below(base_x);
+        const Tails at = base_->tails(base_x);
+        return {at.upper, at.lower};
+    }
+    std::optional<Moments> moments() const override {
+        const auto of_base = base_->moments();
+        if (!of_base) return std::nullopt;
+        return Moments{factor_ * of_base->mean + shift_, factor_ * factor_ * of_base->variance,
+                       std::copysign(1.0, factor_) * of_base->skewness, of_base->kurtosis};
+    }
+    double integrated_tail(Side side, double from, double to) const override {
+        const double a = inverse(from), b = inverse(to), size = std::fabs(factor_);
+        if (factor_ > 0) return size * base_->integrated_tail(side, a, b);
+        return size * base_->integrated_tail(side == Side::lower ? Side::upper : Side::lower, b, a);
+    }
+    std::optional<double> mode() const override {
+        const auto of_base = base_->mode();
+        return of_base ? std::optional(placed(*of_base)) : std::nullopt;
+    }
+    double moment_limit(Side side) const override {
+        const Side of_base = factor_ > 0 ? side : side == Side::lower ? Side::upper : Side::lower;
+        return base_->moment_limit(of_base);
+    }
+    std::string text() const override {
+        std::string text = factor_ == 1 ? base_->text() : shortest(factor_) + " * (" + base_->text() + ")";
+        if (shift_ != 0) text += (shift_ < 0 ? " - " : " + ") + shortest(std::fabs(shift_));
+        return text;
+    }
+
+  private:
+    double placed(double x) const { return std::isinf(x) ? (factor_ > 0 ? x : -x) : factor_ * x + shift_; }
+    /// The value of the base that is placed at x; for values that are countable the one whose place rounds to x.
+    double inverse(double x) const {
+        const double base_x = std::isinf(x) ? (factor_ > 0 ? x : -x) : (x - shift_) / factor_;
+        if (base_->values() != Values::integers) return base_x;
+        const double nearest = std::round(base_x);
+        return std::fabs(base_x - nearest) <= 1e-8 && placed(nearest) == x ? nearest : base_x;
+    }
+    Function mirrored(Function function) const {
+        if (factor_ > 0) return function;
+        switch (function) {
+            case Function::cumulative:
+                return Function::survival;
+            case Function::survival:
+                return Function::cumulative;
+            case Function::log_cumulative:
+                return Function::log_survival;
+            case Function::log_survival:
+                return Function::log_cumulative;
+            case Function::quantile:
+                return Function::upper_quantile;
+            case Function::upper_quantile:
+                return Function::quantile;
+            default:
+                return function;
+        }
+    }
+    /// P(-X <= x) is P(X >= -x), which counts an atom at -x.
+    void mirrored_atoms(Function function, std::span<const double> in, std::span<double> out) const {
+        for (std::size_t i = 0; i < in.size(); ++i) {
+            if (std::isnan(in[i])) {
+                out[i] = in[i];
+                continue;
+            }
+            const Tails at = base_->tails_below(inverse(in[i]));
+            const double here = is_upper(function) ? at.lower : at.upper;
+            const double other = is_upper(function) ? at.upper : at.lower;
+            out[i] = !is_logarithm(function) ? here
+                     : here < 0.5            ? std::log(here)
+                                             : numerics::log1p_fn(-other);
+        }
+    }
+
+    Shared base_;
+    double factor_, shift_;
+};
+
+// ---------------------------------------------------------------------------------------------------- Mixture
+
+class Mixture final : public Univariate {
+  public:
+    Mixture(std::vector<Shared> components, std::vector<double> weights)
+        : components_(std::move(components)), weights_(std::move(weights)) {
+        const double largest = *std::ranges::max_element(weights_);
+        double sum = 0;
+        for (double& weight : weights_) sum += weight /= largest;
+        for (double& weight : weights_) weight /= sum;
+    }
+
+    Values values() const override {
+        bool continuous = true, integers = true, countable = true;
+        for (const Shared& component : components_) {
+            const Values of = component->values();
+            continuous &= of == Values::continuous;
+            integers &= of == Values::integers;
+            countable &= of == Values::integers || of == Values::countable;
+        }
+        if (continuous) return Values::continuous;
+        return integers ? Values::integers : countable ? Values::countable : Values::mixed;
+    }
+    Support support() const override {
+        Support all = {HUGE_VAL, -HUGE_VAL};
+        for (std::size_t i = 0; i < components_.size(); ++i) {
+            if (weights_[i] == 0) continue;
+            const auto [lower, upper] = components_[i]->support();
+            all = {std::min(all.lower, lower), std::max(all.upper, upper)};
+        }
+        return all;
+    }
+
+    void evaluate(Function function, std::span<const double> in, std::span<double> out) const override {
+        if (is_inverse(function)) {
+            for (std::size_t i = 0; i < in.size(); ++i)
+                out[i] = inverted(function == Function::quantile ? Side::lower : Side::upper, in[i]);
+            return;
+        }
+        if (function == Function::log_density) return log_densities(in, out);
+        if (is_logarithm(function)) return log_tails(function, in, out);
+        const std::vector<double> x(in.begin(), in.end());
+        std::vector<double> of_component(in.size());
+        std::ranges::fill(out, 0.0);
+        for (std::size_t i = 0; i < components_.size(); ++i) {
+            components_[i]->evaluate(function, x, of_component);
+            for (std::size_t j = 0; j < out.size(); ++j) out[j] += weights_[i] * of_component[j];
+        }
+        for (double& p : out) p = std::min(p, 1.0);
+    }
+    Tails tails_below(double x) const override {
+        Tails sum = {0, 0};
+        for (std::size_t i = 0; i < components_.size(); ++i) {
+            const Tails of = components_[i]->tails_below(x);
+            sum = {sum.lower + weights_[i] * of.lower, sum.upper + weights_[i] * of.upper};
+        }
+        return {std::min(sum.lower, 1.0), std::min(sum.upper, 1.0)};
+    }
+    std::optional<Moments> moments() const override;
+    double integrated_tail(Side side, double from, double to) const override {
+        double sum = 0;
+        for (std::size_t i = 0; i < components_.size(); ++i)
+            if (weights_[i] > 0) sum += weights_[i] * components_[i]->integrated_tail(side, from, to);
+        return sum;
+    }
+    double moment_limit(Side side) const override {
+        double limit = HUGE_VAL;
+        for (std::size_t i = 0; i < components_.size(); ++i)
+            if (weights_[i] > 0) limit = std::min(limit, components_[i]->moment_limit(side));
+        return limit;
+    }
+    std::string text() const override {
+        std::string text = "Mixture(";
+        for (std::size_t i = 0; i < components_.size(); ++i) {
+            if (i > 0) text += ", ";
+            text += shortest(weights_[i]) + ": " + components_[i]->text();
+        }
+        return text + ")";
+    }
+
+  private:
+    /// The logarithm of the weighted sum of exp(logs), by the largest of them.
+    template <class Log>
+    double log_sum(Log log) const {
+        double largest = -HUGE_VAL;
+        for (std::size_t i = 0; i < components_.size(); ++i)
+            if (weights_[i] > 0) largest = std::max(largest, log(i));
+        if (!std::isfinite(largest)) return largest;
+        double sum = 0;
+        for (std::size_t i = 0; i < components_.size(); ++i)
+            if (weights_[i] > 0) sum += weights_[i] * std::exp(log(i) - largest);
+        return largest + std::log(sum);
+    }
+    /// Where some components have a density and others probabilities, the atoms count at their places.
+    void log_densities(std::span<const double> in, std::span<double> out) const {
+        const bool mixed = values() == Values::mixed;
+        for (std::size_t j = 0; j < in.size(); ++j) {
+            const double x = in[j];
+            const auto log = [&](std::size_t i) { return (*components_[i])(Function::log_density, x); };
+            if (std::isnan(x)) {
+                out[j] = x;
+                continue;
+            }
+            const bool atom =
+                mixed &&
+                std::ranges::any_of(std::views::iota(std::size_t{0}, components_.size()), [&](std::size_t i) {
+                    return components_[i]->values() != Values::continuous && weights_[i] > 0 &&
+                           log(i) > -HUGE_VAL;
+                });
+            out[j] = log_sum([&](std::size_t i) {
+                const bool counts = !mixed || atom == (components_[i]->values() != Values::continuous);
+                return counts ? log(i) : -HUGE_VAL;
+            });
+        }
+    }
+    void log_tails(Function function, std::span<const double> in, std::span<double> out) const {
+        const Function plain =
+            function == Function::log_cumulative ? Function::cumulative : Function::survival;
+        const Function other =
+            function == Function::log_cumulative ? Function::survival : Function::cumulative;
+        for (std::size_t j = 0; j < in.size(); ++j) {
+            const double x = in[j];
+            if (std::isnan(x))
+                out[j] = x;
+            else if ((*this)(plain, x) > 0.5)
+                out[j] = numerics::log1p_fn(-(*this)(other, x));
+            else
+                out[j] = log_sum([&](std::size_t i) { return (*components_[i])(function, x); });
+        }
+    }
+
+    /// The least x whose tail reaches the percentile lies between those of the components.
+    double inverted(Side side, double p) const {
+        const Function inverse = side == Side::lower ? Function::quantile : Function::upper_quantile;
+        if (!(p >= 0 && p <= 1)) return numerics::kNaN;
+        if (p == 0 || p == 1) return (p == 0) == (side == Side::lower) ? support().lower : support().upper;
+        double low = HUGE_VAL, high = -HUGE_VAL;
+        for (std::size_t i = 0; i < components_.size(); ++i) {
+            if (weights_[i] == 0) continue;
+            const double x = (*components_[i])(inverse, p);
+            low = std::min(low, x);
+            high = std::max(high, x);
+        }
+        const bool by_lower = side == Side::lower ? p <= 0.5 : p > 0.5;
+        const double target = (side == Side::lower) == by_lower ? p : 1 - p;
+        const auto reached = [&](double x) {
+            return by_lower ? (*this)(Function::cumulative, x) >= target
+                            : (*this)(Function::survival, x) <= target;
+        };
+        if (!(low < high) || reached(low)) return low;
+        return first(low, high, by_lower, target, reached);
+    }
+    /// Newton's steps inside the bracket, halvings of the doubles in it where they do not help, to the first double (or
+    /// integer) that reaches the percentile.
+    template <class Reached>
+    double first(double low, double high, bool by_lower, double target, Reached reached) const;
+
+    std::vector<Shared> components_;
+    std::vector<double> weights_;
+};
+
+template <class Reached>
+double Mixture::first(double low, double high, bool by_lower, double target, Reached reached) const {
+    constexpr int kSteps = 200;
+    const bool integers = values() == Values::integers, smooth = values() == Values::continuous;
+    const auto middle = [&] {
+        if (integers && high - low < 0x1p53) return std::floor(low / 2 + high / 2);
+        const double between = numerics::middle_double(low, high);
+        return integers ? std::floor(between) : between;
+    };
+    double x = middle();
+    for (int step = 0; step < kSteps && x > low && x < high; ++step) {
+        (reached(x) ? high : low) = x;
+        double next = middle();
+        if (smooth && step % 3 != 2) {
+            const double tail = (*this)(by_lower ? Function::cumulative : Function::survival, x);
+            const double density = std::exp((*this)(Function::log_density, x));
+            const double newton = x + (by_lower ? target - tail : tail - target) / density;
+            if (newton > low && newton < high) next = newton;
+            if (std::fabs(newton - x) <= 0x1p-52 * std::fabs(x)) return x;
+        }
+        if (next == x) break;
+        x = next;
+    }
+    return high;
+}
+
+std::optional<Moments> Mixture::moments() const {
+    double mean = 0;
+    std::vector<Moments> of;
+    for (const Shared& component : components_) of.push_back(pral::moments(*component));
+    for (std::size_t i = 0; i < of.size(); ++i)
+        if (weights_[i] > 0) mean += weights_[i] * of[i].mean;
+    double second = 0, third = 0, fourth = 0;
+    for (std::size_t i = 0; i < of.size(); ++i) {
+        if (weights_[i] == 0) continue;
+        const double d = of[i].mean - mean, v = of[i].variance, w = weights_[i];
+        const double m3 = v > 0 ? of[i].skewness * v * std::sqrt(v) : 0;
+        const double m4 = v > 0 ? (of[i].kurtosis + 3) * v * v : 0;
+        second += w * (v + d * d);
+        third += w * (m3 + 3 * d * v + d * d * d);
+        fourth += w * (m4 + 4 * d * m3 + 6 * d * d * v + d * d * d * d);
+    }
+    return Moments{mean, second, third / (second * std::sqrt(second)), fourth / (second * second) - 3};
+}
+
+}  // namespace
+
+Shared truncated(Shared base, End lower, End upper, std::string& objection) {
+    for (const End& end : {lower, upper}) {
+        if (std::isnan(end.number))
+            objection = "a bound must be a number";
+        else if (end.is_percentile && !(end.number >= 0 && end.number <= 1))
+            objection = "a percentile must be between 0 and 1";
+        if (!objection.empty()) return nullptr;
+    }
+    auto made = std::make_shared<const Truncation>(std::move(base), lower, upper);
+    if (!made->empty()) return made;
+    objection = "no probability lies between the bounds";
+    return nullptr;
+}
+
+Shared affine(Shared base, double factor, double shift, std::string& objection) {
+    if (!std::isfinite(factor) || factor == 0)
+        objection = "the factor must be a finite number other than 0";
+    else if (!std::isfinite(shift))
+        objection = "the shift must be a finite number";
+    if (!objection.empty()) return nullptr;
+    return std::make_shared<const Affine>(std::move(base), factor, shift);
+}
+
+Shared mixture(std::vector<Shared> components, std::vector<double> weights, std::string& objection) {
+    const auto valid = [](double weight) { return weight >= 0 && std::isfinite(weight); };
+    if (components.empty() || components.size() != weights.size())
+        objection = "a mixture needs a weight for each component";
+    else if (!std::ranges::all_of(weights, valid))
+        objection = "weights must be finite and >= 0";
+    else if (std::ranges::all_of(weights, [](double weight) { return weight == 0; }))
+        objection = "a weight must be > 0";
+    if (!objection.empty()) return nullptr;
+    return std::make_shared<const Mixture>(std::move(components), std::move(weights));
+}
+
+}  // namespace pral
