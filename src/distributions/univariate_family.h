@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "distributions/data/step_uniform.h"
+#include "distributions/discrete/exact_inversion.h"
 #include "distributions/inflated/variants.h"
 #include "distributions/univariate.h"
 
@@ -113,7 +114,7 @@ class UnivariateFamily final : public Univariate {
                     return detail::infinite_again(d_.log_density(x + 0.0));
                 });
             case Function::cumulative:
-                return tail(in, out, 0, 1, [&](double x) { return std::clamp(d_.cumulative(x), 0.0, 1.0); });
+                return tail(in, out, 0, 1, [&](double x) { return std::clamp(lower_tail(x), 0.0, 1.0); });
             case Function::survival:
                 return tail(in, out, 1, 0, [&](double x) { return std::clamp(d_.survival(x), 0.0, 1.0); });
             case Function::log_cumulative:
@@ -201,18 +202,14 @@ class UnivariateFamily final : public Univariate {
     }
     template <class Limit>
     void invert_all(Side side, std::span<double> tails, Limit limited) const {
-        const auto one = [&](double t) {
-            return limited(side == Side::lower ? d_.quantile(t) : quantile_upper(d_, t));
-        };
-        if (side == Side::lower) {
-            if constexpr (requires { d_.quantiles(tails); }) {
+        const auto one = [&](double t) { return limited(exact_inverse(d_, {side, t})); };
+        if constexpr (requires { D::kIntegers; }) {
+            exact_inverses(d_, side, tails);
+            for (double& value : tails) value = limited(value);
+            return;
+        } else if constexpr (requires { d_.quantiles(tails); }) {
+            if (side == Side::lower) {
                 d_.quantiles(tails);
-                for (double& value : tails) value = limited(value);
-                return;
-            }
-        } else {
-            if constexpr (requires { d_.quantiles_upper(tails); }) {
-                d_.quantiles_upper(tails);
                 for (double& value : tails) value = limited(value);
                 return;
             }
