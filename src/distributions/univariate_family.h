@@ -114,16 +114,16 @@ class UnivariateFamily final : public Univariate {
                     return detail::infinite_again(d_.log_density(x + 0.0));
                 });
             case Function::cumulative:
-                return tail(in, out, 0, 1, [&](double x) { return std::clamp(lower_tail(x), 0.0, 1.0); });
+                return tail(in, out, 0, 1, [&](double x) { return std::clamp(tail_at(Side::lower, x), 0.0, 1.0); });
             case Function::survival:
-                return tail(in, out, 1, 0, [&](double x) { return std::clamp(d_.survival(x), 0.0, 1.0); });
+                return tail(in, out, 1, 0, [&](double x) { return std::clamp(tail_at(Side::upper, x), 0.0, 1.0); });
             case Function::log_cumulative:
                 return tail(in, out, -HUGE_VAL, 0, [&](double x) {
-                    return detail::infinite_again(std::min(pral::log_cumulative(d_, x), 0.0));
+                    return detail::infinite_again(std::min(log_tail_at(Side::lower, x), 0.0));
                 });
             case Function::log_survival:
                 return tail(in, out, 0, -HUGE_VAL, [&](double x) {
-                    return detail::infinite_again(std::min(pral::log_survival(d_, x), 0.0));
+                    return detail::infinite_again(std::min(log_tail_at(Side::upper, x), 0.0));
                 });
             case Function::quantile:
                 return quantiles(Side::lower, in, out);
@@ -173,6 +173,29 @@ class UnivariateFamily final : public Univariate {
             return x == std::floor(x);
         else
             return true;
+    }
+
+    /// Zero inflation of values below 0 (Skellam): the extra zeros are not below them.
+    static constexpr bool kInflated = requires(const D& d) {
+        d.pi;
+        d.base;
+    };
+    double tail_at(Side side, double x) const {
+        if constexpr (kInflated) {
+            if (x < 0) {
+                const Tails at = pral::tails(d_.base, x);
+                return side == Side::lower ? d_.pi * at.lower : d_.pi * at.upper + (1 - d_.pi);
+            }
+        }
+        return side == Side::lower ? d_.cumulative(x) : d_.survival(x);
+    }
+    double log_tail_at(Side side, double x) const {
+        if constexpr (kInflated) {
+            if (x < 0)
+                return side == Side::lower ? std::log(d_.pi) + pral::log_cumulative(d_.base, x)
+                                           : numerics::log1p_fn(-tail_at(Side::lower, x));
+        }
+        return side == Side::lower ? pral::log_cumulative(d_, x) : pral::log_survival(d_, x);
     }
 
     /// A tail at every x: `below` the support, `above` it, and between by the family.

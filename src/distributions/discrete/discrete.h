@@ -34,9 +34,16 @@ enum class Tie { next, stay };
 template <class D>
 class InversionWalk {
   public:
-    InversionWalk(const D& d, double p, double q, bool by_lower_tail)
-        : d_(d), bottom_(d.support().lower), top_(d.support().upper), p_(p), q_(q), lower_(by_lower_tail) {}
-    InversionWalk(const D& d, double p) : InversionWalk(d, p, 1 - p, p <= 0.5) {}
+    /// With `least` an exact hit always stays: the result is the least k with F(k) >= p.
+    InversionWalk(const D& d, double p, double q, bool by_lower_tail, bool least = false)
+        : d_(d),
+          bottom_(d.support().lower),
+          top_(d.support().upper),
+          p_(p),
+          q_(q),
+          lower_(by_lower_tail),
+          least_(least) {}
+    InversionWalk(const D& d, double p, bool least = false) : InversionWalk(d, p, 1 - p, p <= 0.5, least) {}
 
     double operator()() const {
         const double told = d_.start(std::min(p_, 1 - 0x1p-53));
@@ -203,7 +210,9 @@ class InversionWalk {
         for (int step = 0; step < 3 && k > bottom_ && !short_at(k - 1); ++step) k -= 1;
         for (int step = 0; step < 3 && k < top_ && short_at(k); ++step) k += 1;
         const bool hit = tail_at(k) == (lower_ ? p_ : q_);
-        const Tie tie = origin.below ? D::kTie : k == origin.start ? Tie::stay : D::kTieFromAbove;
+        const Tie tie = least_ || (!origin.below && k == origin.start) ? Tie::stay
+                        : origin.below                                 ? D::kTie
+                                                                       : D::kTieFromAbove;
         return hit && tie == Tie::next && k < top_ ? k + 1 : k;
     }
 
@@ -256,7 +265,7 @@ class InversionWalk {
     const D& d_;
     double bottom_, top_;
     double p_, q_;
-    bool lower_;
+    bool lower_, least_;
 };
 
 /// Many percentiles of one distribution, all given as lower tails or all as upper ones: the tails of all integers between the
@@ -272,8 +281,8 @@ class InversionTable {
 
     /// For `count` percentiles from `begin` to `end`, tails that ascend in the integers, which the walk serves where they lie
     /// beyond the table's end; valid() tells whether a table is worth while.
-    InversionTable(const D& d, Side side, double begin, double end, std::size_t count)
-        : d_(d), side_(side), begin_(begin), first_(walk(begin)) {
+    InversionTable(const D& d, Side side, double begin, double end, std::size_t count, bool least = false)
+        : d_(d), side_(side), least_(least), begin_(begin), first_(walk(begin)) {
         double last = walk(end);
         const double room = std::min(kMostIntegers, kMostForEach * static_cast<double>(count));
         if (!(last - first_ < room)) {
@@ -329,7 +338,8 @@ class InversionTable {
 
   private:
     double walk(double t) const {
-        return side_ == Side::lower ? InversionWalk<D>(d_, t)() : InversionWalk<D>(d_, 1 - t, t, false)();
+        return side_ == Side::lower ? InversionWalk<D>(d_, t, least_)()
+                                    : InversionWalk<D>(d_, 1 - t, t, false, least_)();
     }
 
     void recur(std::span<double> mass) const {
@@ -345,6 +355,7 @@ class InversionTable {
 
     const D& d_;
     Side side_;
+    bool least_;
     double begin_, first_, per_unit_ = 0;
     std::vector<Tails> tails_;
     std::vector<std::uint32_t> guide_;

@@ -72,7 +72,8 @@ double exact_inverse(const D& d, SidedTail t) {
         const BaseTail base = base_tail(d, t);
         return base.known ? base.value : std::max(exact_inverse(d.base, base.of_base), d.support().lower);
     } else if constexpr (Walkable<D>) {
-        return side == Side::lower ? InversionWalk<D>(d, tail)() : InversionWalk<D>(d, 1 - tail, tail, false)();
+        return side == Side::lower ? InversionWalk<D>(d, tail, true)()
+                                   : InversionWalk<D>(d, 1 - tail, tail, false, true)();
     } else {
         return side == Side::lower ? d.quantile(tail) : quantile_upper(d, tail);
     }
@@ -107,7 +108,7 @@ void exact_inverses(const D& d, Side side, std::span<double> tails) {
         if (tails.size() >= kWorthATable) {
             const auto [least, most] = std::ranges::minmax(tails);
             const bool lower = side == Side::lower;
-            if (const InversionTable<D> table(d, side, lower ? least : most, lower ? most : least, tails.size()); table.valid()) {
+            if (const InversionTable<D> table(d, side, lower ? least : most, lower ? most : least, tails.size(), true); table.valid()) {
                 for (double& t : tails) t = table(t);
                 return;
             }
