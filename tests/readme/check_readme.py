@@ -1,6 +1,6 @@
-"""Runs the C and Python examples of README.md and its command lines against the built library: they print what is told.
+"""Runs the C, C++ and Python examples of README.md and its command lines against the built library: they print what is told.
 
-Usage: check_readme.py README.md C_COMPILER INCLUDE_DIR LIBRARY_DIR PRAL
+Usage: check_readme.py README.md C_COMPILER CXX_COMPILER INCLUDE_DIR LIBRARY_DIR PRAL
 """
 import math
 import os
@@ -28,7 +28,7 @@ def same(printed, told):
 
 
 def main():
-    readme, compiler, include, library, pral = sys.argv[1:]
+    readme, compiler, compiler_of_cpp, include, library, pral = sys.argv[1:]
     text = open(readme, encoding="utf-8").read()
     examples = lambda language: re.findall(rf"```{language}\n(.*?)```", text, re.S)
     environment = {**os.environ, "LD_LIBRARY_PATH": library}
@@ -42,6 +42,14 @@ def main():
             promised = re.search(r"/\* ([-\d. ]+) \*/", code).group(1)
             printed = run([program], env=environment).strip()
             assert printed == promised, f"the C example printed {printed}, not {promised}"
+    for code in examples("cpp"):
+        with tempfile.TemporaryDirectory() as folder:
+            source, program = os.path.join(folder, "example.cpp"), os.path.join(folder, "example")
+            with open(source, "w") as file:
+                file.write(code)
+            run([compiler_of_cpp, "-std=c++20", "-Wall", "-Werror", "-I", include, source, "-o", program, "-L", library,
+                 "-lpral_core"])
+            assert run([program], env=environment), "the C++ example printed nothing"
     code = "".join(examples("python"))  # each goes on from the one before
     promised = " ".join(re.findall(r"print\(.*\) +# ([-\d. ]+)", code)).split()
     printed = run([sys.executable, "-c", code], env=environment).split()
