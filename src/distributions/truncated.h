@@ -212,7 +212,7 @@ class Truncated {
     /// A mass between tails that are below the range of doubles, or that agree to most of their digits, is that of the
     /// density. Those of counts agree so far next to extra zeros, where integers are few among very many, or where none
     /// lies between the bounds.
-    void measure_far_mass() {
+    [[gnu::noinline]] void measure_far_mass() {
         constexpr double kAgreeing = requires { D::kIntegers; }
         ? 1e-8 : 1e-12;
         if (min_.chosen || max_.chosen || !ordered()) return;
@@ -234,12 +234,12 @@ class Truncated {
     double far_log_probability(double x, Side side) const {
         return between(min_.x < support_.lower ? far_ends(base_).lower : lower_, x, side);
     }
-    double between(double from, double to, Side side) const {
+    [[gnu::noinline]] double between(double from, double to, Side side) const {
         if constexpr (requires { D::kIntegers; })
             return log_probability(base_, counted(from), counted(to), side);
         return log_probability(base_, from, to, side);
     }
-    double far_log_cumulative(double x) const {
+    [[gnu::noinline]] double far_log_cumulative(double x) const {
         const double log_below = far_log_probability(x, far_side_) - log_mass_;
         if (log_below < -numerics::kLn2) return log_below;
         const double log_above = between(x, upper_, far_side_) - log_mass_;
