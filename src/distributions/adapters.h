@@ -52,6 +52,7 @@ struct LocationScale {
     double quantile(double p) const { return location + scale * standard.quantile(p); }
     double quantile_upper(double q) const { return location + scale * pral::quantile_upper(standard, q); }
     double log_cumulative(double x) const { return pral::log_cumulative(standard, standardised(x)); }
+    double log_survival(double x) const { return pral::log_survival(standard, standardised(x)); }
     double lower_rate() const requires requires(const Standard& z) { z.lower_rate(); }
     { return standard.lower_rate() / scale; }
     void quantiles(std::span<double> p) const requires requires(const Standard& z) { z.quantiles(p); }
@@ -108,6 +109,7 @@ struct LogLocationScale {
     double cumulative(double x) const { return standard.cumulative(standardised(x)); }
     double survival(double x) const { return standard.survival(standardised(x)); }
     double log_cumulative(double x) const { return pral::log_cumulative(standard, standardised(x)); }
+    double log_survival(double x) const { return pral::log_survival(standard, standardised(x)); }
     double log_density(double x) const {
         if (x == 0) return log_density_at_zero();
         const double y = log_to_center(x);
@@ -260,6 +262,10 @@ struct Transformed {
     double log_cumulative(double x) const {
         const double y = map.inverse(x);
         return decreasing() ? pral::log_survival(base, y) : pral::log_cumulative(base, y);
+    }
+    double log_survival(double x) const {
+        const double y = map.inverse(x);
+        return decreasing() ? pral::log_cumulative(base, y) : pral::log_survival(base, y);
     }
 };
 

@@ -31,6 +31,7 @@ struct Expon {
 
     double cumulative(double x) const { return -numerics::expm1_fn(-x / beta); }
     double survival(double x) const { return std::exp(-x / beta); }
+    double log_survival(double x) const { return -x / beta; }
     double log_density(double x) const { return -x / beta - std::log(beta); }
     double log_likelihood(std::span<const double> values) const {
         const double sum = numerics::interleaved_sum(values, [](double x) { return x; });

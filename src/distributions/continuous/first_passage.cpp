@@ -62,6 +62,12 @@ double InvGauss::log_cumulative(double x) const {
     return -0.5 * a * a - kLnSqrt2Pi + std::log(ratios);
 }
 
+double InvGauss::log_survival(double x) const {
+    const double a = score_.inverse(x);
+    if (a < -3) return log1p_fn(-cumulative(x));
+    return -0.5 * a * a - kLnSqrt2Pi + std::log(upper_ratio(a, gap(x)));
+}
+
 double InvGauss::quantile(double p) const {
     if (p > 0.5) return quantile_upper(1 - p);
     return search_quantile(*this, Side::lower, p, score_.forward(normal_quantile(p)));

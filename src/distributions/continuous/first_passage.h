@@ -68,6 +68,7 @@ class InvGauss {
     double cumulative(double x) const;
     double survival(double x) const;
     double log_cumulative(double x) const;
+    double log_survival(double x) const;
     double log_density(double x) const {
         if (x == 0) return -HUGE_VAL;
         const double a = score_.inverse(x);

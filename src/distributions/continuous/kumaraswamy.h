@@ -39,6 +39,7 @@ struct Kumaraswamy4 {
         if (log_power < -40 && log_beta_ + log_power < -40) return log_beta_ + log_power;
         return numerics::log1m_exp(-beta * log_rest(log_y(x)));
     }
+    double log_survival(double x) const { return beta * log_rest(log_y(x)); }
     double log_density(double x) const {
         const double y = log_y(x);
         const auto times = [](double power, double log) { return power == 0 ? 0 : power * log; };

@@ -63,10 +63,14 @@ double Error::outside(double x) const {
     return gamma_upper(shape_, finite_or_limit(scaled_exp(1, log)));
 }
 
-double Error::log_cumulative(double x) const {
-    if (!(x < mu)) return log1p_fn(-survival(x));
+double Error::log_cumulative(double x) const { return x < mu ? log_outside(x) : log1p_fn(-survival(x)); }
+
+double Error::log_survival(double x) const { return x > mu ? log_outside(x) : log1p_fn(-cumulative(x)); }
+
+/// ln of half the probability of a value further from mu than x.
+double Error::log_outside(double x) const {
     const DoubleDouble log = log_power(x);
-    if (log.hi < kLogTiny) return std::log(cumulative(x));
+    if (log.hi < kLogTiny) return std::log(0.5 * outside(x));
     return log_gamma_upper(shape_, finite_or_limit(scaled_exp(1, log))) - kLn2;
 }
 

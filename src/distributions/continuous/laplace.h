@@ -25,6 +25,11 @@ class AsymmetricLaplace {
         const double upper = survival(z);
         return upper < 0.5 ? numerics::log1p_fn(-upper) : std::log(cumulative(z));
     }
+    double log_survival(double z) const {
+        if (z >= 0) return -numerics::log1p_fn(above_.rate / below_.rate) - above_.rate * z;
+        const double lower = cumulative(z);
+        return lower < 0.5 ? numerics::log1p_fn(-lower) : std::log(survival(z));
+    }
     double log_density(double z) const { return log_peak_ + (z < 0 ? below_.rate : -above_.rate) * z; }
     double quantile(double p) const { return inverse(below_, above_, p); }
     double quantile_upper(double q) const { return -inverse(above_, below_, q); }
@@ -99,6 +104,7 @@ class Error {
     double cumulative(double x) const { return x < mu ? 0.5 * outside(x) : 0.5 + 0.5 * inside(x); }
     double survival(double x) const { return x < mu ? 0.5 + 0.5 * inside(x) : 0.5 * outside(x); }
     double log_cumulative(double x) const;
+    double log_survival(double x) const;
     double log_density(double x) const;
     double log_likelihood(std::span<const double> values) const;
     double quantile(double p) const { return p > 0.5 ? quantile_upper(1 - p) : mu - sigma * distance(2 * p); }
@@ -112,6 +118,7 @@ class Error {
     numerics::DoubleDouble log_power(double x) const;  // ln w
     double inside(double x) const;                     // the probability of a value nearer to mu than x
     double outside(double x) const;
+    double log_outside(double x) const;
     double distance(double q) const;  // that |x - mu|/sigma exceeds with probability q
 
     double shape_;                          // 1/nu

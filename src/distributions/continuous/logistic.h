@@ -24,6 +24,7 @@ struct StandardLogistic {
     double cumulative(double z) const { return 1 / (1 + std::exp(-z)); }
     double survival(double z) const { return cumulative(-z); }
     double log_cumulative(double z) const { return -softplus(-z); }
+    double log_survival(double z) const { return -softplus(z); }
     double log_density(double z) const {
         const double size = std::fabs(z);
         return -size - 2 * numerics::log1p_fn(std::exp(-size));
@@ -58,6 +59,11 @@ struct StandardGeneralisedLogistic {
     double cumulative(double z) const { return std::exp(log_cumulative(z)); }
     double survival(double z) const { return -numerics::expm1_fn(log_cumulative(z)); }
     double log_cumulative(double z) const { return -gamma * softplus(-z); }
+    double log_survival(double z) const {
+        const double power = gamma * softplus(-z);
+        if (power > 1e-290) return numerics::log1m_exp(power);
+        return log_gamma + (z > 40 ? -z : std::log(softplus(-z)));
+    }
     double log_density(double z) const { return log_gamma - gamma * softplus(-z) - softplus(z); }
     double log_likelihood(std::span<const double> z) const {
         constexpr double kLargest = 1000;  // larger shapes would multiply the rounding of 1 + e^-|z|
@@ -128,6 +134,7 @@ struct StandardHyperbolicSecant {
         if (z < -30) return kHalfPi * z - std::log(kHalfPi);
         return z < 0 ? std::log(cumulative(z)) : numerics::log1p_fn(-survival(z));
     }
+    double log_survival(double z) const { return log_cumulative(-z); }
 
   private:
     static constexpr double kHalfPi = numerics::kPi / 2;

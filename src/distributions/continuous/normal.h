@@ -17,6 +17,7 @@ struct StandardNormal {
     double cumulative(double z) const { return numerics::normal_cumulative(z); }
     double survival(double z) const { return numerics::normal_survival(z); }
     double log_cumulative(double z) const { return numerics::normal_log_cumulative(z); }
+    double log_survival(double z) const { return numerics::normal_log_cumulative(-z); }
     double log_density(double z) const { return -0.5 * z * z - numerics::kLnSqrt2Pi; }
     double quantile(double p) const { return numerics::normal_quantile(p); }
     double quantile_upper(double q) const { return numerics::normal_quantile_upper(q); }
@@ -37,6 +38,7 @@ struct Normal {
     double cumulative(double x) const { return numerics::normal_cumulative((x - mu) / sigma); }
     double survival(double x) const { return numerics::normal_survival((x - mu) / sigma); }
     double log_cumulative(double x) const { return numerics::normal_log_cumulative((x - mu) / sigma); }
+    double log_survival(double x) const { return numerics::normal_log_cumulative((mu - x) / sigma); }
     double log_density(double x) const { return log_likelihood({&x, 1}); }
     double log_likelihood(std::span<const double> values) const;
     double log_likelihood(const Sample& x) const {
@@ -102,6 +104,7 @@ class StandardNormalMix {
     }
     double survival(double z) const { return cumulative(-z); }
     double log_cumulative(double z) const;
+    double log_survival(double z) const { return log_cumulative(-z); }
     double log_density(double z) const;
     double log_likelihood(std::span<const double> z) const;
     double quantile(double p) const;
@@ -135,6 +138,7 @@ class StandardSkewNormal {
     double cumulative(double z) const { return numerics::skew_normal_cumulative(z, alpha); }
     double survival(double z) const { return numerics::skew_normal_survival(z, alpha); }
     double log_cumulative(double z) const;
+    double log_survival(double z) const { return StandardSkewNormal(-alpha).log_cumulative(-z); }
     double log_density(double z) const {
         if (std::isinf(z)) return -HUGE_VAL;
         return numerics::kLn2 - numerics::kLnSqrt2Pi - 0.5 * z * z +

@@ -26,6 +26,7 @@ struct StandardStudent {
         if (lower > 0.5) return numerics::log1p_fn(-survival(t));
         return lower > 1e-290 ? std::log(lower) : log_far_tail(std::fabs(t) / std::sqrt(nu));
     }
+    double log_survival(double t) const { return log_cumulative(-t); }
     double log_density(double t) const {
         const double r = std::fabs(t) / std::sqrt(nu);
         return log_peak - (nu + 1) * (r < 1e100 ? 0.5 * numerics::log1p_fn(r * r) : std::log(r));
