@@ -48,6 +48,8 @@ struct NCChiSq : SearchedQuantile<NCChiSq> {
 
     double cumulative(double x) const { return numerics::noncentral_chi_square_lower(nu, pnonc, x); }
     double survival(double x) const { return numerics::noncentral_chi_square_upper(nu, pnonc, x); }
+    double log_cumulative(double x) const;
+    double log_survival(double x) const;
     double log_density(double x) const {
         const double log = numerics::noncentral_chi_square_log_density(nu, pnonc, x);
         return std::fabs(log) == numerics::kInfinity ? std::copysign(HUGE_VAL, log) : log;

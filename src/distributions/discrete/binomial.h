@@ -38,6 +38,7 @@ struct Binomial : OnIntegers<Binomial> {
         if (const auto exact = DyadicTrials(p).more_than(n, k)) return *exact;
         return numerics::beta_lower(k + 1, n - k, p, 1 - p);
     }
+    double log_survival(double k) const { return numerics::log_beta_lower(k + 1, n - k, p, 1 - p); }
     /// The beta density with both shapes raised by one, divided by n + 1: no difference of large log-gammas.
     double log_density(double k) const {
         return numerics::log_beta_density(k + 1, n - k + 1, p, 1 - p) - numerics::log1p_fn(n);

@@ -19,6 +19,7 @@ struct Poisson : OnIntegers<Poisson> {
 
     double cumulative(double k) const { return numerics::gamma_upper(k + 1, lambda); }
     double survival(double k) const { return numerics::gamma_lower(k + 1, lambda); }
+    double log_survival(double k) const { return numerics::log_gamma_lower(k + 1, lambda); }
     double log_density(double k) const { return numerics::log_gamma_density(k + 1, lambda); }
     double mass_ratio(double k) const { return lambda / (k + 1); }
 
