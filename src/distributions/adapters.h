@@ -69,13 +69,33 @@ struct LocationScale {
 
     double standardised(double x) const { return (x - location) / scale; }
 
+    auto moments() const requires requires(const Standard& z) { z.moments(); }
+    {
+        const std::optional<Moments> of_standard = standard.moments();
+        return of_standard ? std::optional(linear(*of_standard, scale, location)) : std::nullopt;
+    }
+    double moment_limit(Side side) const requires requires(const Standard& z) { z.moment_limit(side); }
+    { return standard.moment_limit(side); }
+    double mode() const requires requires(const Standard& z) { z.mode(); }
+    { return location + scale * standard.mode(); }
+    double log_mgf(double t) const requires requires(const Standard& z) { z.log_mgf(t); }
+    { return location * t + standard.log_mgf(scale * t); }
+    double upper_rate() const requires requires(const Standard& z) { z.upper_rate(); }
+    { return standard.upper_rate() / scale; }
+    double tilted_mode(double t) const requires requires(const Standard& z) { z.tilted_mode(t); }
+    { return location + scale * standard.tilted_mode(scale * t); }
+    double normal_deviation() const requires requires(const Standard& z) { z.normal_deviation(); }
+    { return scale * standard.normal_deviation(); }
+
   private:
     double log_scale_;
 };
 
 /// X = center e^(spread Z), spread >= 0; 0 leaves the center. ln(x/center) keeps the digits that ln x - ln center loses.
 /// `log_center` may be beyond the range of e^. A standard distribution whose lower tail falls as e^(k z) has k as its
-/// lower_rate(): then the density of X at 0 may be other than 0.
+/// lower_rate(): then the density of X at 0 may be other than 0. One whose upper tail falls as e^(-k z) has k as its
+/// upper_rate(). The moments come from log_mgf(t) = ln E e^(tZ), HUGE_VAL from that rate on, the mode from tilted_mode(t),
+/// where f(z) e^(-t z) is highest, -inf for no place; a normal one has its normal_deviation().
 template <class Standard>
 struct LogLocationScale {
     double log_center, spread;
@@ -149,6 +169,28 @@ struct LogLocationScale {
     }
 
     double standardised(double x) const { return from_log(log_to_center(x)); }
+
+    double moment_limit([[maybe_unused]] Side side) const {
+        if constexpr (requires { standard.upper_rate(); })
+            return side == Side::upper ? standard.upper_rate() / spread : HUGE_VAL;
+        return HUGE_VAL;
+    }
+    double mode() const requires requires(const Standard& z) { z.tilted_mode(0); }
+    { return value(standard.tilted_mode(spread)); }
+    std::optional<Moments> moments() const requires requires(const Standard& z) { z.log_mgf(1); }
+    {
+        const double log_mean = standard.log_mgf(spread);
+        const auto relative = [this]() -> std::optional<Moments> {
+            if constexpr (requires { standard.normal_deviation(); }) {
+                const double deviation = spread * standard.normal_deviation();
+                return lognormal_moments(deviation * deviation);
+            } else {
+                return exponential_moments([this](double k) { return standard.log_mgf(k * spread); });
+            }
+        }();
+        if (!(log_mean < HUGE_VAL)) return kNoMoments;
+        return relative ? std::optional(linear(*relative, value(log_mean / spread), 0)) : std::nullopt;
+    }
 
   private:
     double value(double z) const {
@@ -269,6 +311,15 @@ struct Transformed {
     }
 };
 
+/// What is known of the base: nothing without a base that knows.
+template <class Base>
+std::optional<Moments> moments_of(const Base& base) {
+    if constexpr (requires { base.moments(); })
+        return base.moments();
+    else
+        return std::nullopt;
+}
+
 /// Map: X = -Y.
 struct Negation {
     static constexpr bool kDecreasing = true;
@@ -289,6 +340,14 @@ struct Shift {
 template <class Base>
 struct Shifted : Transformed<Base, Shift> {
     Shifted(double origin, Base base) : Transformed<Base, Shift>{base, {origin}} {}
+
+    std::optional<Moments> moments() const {
+        const auto of_base = moments_of(this->base);
+        return of_base ? std::optional(linear(*of_base, 1, this->map.origin)) : std::nullopt;
+    }
+    double moment_limit(Side side) const { return this->base.moment_limit(side); }
+    double mode() const requires requires(const Base& y) { y.mode(); }
+    { return this->map.origin + this->base.mode(); }
 
     double log_likelihood(std::span<const double> values) const requires requires(const Base& y) {
         y.log_likelihood(values);

@@ -221,8 +221,7 @@ class Affine final : public Univariate {
     std::optional<Moments> moments() const override {
         const auto of_base = base_->moments();
         if (!of_base) return std::nullopt;
-        return Moments{factor_ * of_base->mean + shift_, factor_ * factor_ * of_base->variance,
-                       std::copysign(1.0, factor_) * of_base->skewness, of_base->kurtosis};
+        return linear(*of_base, factor_, shift_);
     }
     double integrated_tail(Side side, double from, double to) const override {
         const double a = inverse(from), b = inverse(to), size = std::fabs(factor_);
@@ -479,22 +478,9 @@ double Mixture::first(double low, double high, bool by_lower, double target, Rea
 }
 
 std::optional<Moments> Mixture::moments() const {
-    double mean = 0;
     std::vector<Moments> of;
     for (const Shared& component : components_) of.push_back(pral::moments(*component));
-    for (std::size_t i = 0; i < of.size(); ++i)
-        if (weights_[i] > 0) mean += weights_[i] * of[i].mean;
-    double second = 0, third = 0, fourth = 0;
-    for (std::size_t i = 0; i < of.size(); ++i) {
-        if (weights_[i] == 0) continue;
-        const double d = of[i].mean - mean, v = of[i].variance, w = weights_[i];
-        const double m3 = v > 0 ? of[i].skewness * v * std::sqrt(v) : 0;
-        const double m4 = v > 0 ? (of[i].kurtosis + 3) * v * v : 0;
-        second += w * (v + d * d);
-        third += w * (m3 + 3 * d * v + d * d * d);
-        fourth += w * (m4 + 4 * d * m3 + 6 * d * d * v + d * d * d * d);
-    }
-    return Moments{mean, second, third / (second * std::sqrt(second)), fourth / (second * second) - 3};
+    return with_divergences(mixed(of, weights_), moment_limit(Side::lower), moment_limit(Side::upper));
 }
 
 }  // namespace

@@ -156,12 +156,6 @@ Moments central(double centre, double unit, const std::array<double, 4>& m) {
             fourth / (second * second) - 3};
 }
 
-/// Where the integrals of order k do not converge: infinite with one sign, or not at all.
-double divergent(int order, bool lower, bool upper) {
-    if (lower && upper && order % 2 == 1) return numerics::kNaN;
-    return lower && order % 2 == 1 ? -HUGE_VAL : HUGE_VAL;
-}
-
 Moments numeric_moments(const Univariate& d) {
     const double centre = median(d);
     const double spread = d(Function::quantile, 0.75) - d(Function::quantile, 0.25);
@@ -172,19 +166,10 @@ Moments numeric_moments(const Univariate& d) {
         const auto part = tail_powers<4>(d, side, 0, 0.5, centre, unit);
         for (std::size_t k = 0; k < 4; ++k) sums[k] += part[k];
     }
-    Moments all = central(centre, unit, sums);
-    const auto diverges = [&](Side side, int order) {
-        return std::isinf(end_of(d, side)) && !(d.moment_limit(side) > order);
+    const auto limit = [&](Side side) {
+        return std::isinf(end_of(d, side)) ? d.moment_limit(side) : HUGE_VAL;
     };
-    double* const members[] = {&all.mean, &all.variance, &all.skewness, &all.kurtosis};
-    for (int order = 4; order >= 1; --order) {
-        const bool lower = diverges(Side::lower, order), upper = diverges(Side::upper, order);
-        if (!lower && !upper) break;
-        *members[order - 1] = divergent(order, lower, upper);
-        if (order == 2) all.skewness = all.kurtosis = numerics::kNaN;
-        if (order == 1 && std::isnan(all.mean)) all.variance = numerics::kNaN;
-    }
-    return all;
+    return with_divergences(central(centre, unit, sums), limit(Side::lower), limit(Side::upper));
 }
 
 }  // namespace

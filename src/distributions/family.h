@@ -9,6 +9,7 @@
 
 #include "boundary/error_text.h"
 #include "boundary/random.h"
+#include "distributions/moments.h"
 #include "numerics/constants.h"
 #include "numerics/elementary.h"
 #include "numerics/falling_sums.h"
@@ -22,6 +23,9 @@ struct Support {
 
 inline constexpr Support kReals = {-numerics::kInfinity, numerics::kInfinity};
 inline constexpr Support kPositiveReals = {0, numerics::kInfinity};
+
+/// Of the values of a variable, or of a probability.
+enum class Side { lower, upper };
 
 /// What an adapter needs of a distribution that has no parameters to check.
 template <class D>
@@ -58,6 +62,10 @@ concept Distribution = requires(const D& d, double x) {
 ///   log_survival(x)         ln(1 - F(x)), likewise
 ///   log_likelihood(values)  the sum of the log densities, where it is cheaper than its terms; also of a Sample
 ///                           (sample.h), where the statistics of the data are enough
+///   moments()               Moments (moments.h), also optional ones, where they have closed forms or sums of their own
+///   moment_limit(side)      the largest order, not included, up to which E|X|^k is finite on that side of an infinite
+///                           support; without it all are
+///   mode()                  a value of the highest density, the least of several; peak() where a parameter is called mode
 ///   random(u, stream)       a generator of its own for bare calls; u is a uniform already drawn
 ///   check_probability()     the objection in the probability members, where it differs from check()
 ///   kEndsFirst = true       percentiles 0 and 1 give the ends even where there is a point mass
@@ -86,8 +94,6 @@ Message check_probability(const D& d) {
 struct Tails {
     double lower, upper;
 };
-
-enum class Side { lower, upper };
 
 /// A tail probability and which of the two it is.
 struct Tail {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "distributions/family.h"
+#include "distributions/moments.h"
 
 namespace pral {
 
@@ -24,11 +25,6 @@ enum class Function {
 
 /// Which numbers a variable takes.
 enum class Values { continuous, integers, countable, mixed };
-
-/// Mean, variance, skewness and excess kurtosis. Infinite where the integral diverges, NaN where there is none.
-struct Moments {
-    double mean, variance, skewness, kurtosis;
-};
 
 /// A distribution whose parameters are in order. It never changes, so any number of threads may use it.
 ///

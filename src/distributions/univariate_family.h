@@ -147,15 +147,18 @@ class UnivariateFamily final : public Univariate {
 
     std::optional<Moments> moments() const override {
         if (const auto point = d_.point_mass()) return Moments{*point, 0, numerics::kNaN, numerics::kNaN};
-        if constexpr (requires { d_.moments(); })
-            return d_.moments();
-        else
-            return std::nullopt;
+        if constexpr (requires { d_.moments(); }) {
+            const std::optional<Moments> all = d_.moments();
+            if (all) return with_divergences(*all, existing(Side::lower), existing(Side::upper));
+        }
+        return std::nullopt;
     }
     std::optional<double> mode() const override {
         if (const auto point = d_.point_mass()) return *point;
         if constexpr (requires { d_.mode(); })
             return d_.mode();
+        else if constexpr (requires { d_.peak(); })
+            return d_.peak();
         else
             return std::nullopt;
     }
@@ -168,6 +171,10 @@ class UnivariateFamily final : public Univariate {
     std::string text() const override { return family_text(name_, arguments_, is_table_); }
 
   private:
+    double existing(Side side) const {
+        const auto [lower, upper] = support();
+        return std::isinf(side == Side::lower ? lower : upper) ? moment_limit(side) : HUGE_VAL;
+    }
     bool countable([[maybe_unused]] double x) const {
         if constexpr (requires { D::kIntegers; })
             return x == std::floor(x);

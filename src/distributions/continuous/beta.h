@@ -167,6 +167,13 @@ struct StandardBeta : OfBeta<UnitInterval> {
 struct BetaOnInterval : OfBeta<UnitInterval> {
     BetaOnInterval(double alpha1, double alpha2, double min, double max)
         : OfBeta(alpha1, alpha2, UnitInterval(min, max)) {}
+    Moments moments() const {
+        const double a = ratio.a(), b = ratio.b();
+        Moments all = linear(beta_moments(a, b), map.width, map.min);
+        if (a > b) all.mean = map.max - map.width * (b / (a + b));
+        return all;
+    }
+    double peak() const { return beta_mode(ratio.a(), ratio.b(), map.min, map.max); }
     double log_likelihood(std::span<const double> values) const;
     /// By the distance from the end nearer to 0, which the sum keeps best.
     auto quantile_table() const {
@@ -250,6 +257,9 @@ struct StandardOdds : OfBeta<ScaledOdds> {
 /// A multiple of the odds of a beta variable.
 struct BetaOdds : OfBeta<ScaledOdds> {
     using OfBeta::OfBeta;
+    Moments moments() const { return linear(beta_odds_moments(ratio.a(), ratio.b()), map.scale.hi, 0); }
+    double moment_limit(Side side) const { return side == Side::upper ? ratio.b() : HUGE_VAL; }
+    double mode() const { return map.scale.hi * (std::max(ratio.a() - 1, 0.0) / (ratio.b() + 1)); }
     double log_likelihood(std::span<const double> values) const;
     auto quantile_table() const {
         return QuantileTable(StandardOdds(ratio.a(), ratio.b()), LinearPlace{0, map.scale.hi});

@@ -20,6 +20,9 @@ struct StandardCauchy {
         return p < 0.25 ? -1 / std::tan(numerics::kPi * p) : std::tan(numerics::kPi * (p - 0.5));
     }
     double quantile_upper(double q) const { return -quantile(q); }
+    Moments moments() const { return kNoMoments; }
+    double moment_limit(Side) const { return 1; }
+    double mode() const { return 0; }
 };
 
 /// Location a, scale b >= 0; b = 0 is a point mass at a.

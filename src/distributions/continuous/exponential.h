@@ -16,6 +16,11 @@ struct StandardExponential {
     double log_density(double z) const { return -z; }
     double quantile(double p) const { return -numerics::log1p_fn(-p); }
     double quantile_upper(double q) const { return -std::log(q); }
+    Moments moments() const { return {1, 1, 2, 6}; }
+    double log_mgf(double t) const { return t < 1 ? -numerics::log1p_fn(-t) : HUGE_VAL; }
+    double upper_rate() const { return 1; }
+    double mode() const { return 0; }
+    double tilted_mode(double) const { return 0; }
 };
 
 /// Mean beta >= 0; beta = 0 is a point mass at 0. F = 1 - exp(-x/beta).
@@ -42,6 +47,8 @@ struct Expon {
 
     double quantile(double p) const { return -beta * numerics::log1p_fn(-p); }
     double quantile_upper(double q) const { return -beta * std::log(q); }
+    Moments moments() const { return {beta, beta * beta, 2, 6}; }
+    double mode() const { return 0; }
 };
 
 }  // namespace pral

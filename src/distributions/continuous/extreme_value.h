@@ -3,6 +3,7 @@
 
 #include "distributions/adapters.h"
 #include "numerics/extended_log.h"
+#include "numerics/gamma.h"
 
 namespace pral {
 
@@ -20,6 +21,11 @@ struct StandardGumbel {
     }
     double quantile(double p) const { return -std::log(-std::log(p)); }
     double quantile_upper(double q) const { return -std::log(-numerics::log1p_fn(-q)); }
+    Moments moments() const {
+        constexpr double kApery = 1.202056903159594285400, kPi = numerics::kPi;
+        return {numerics::kEuler, kPi * kPi / 6, 12 * std::sqrt(6.0) * kApery / (kPi * kPi * kPi), 2.4};
+    }
+    double mode() const { return 0; }
 };
 
 /// F = 1 - exp(-e^z), the logarithm of a standard exponential variable.
@@ -29,6 +35,10 @@ struct StandardGumbelMin : Transformed<StandardGumbel, Negation> {
         return sum - numerics::sum_of_exps(z, [](double v) { return v; });
     }
     double lower_rate() const { return 1; }
+    Moments moments() const { return linear(base.moments(), -1, 0); }
+    double log_mgf(double t) const { return numerics::lgamma_1p(t); }
+    double mode() const { return 0; }
+    double tilted_mode(double t) const { return t < 1 ? numerics::log1p_fn(-t) : -HUGE_VAL; }
 };
 
 /// Location a, scale b >= 0, 0 being a point mass at a; support all reals. F = exp(-exp(-(x - a)/b)).
@@ -97,6 +107,23 @@ struct GEV : Transformed<StandardGumbel, BoxCox> {
         return base.log_density(y) - map.c * y - log_b_;
     }
     double log_likelihood(std::span<const double> values) const;
+
+    /// E e^(cY) = Gamma(1 - c) for a Gumbel variable Y.
+    std::optional<Moments> moments() const {
+        const double c = map.c;
+        if (map.straight()) return linear(base.moments(), map.b, map.a);
+        if (!(c < 1)) return kNoMoments;
+        const auto log_mgf = [c](double k) { return k * c < 1 ? numerics::lgamma_1p(-k * c) : HUGE_VAL; };
+        const auto relative = exponential_moments(log_mgf);
+        if (!relative) return std::nullopt;
+        Moments all = linear(*relative, map.b / c * std::exp(log_mgf(1)), 0);
+        all.mean = map.a + map.b * (numerics::expm1_fn(log_mgf(1)) / c);
+        return all;
+    }
+    double moment_limit(Side side) const {
+        return side == Side::upper && map.c > 0 && !map.straight() ? 1 / map.c : HUGE_VAL;
+    }
+    double mode() const { return map.c > -1 ? map.forward(-numerics::log1p_fn(map.c)) : support().upper; }
 
   private:
     double log_b_;

@@ -43,6 +43,13 @@ struct Fatigue : Transformed<StandardNormal, FatigueScore> {
         return map.beta == 0 ? std::optional(map.alpha) : std::nullopt;
     }
     double log_likelihood(std::span<const double> values) const;
+    Moments moments() const {
+        const double square = map.gamma * map.gamma, weight = 5 * square + 4;
+        const double deviation = map.beta * map.gamma * std::sqrt(0.25 * weight);
+        const double ratio = map.gamma / std::sqrt(weight);
+        return {map.alpha + map.beta * (1 + 0.5 * square), deviation * deviation,
+                4 * ratio * ((11 * square + 6) / weight), 6 * ratio * ratio * ((93 * square + 40) / weight)};
+    }
 };
 
 /// Mean mu > 0, shape lambda > 0; support [0, inf). f = sqrt(lambda/(2 pi x^3)) exp(-lambda (x - mu)^2/(2 mu^2 x)).
@@ -80,6 +87,14 @@ class InvGauss {
     }
     double quantile(double p) const;
     double quantile_upper(double q) const;
+    Moments moments() const {
+        const double square = mu / lambda, deviation = mu * std::sqrt(square);
+        return {mu, deviation * deviation, 3 * std::sqrt(square), 15 * square};
+    }
+    double mode() const {
+        const double r = 1.5 * mu / lambda;
+        return r < 1e150 ? mu / (std::sqrt(1 + r * r) + r) : lambda / 3;
+    }
     LogDensitySlope log_density_slope() const {
         return {{lambda / 2, -1.5, -lambda / mu / (2 * mu)}, {0, 0, 1}};
     }
@@ -131,6 +146,9 @@ struct Levy : Transformed<HalfNormal, LevyMap> {
         return nullptr;
     }
     std::optional<double> point_mass() const { return map.c == 0 ? std::optional(map.a) : std::nullopt; }
+    Moments moments() const { return kNoMoments; }
+    double moment_limit(Side side) const { return side == Side::upper ? 0.5 : HUGE_VAL; }
+    double mode() const { return map.a + map.c / 3; }
 };
 
 }  // namespace pral

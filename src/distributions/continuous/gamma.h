@@ -149,6 +149,8 @@ struct Gamma : OfGamma<GammaScale> {
     }
     double log_likelihood(std::span<const double> values) const;
     using OfGamma::log_likelihood;
+    Moments moments() const { return gamma_moments(alpha, beta); }
+    double mode() const { return std::max(alpha - 1, 0.0) * beta; }
 
   private:
     double log_gamma_;
@@ -198,11 +200,27 @@ struct HalfSquare {
     }
 };
 
+/// The root of a gamma variable. With m the mean of the square root of 2 G, its variance is 2 shape - m^2, which loses
+/// the digits of large shapes.
+struct RootOfGamma : OfGamma<HalfSquare> {
+    std::optional<Moments> moments() const {
+        constexpr double kLargest = 5;
+        if (shape > kLargest) return std::nullopt;
+        const double m =
+            std::sqrt(2.0) * std::exp(numerics::log_gamma(shape + 0.5) - numerics::log_gamma(shape));
+        const double variance = 2 * shape - m * m, deviation = std::sqrt(variance);
+        const double skewness = m * (1 - 2 * variance) / (variance * deviation);
+        const double kurtosis = 2 * (1 - m * deviation * skewness - variance) / variance;
+        return linear({m, variance, skewness, kurtosis}, map.scale, 0);
+    }
+    double mode() const { return map.scale * std::sqrt(std::max(2 * shape - 1, 0.0)); }
+};
+
 /// Degrees of freedom nu >= 1, an integer: the square root of ChiSq(nu).
-struct Chi : OfGamma<HalfSquare> {
+struct Chi : RootOfGamma {
     double nu;
 
-    explicit Chi(double nu_) : OfGamma{0.5 * nu_, HalfSquare(1)}, nu(nu_) {}
+    explicit Chi(double nu_) : RootOfGamma{{0.5 * nu_, HalfSquare(1)}}, nu(nu_) {}
     Message check() const {
         if (const Message objection = check_range()) return objection;
         return nu == std::floor(nu) ? nullptr : "Error: nu must be an integer";
@@ -211,8 +229,8 @@ struct Chi : OfGamma<HalfSquare> {
 };
 
 /// Scale A > 0: A times Chi(3), the speed of a gas molecule.
-struct Maxwell : OfGamma<HalfSquare> {
-    explicit Maxwell(double A) : OfGamma{1.5, HalfSquare(A)} {}
+struct Maxwell : RootOfGamma {
+    explicit Maxwell(double A) : RootOfGamma{{1.5, HalfSquare(A)}} {}
     Message check() const {
         if (!(map.scale > 0)) return "Error: A must be > 0";
         return nullptr;
@@ -239,6 +257,14 @@ struct Pearson5 : OfGamma<GammaReciprocal> {
         if (!(map.scale > 0)) return "Error: beta must be > 0";
         return nullptr;
     }
+    Moments moments() const {
+        const double mean = 1 / (shape - 1);
+        return linear({mean, mean * mean / (shape - 2), 4 * std::sqrt(shape - 2) / (shape - 3),
+                       6 * ((5 * shape - 11) / (shape - 3) / (shape - 4))},
+                      map.scale, 0);
+    }
+    double moment_limit(Side side) const { return side == Side::upper ? shape : HUGE_VAL; }
+    double mode() const { return map.scale / (shape + 1); }
 };
 
 /// z = ln(1 + x - end)/scale.
@@ -271,6 +297,19 @@ struct LogGamma : OfGamma<GammaLogarithm> {
         return map.scale == 0 ? std::optional(map.end) : std::nullopt;
     }
     double log_likelihood(std::span<const double> values) const;
+    std::optional<Moments> moments() const {
+        const auto log_mgf = [this](double k) {
+            return k * map.scale < 1 ? -shape * numerics::log1p_fn(-k * map.scale) : HUGE_VAL;
+        };
+        if (!(map.scale < 1)) return kNoMoments;
+        const auto relative = exponential_moments(log_mgf);
+        if (!relative) return std::nullopt;
+        Moments all = linear(*relative, std::exp(log_mgf(1)), 0);
+        all.mean = map.end + numerics::expm1_fn(log_mgf(1));
+        return all;
+    }
+    double moment_limit(Side side) const { return side == Side::upper ? 1 / map.scale : HUGE_VAL; }
+    double mode() const { return map.forward(std::max(shape - 1, 0.0) / (1 + map.scale)); }
 };
 
 }  // namespace pral

@@ -142,6 +142,27 @@ double JohnsonU::log_likelihood(std::span<const double> values) const {
     return sum_of_log_densities(*this, values);
 }
 
+/// With w = e^(1/alpha2^2) and O = alpha1/alpha2, in powers of cosh 2 O and w that do not overflow before the result.
+Moments JohnsonU::moments() const {
+    const double delta = map.score.alpha2, O = map.score.alpha1 / delta, square = 1 / delta / delta;
+    const double w = std::exp(square), per_w = std::exp(-square);
+    const bool far = std::fabs(O) > 100;
+    const double c2 = far ? HUGE_VAL : std::cosh(2 * O), root = c2 * std::sqrt(c2);
+    const double cube = far ? std::copysign(std::sqrt(2.0), O) : std::sinh(3 * O) / root;
+    const double line = far ? 0 : std::sinh(O) / root;
+    const double share = 1 / (1 + per_w / c2), part = -expm1_fn(-square);
+    const double log_mean = 0.5 * square, e = std::exp(log_mean + std::fabs(O));
+    const double mean =
+        far ? -map.beta * std::copysign(0.5 * e, O) : -map.beta * std::exp(log_mean) * std::sinh(O);
+    const double deviation = far ? map.beta * (std::sqrt(0.25 * part) * std::exp(square + std::fabs(O)))
+                                 : map.beta * std::exp(0.5 * square) * std::sqrt(0.5 * part * (w * c2 + 1));
+    const double skewness = -std::sqrt(0.5 * part) * std::sqrt(w) * ((w + 2) * cube + 3 * line * per_w) *
+                            share * std::sqrt(share);
+    const double fourth = (w * w * (w * (w + 2) + 3) - 3) * (2 - 1 / c2 / c2) + 4 * (w + 2) / c2 +
+                          3 * (2 + per_w) * per_w / c2 / c2;
+    return {map.gamma + mean, deviation * deviation, skewness, 0.5 * fourth * share * share - 3};
+}
+
 }  // namespace pral
 
 PRAL_EXPORT_FAMILY(JohnsonB, (double alpha1, double alpha2, double min, double max),

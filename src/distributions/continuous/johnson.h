@@ -67,6 +67,7 @@ struct JohnsonU : Transformed<StandardNormal, JohnsonUMap> {
     std::optional<double> point_mass() const {
         return map.beta == 0 ? std::optional(map.gamma) : std::nullopt;
     }
+    Moments moments() const;
 };
 
 }  // namespace pral

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "distributions/family.h"
+#include "numerics/gamma.h"
 
 namespace pral {
 
@@ -48,6 +49,19 @@ struct Kumaraswamy4 {
     double log_likelihood(std::span<const double> values) const;
     double quantile(double p) const { return from_hazard(-numerics::log1p_fn(-p)); }
     double quantile_upper(double q) const { return from_hazard(-std::log(q)); }
+    /// E y^k = beta B(1 + k/alpha, beta)
+    std::optional<Moments> moments() const {
+        const auto log_power = [this](double k) {
+            return log_beta_ + numerics::log_beta(1 + k / alpha, beta);
+        };
+        const auto relative = exponential_moments(log_power);
+        if (!relative) return std::nullopt;
+        return linear(*relative, (max - min) * std::exp(log_power(1)), min);
+    }
+    double mode() const {
+        if (!(alpha > 1 && beta > 1)) return beta_mode(alpha, beta, min, max);
+        return min + (max - min) * std::exp(std::log((alpha - 1) / (alpha * beta - 1)) / alpha);
+    }
 
   private:
     double log_y(double x) const {
@@ -101,6 +115,7 @@ struct Bradford {
     double log_density(double x) const { return log_peak_ - numerics::log1p_fn(curvature_ * position(x)); }
     double quantile(double p) const { return from_tails(p, 1 - p); }
     double quantile_upper(double q) const { return from_tails(1 - q, q); }
+    double mode() const { return min; }
 
   private:
     double position(double x) const { return (x - min) / (max - min); }

@@ -5,6 +5,7 @@
 
 #include "distributions/adapters.h"
 #include "numerics/double_double.h"
+#include "numerics/gamma.h"
 
 namespace pral {
 
@@ -35,6 +36,19 @@ class AsymmetricLaplace {
     double quantile_upper(double q) const { return -inverse(above_, below_, q); }
     double lower_rate() const { return below_.rate; }
     double width() const { return 1 / std::max(below_.rate, above_.rate); }
+    double upper_rate() const { return above_.rate; }
+    /// The difference of two exponential variables.
+    Moments moments() const {
+        const double u = 1 / above_.rate, v = 1 / below_.rate;
+        return from_cumulants(u - v, u * u + v * v, 2 * (u * u * u - v * v * v),
+                              6 * (u * u * u * u + v * v * v * v));
+    }
+    double log_mgf(double t) const {
+        if (!(t < above_.rate)) return HUGE_VAL;
+        return -numerics::log1p_fn(-t / above_.rate) - numerics::log1p_fn(t / below_.rate);
+    }
+    double mode() const { return 0; }
+    double tilted_mode(double t) const { return t < below_.rate ? 0 : -HUGE_VAL; }
 
   private:
     struct Branch {
@@ -109,6 +123,12 @@ class Error {
     double log_likelihood(std::span<const double> values) const;
     double quantile(double p) const { return p > 0.5 ? quantile_upper(1 - p) : mu - sigma * distance(2 * p); }
     double quantile_upper(double q) const { return q > 0.5 ? quantile(1 - q) : mu + sigma * distance(2 * q); }
+    Moments moments() const {
+        const double a = 1 / nu;
+        const double kurtosis = std::exp(numerics::log_beta(5 * a, a) - numerics::log_beta(3 * a, 3 * a));
+        return {mu, sigma * sigma, 0, kurtosis - 3};
+    }
+    double mode() const { return mu; }
     auto quantile_table() const {
         const LinearPlace place = {mu, sigma};
         return QuantileTable(Error(0, 1, nu), place, place.cancels_below());

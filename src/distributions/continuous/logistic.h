@@ -2,6 +2,8 @@
 #pragma once
 
 #include "distributions/continuous/two_percentiles.h"
+#include "numerics/gamma.h"
+#include "numerics/polygamma.h"
 
 namespace pral {
 
@@ -38,6 +40,15 @@ struct StandardLogistic {
     }
     double quantile_upper(double q) const { return -quantile(q); }
     double lower_rate() const { return 1; }
+    double upper_rate() const { return 1; }
+    Moments moments() const { return {0, numerics::kPi * numerics::kPi / 3, 0, 1.2}; }
+    double log_mgf(double t) const {
+        return t < 1 ? numerics::lgamma_1p(t) + numerics::lgamma_1p(-t) : HUGE_VAL;
+    }
+    double mode() const { return 0; }
+    double tilted_mode(double t) const {
+        return t < 1 ? numerics::log1p_fn(-t) - numerics::log1p_fn(t) : -HUGE_VAL;
+    }
 };
 
 /// Location alpha, scale beta >= 0, 0 being a point mass at alpha; support all reals. F = 1/(1 + exp(-z)),
@@ -74,6 +85,19 @@ struct StandardGeneralisedLogistic {
                (gamma + 1) * sum_of_softplus_below(z);
     }
     double lower_rate() const { return gamma; }
+    double upper_rate() const { return 1; }
+    Moments moments() const {
+        using numerics::polygamma;
+        return from_cumulants(polygamma(0, gamma) + numerics::kEuler, polygamma(1, gamma) + polygamma(1, 1),
+                              polygamma(2, gamma) - polygamma(2, 1), polygamma(3, gamma) + polygamma(3, 1));
+    }
+    /// ln (Gamma(gamma + t) Gamma(1 - t)/Gamma(gamma))
+    double log_mgf(double t) const {
+        if (!(t < 1)) return HUGE_VAL;
+        return numerics::lgamma_1p(-t) + numerics::log_gamma(t) - numerics::log_beta(gamma, t);
+    }
+    double mode() const { return log_gamma; }
+    double tilted_mode(double t) const { return t < gamma ? std::log((gamma - t) / (1 + t)) : -HUGE_VAL; }
     double quantile(double p) const { return from_power(-std::log(p) / gamma); }
     double quantile_upper(double q) const { return from_power(-numerics::log1p_fn(-q) / gamma); }
 
@@ -135,6 +159,8 @@ struct StandardHyperbolicSecant {
         return z < 0 ? std::log(cumulative(z)) : numerics::log1p_fn(-survival(z));
     }
     double log_survival(double z) const { return log_cumulative(-z); }
+    Moments moments() const { return {0, 1, 0, 2}; }
+    double mode() const { return 0; }
 
   private:
     static constexpr double kHalfPi = numerics::kPi / 2;

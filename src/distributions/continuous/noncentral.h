@@ -2,6 +2,7 @@
 #pragma once
 
 #include "distributions/continuous/beta.h"
+#include "distributions/continuous/gamma.h"
 #include "distributions/quantile_search.h"
 #include "distributions/quantile_table.h"
 #include "numerics/noncentral_beta.h"
@@ -55,6 +56,12 @@ struct NCChiSq : SearchedQuantile<NCChiSq> {
         return std::fabs(log) == numerics::kInfinity ? std::copysign(HUGE_VAL, log) : log;
     }
     double start(Side side, double tail) const;
+    Moments moments() const {
+        const auto cumulant = [this](double k) { return nu + k * pnonc; };
+        const double variance = 2 * cumulant(2);
+        return {cumulant(1), variance, 8 * (cumulant(3) / variance) / std::sqrt(variance),
+                48 * (cumulant(4) / variance) / variance};
+    }
 };
 
 /// Degrees of freedom nu1 > 0, nu2 > 0, any real numbers, noncentrality ncp >= 0; support [0, inf):
@@ -75,6 +82,11 @@ struct NCF : OfUnitVariable<ScaledOdds, numerics::NoncentralBeta>, SearchedQuant
         return nullptr;
     }
     double start(Side side, double tail) const;
+    Moments moments() const {
+        return linear(of_product(NCChiSq(nu1, ncp).moments(), Pearson5(0.5 * nu2, 0.5).moments()), nu2 / nu1,
+                      0);
+    }
+    double moment_limit(Side side) const { return side == Side::upper ? 0.5 * nu2 : HUGE_VAL; }
 };
 
 }  // namespace pral

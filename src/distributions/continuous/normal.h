@@ -22,6 +22,11 @@ struct StandardNormal {
     double quantile(double p) const { return numerics::normal_quantile(p); }
     double quantile_upper(double q) const { return numerics::normal_quantile_upper(q); }
     void quantiles(std::span<double> p) const { numerics::normal_quantiles(p); }
+    Moments moments() const { return {0, 1, 0, 0}; }
+    double mode() const { return 0; }
+    double log_mgf(double t) const { return 0.5 * t * t; }
+    double tilted_mode(double t) const { return -t; }
+    double normal_deviation() const { return 1; }
 };
 
 /// Mean mu (any value), standard deviation sigma >= 0; sigma = 0 is a point mass at mu.
@@ -50,6 +55,12 @@ struct Normal {
     void quantiles(std::span<double> p) const;
     /// The cosine branch of Box and Muller (1958); its sine partner is not kept.
     double random(double u, RandomStream& stream) const;
+
+    Moments moments() const { return {mu, sigma * sigma, 0, 0}; }
+    double mode() const { return mu; }
+    double log_mgf(double t) const { return t * (mu + 0.5 * sigma * sigma * t); }
+    double tilted_mode(double t) const { return mu - sigma * sigma * t; }
+    double normal_deviation() const { return sigma; }
 };
 
 /// The Normal whose cumulative is Prob1 at Value1 and Prob2 at Value2: the larger probability, within [0,1], belongs to
@@ -109,6 +120,8 @@ class StandardNormalMix {
     double log_likelihood(std::span<const double> z) const;
     double quantile(double p) const;
     double quantile_upper(double q) const { return -quantile(q); }
+    Moments moments() const { return {0, 1, 0, excess_kurtosis}; }
+    double mode() const { return 0; }
 
   private:
     double wide_, narrow_, log_wide_, log_narrow_;
@@ -147,6 +160,12 @@ class StandardSkewNormal {
     double log_likelihood(std::span<const double> z) const;
     double quantile(double p) const;
     double quantile_upper(double q) const { return -StandardSkewNormal(-alpha).quantile(q); }
+    Moments moments() const {
+        const double mean = alpha / slant_ * std::sqrt(2 / numerics::kPi), variance = 1 - mean * mean;
+        const double ratio = mean / std::sqrt(variance);
+        return {mean, variance, 0.5 * (4 - numerics::kPi) * ratio * ratio * ratio,
+                2 * (numerics::kPi - 3) * ratio * ratio * ratio * ratio};
+    }
 
   private:
     double start(double p) const;  // near the quantile p <= 1/2
@@ -175,6 +194,9 @@ struct StandardSlash {
     double log_density(double z) const;
     double quantile(double p) const;
     double quantile_upper(double q) const { return -quantile(q); }
+    Moments moments() const { return kNoMoments; }
+    double moment_limit(Side) const { return 1; }
+    double mode() const { return 0; }
 
   private:
     static double tail(double z);  // the probability above z >= 0

@@ -17,6 +17,7 @@ struct Pareto : ShapeAndScale<StandardExponential> {
         return nullptr;
     }
     Support support() const { return {beta, numerics::kInfinity}; }
+    Moments moments() const { return linear(pareto_moments(alpha), beta, beta); }
     using ShapeAndScale::log_likelihood;
     double log_likelihood(const Sample& x) const {
         return x.count() * log_density(std::fmax(x.geometric_mean(), beta));
@@ -49,6 +50,9 @@ struct Pareto2 : Transformed<StandardExponential, ScaledExpm1> {
     }
     Support support() const { return kPositiveReals; }
     std::optional<double> point_mass() const { return map.b == 0 ? std::optional(0.0) : std::nullopt; }
+    Moments moments() const { return linear(pareto_moments(map.q), map.b, 0); }
+    double moment_limit(Side side) const { return side == Side::upper ? map.q : HUGE_VAL; }
+    double mode() const { return 0; }
     double log_density(double x) const { return log_peak_ - (map.q + 1) * map.log_one_plus(x); }
     double log_likelihood(std::span<const double> values) const {
         constexpr double kLargest = 1000;  // larger shapes would multiply the rounding of 1 + x/b

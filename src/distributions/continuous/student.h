@@ -42,6 +42,9 @@ struct StandardStudent {
     double quantile(double p) const { return numerics::student_quantile(nu, p); }
     double quantile_upper(double q) const { return -numerics::student_quantile(nu, q); }
 
+    Moments moments() const { return {0, nu / (nu - 2), 0, 6 / (nu - 4)}; }
+    double moment_limit(Side) const { return nu; }
+    double mode() const { return 0; }
     LogDensitySlope log_density_slope() const { return {{0, -(nu + 1), 0}, {nu, 0, 1}}; }
 
   private:

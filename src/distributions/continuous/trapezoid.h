@@ -3,7 +3,9 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <type_traits>
 
 #include "distributions/family.h"
 #include "numerics/sums.h"
@@ -150,6 +152,19 @@ struct Trapezoid {
     }
     double quantile(double p) const { return at_tail(left, right, p); }
     double quantile_upper(double q) const { return at_tail(right, left, q); }
+    /// Of a mixture of the stages; the distance of a stage's values from its end is a beta variable.
+    Moments moments() const requires std::is_same_v<Axis, LinearAxis> {
+        const auto stage = [](const Stage& s) {
+            return linear(beta_moments(s.power, 1), s.direction * s.width, s.end);
+        };
+        const double level = right.mode - left.mode;
+        return mixed(std::array{stage(left), Moments{left.mode + 0.5 * level, level * level / 12, 0, -1.2},
+                                stage(right)},
+                     std::array{left.mass, level_mass_, right.mass});
+    }
+    double peak() const requires std::is_same_v<Axis, LinearAxis> {
+        return left.power == 1 ? left.end : left.mode;
+    }
 
   private:
     /// The probability between the end of `here` and x, without a difference.

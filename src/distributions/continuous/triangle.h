@@ -155,6 +155,17 @@ struct LogLevel : Trapezoid<LogAxis> {
     double log_likelihood(const Sample& x) const {
         return x.count() * log_density(std::clamp(x.geometric_mean(), min, max));
     }
+    std::optional<Moments> moments() const {
+        const double length = LogAxis::distance(min, max);
+        const auto log_power = [length](double k) {  // ln of the mean of e^(k y) over y in [0, length]
+            const double y = k * length;
+            return y < 700 ? std::log(numerics::expm1_fn(y) / y) : y - std::log(y);
+        };
+        const auto relative = exponential_moments(log_power);
+        return relative ? std::optional(linear(*relative, LogAxis::move(min, log_power(1)), 0))
+                        : std::nullopt;
+    }
+    double mode() const { return min; }
 };
 
 /// 0 < Min < Max; support [Min, Max]. F = ln(x/Min)/ln(Max/Min).

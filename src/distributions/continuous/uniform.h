@@ -29,6 +29,8 @@ struct Uniform {
 
     double quantile(double p) const { return moved(min, distance(min, max) * p); }
     double quantile_upper(double q) const { return moved(max, -(distance(min, max) * q)); }
+    Moments moments() const { return {0.5 * min + 0.5 * max, (max - min) * ((max - min) / 12), 0, -1.2}; }
+    double mode() const { return min; }
 
   private:
     bool is_wide() const { return max - min > DBL_MAX; }

@@ -1,6 +1,7 @@
 // Distributions on the values of a table: with a weight each (Discrete) or all alike (DUniform).
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <span>
 #include <vector>
@@ -65,6 +66,16 @@ class Discrete {
 
     double quantile(double p) const;
     void quantiles(std::span<double> p) const;
+    Moments moments() const {
+        return point_moments([this](auto visit) {
+            for (std::size_t i = 0; i < table_.size(); ++i)
+                visit(table_.weights()[i] / total(), table_.values()[i]);
+        });
+    }
+    double mode() const {
+        return table_.values()[static_cast<std::size_t>(std::ranges::max_element(table_.weights()) -
+                                                        table_.weights().begin())];
+    }
 
   private:
     double total() const { return sums_.back(); }
@@ -89,6 +100,21 @@ class DUniform {
     double survival(double x) const;
     double log_density(double x) const;
     double quantile(double p) const;
+    Moments moments() const {
+        return point_moments([this](auto visit) {
+            for (const double value : table_.values()) visit(share(1), value);
+        });
+    }
+    double mode() const {
+        const auto values = table_.values();
+        double best = values.front();
+        std::size_t most = 0;
+        for (std::size_t begin = 0, end; begin < values.size(); begin = end) {
+            for (end = begin + 1; end < values.size() && values[end] == values[begin];) ++end;
+            if (end - begin > most) most = end - begin, best = values[begin];
+        }
+        return best;
+    }
 
   private:
     double share(std::size_t count) const {

@@ -39,6 +39,13 @@ struct StepUniform {
     }
     double quantile(double p) const { return point(std::min(std::floor((steps + 1) * p), steps)); }
 
+    Moments moments() const {
+        const double points = steps + 1, square = points * points;
+        return {0.5 * min + 0.5 * max, (max - min) * ((max - min) / 12) * ((points + 1) / steps), 0,
+                -1.2 * (1 + 2 / (square - 1))};
+    }
+    double mode() const { return min; }
+
   private:
     double point(double number) const { return number == steps ? max : min + number * step; }
     double nearest(double x) const { return std::floor((x - min) / step + 0.5); }

@@ -77,6 +77,11 @@ struct BetaBinomial : SummedTails<BetaBinomial> {
         return n < 0x1p53 || k < middle() ? beyond(k) : mirrored().up_to(n - k - 1);
     }
     double pivot() const { return std::floor(n * (alpha / (alpha + beta))); }
+    std::optional<Moments> moments() const {
+        const Moments all = beta_binomial_moments(n, alpha, beta);
+        return n == std::floor(n) && std::isfinite(all.kurtosis) ? std::optional(all) : std::nullopt;
+    }
+    double mode() const { return beta_binomial_mode(std::floor(n), alpha, beta); }
     double start(double u) const { return std::floor(n * numerics::beta_lower_inverse(alpha, beta, u).x); }
 
   private:
@@ -120,6 +125,12 @@ struct BetaNegBin : SummedTails<BetaNegBin> {
     /// The upper sum of an s that is not whole is the last resort.
     double pivot() const { return whole() || s > 0x1p53 ? middle() : numerics::kInfinity; }
     double middle() const { return std::floor(s * (b / (a + 1))); }
+    /// A Poisson count whose rate is a gamma variable times the odds of a beta variable.
+    Moments moments() const {
+        return poisson_mixture(of_product(gamma_moments(s, 1), beta_odds_moments(b, a)));
+    }
+    double moment_limit(Side side) const { return side == Side::upper ? a : HUGE_VAL; }
+    double mode() const { return mode_before((b - 1) * ((s - 1) / (a + 1)), 0); }
     bool whole() const { return s == std::floor(s) && s <= 0x1p53; }
 
     std::optional<Tails> counted(double k) const {
@@ -191,6 +202,9 @@ struct BetaGeometric : SummedTails<BetaGeometric> {
     double log_density(double k) const { return log_survival(k - 1) + std::log(alpha / (alpha + beta + k)); }
     double mass_ratio(double k) const { return (beta + k) / (alpha + beta + k + 1); }
     double tail_exponent() const { return alpha; }
+    Moments moments() const { return BetaNegBin(1, alpha, beta).moments(); }
+    double moment_limit(Side side) const { return side == Side::upper ? alpha : HUGE_VAL; }
+    double mode() const { return 0; }
 
     /// 1 - F(k) is about (c/(c + k + 1))^alpha with this c; a Pareto tail.
     double start(double u) const {

@@ -43,6 +43,12 @@ struct Binomial : OnIntegers<Binomial> {
     double log_density(double k) const {
         return numerics::log_beta_density(k + 1, n - k + 1, p, 1 - p) - numerics::log1p_fn(n);
     }
+    std::optional<Moments> moments() const {
+        if (n != std::floor(n)) return std::nullopt;
+        const double variance = n * p * (1 - p);
+        return Moments{n * p, variance, (1 - 2 * p) / std::sqrt(variance), (1 - 6 * p * (1 - p)) / variance};
+    }
+    double mode() const { return mode_before((n + 1) * p, 0, support().upper); }
     double mass_ratio(double k) const { return (n - k) / (k + 1) * (p / (1 - p)); }
 
     /// With a variance above 100,000 the value is taken as normal.

@@ -35,6 +35,10 @@ struct Delaporte : SummedTails<Delaporte> {
     }
 
     double pivot() const { return alpha * beta + lambda; }
+    Moments moments() const {
+        if (no_polya()) return poisson_.moments();
+        return poisson_mixture(linear(gamma_moments(alpha, beta), 1, lambda));
+    }
     double up_to(double k) const;
     double above(double k) const;
     double log_density(double k) const;

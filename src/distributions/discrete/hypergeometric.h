@@ -93,6 +93,22 @@ struct Hypergeo : OnIntegers<Hypergeo> {
         return n == M ? std::optional(D) : std::nullopt;
     }
 
+    std::optional<Moments> moments() const {
+        if (M < 4) return std::nullopt;
+        const double drawn = n / M, marked = D / M, of_drawn = drawn * ((M - n) / M),
+                     of_marked = marked * ((M - D) / M);
+        const double variance = M * of_drawn * (of_marked * (M / (M - 1)));
+        const double kurtosis =
+            ((M - 1) / (M - 2) *
+                 ((1 + 1 / M - 6 * of_marked - 6 * of_drawn) / of_marked / (of_drawn * (M - 3))) +
+             6 * ((5 * M - 6) / (M - 2) / (M - 3)));
+        return Moments{n * marked, variance,
+                       ((M - 2 * D) / M) * ((M - 2 * n) / (M - 2)) / std::sqrt(variance), kurtosis};
+    }
+    double mode() const {
+        const auto [least, most] = support();
+        return mode_before((n + 1) * ((D + 1) / (M + 2)), least, most);
+    }
     double cumulative(double k) const { return counts_.lower(k); }
     double survival(double k) const { return counts_.upper(k); }
     double log_density(double k) const { return counts_.log_density(k); }
@@ -131,6 +147,12 @@ struct InvHypergeo : OnIntegers<InvHypergeo> {
     Support support() const { return {0, M - D}; }
     std::optional<double> point_mass() const { return s == 0 || D == M ? std::optional(0.0) : std::nullopt; }
 
+    /// Beta-binomial: the part of the unmarked items before the s-th of D marks is a beta variable.
+    std::optional<Moments> moments() const {
+        const Moments all = beta_binomial_moments(M - D, s, D - s + 1);
+        return std::isfinite(all.kurtosis) ? std::optional(all) : std::nullopt;
+    }
+    double mode() const { return beta_binomial_mode(M - D, s, D - s + 1); }
     double cumulative(double x) const { return Hypergeometric(s + x, D, M).upper(s - 1); }
     double survival(double x) const { return Hypergeometric(s + x, D, M).lower(s - 1); }
     double log_density(double x) const {
@@ -160,6 +182,11 @@ struct HypergeoD : OnIntegers<HypergeoD> {
     Support support() const { return {s, s + (M - n)}; }
     std::optional<double> point_mass() const { return n == M ? std::optional(s) : std::nullopt; }
 
+    std::optional<Moments> moments() const {
+        const auto of_unmarked = beyond_.moments();
+        return of_unmarked ? std::optional(linear(*of_unmarked, 1, s)) : std::nullopt;
+    }
+    double mode() const { return s + beyond_.mode(); }
     double cumulative(double k) const { return beyond_.cumulative(k - s); }
     double survival(double k) const { return beyond_.survival(k - s); }
     double log_density(double k) const { return beyond_.log_density(k - s); }
@@ -194,6 +221,7 @@ struct HypergeoM : SummedTails<HypergeoM> {
 
     /// The mode: the ratio of masses is (M' - D)(M' - n)/(M'(M' - D - n + s)), M' = M + 1, and so 1 at M' = D n/s.
     double pivot() const { return std::clamp(std::floor(D * (n / s)), D + n - s, Max); }
+    double mode() const { return mode_before(D * (n / s), D + n - s, Max); }
     double log_density(double M) const { return log_hypergeometric(n, D, M, s) - log_total_; }
     double mass_ratio(double M) const {
         return (M + 1 - D) / (M + 1 - D - (n - s)) * ((M + 1 - n) / (M + 1));

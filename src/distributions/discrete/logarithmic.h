@@ -32,6 +32,18 @@ struct Logarithmic : SummedTails<Logarithmic> {
     double log_density(double k) const { return k * log_theta_ - std::log(k) - log_scale_; }
     double mass_ratio(double k) const { return theta * (k / (k + 1)); }
     double pivot() const { return 1; }
+    /// From the factorial moments (k - 1)! a y^k, which cancel for small theta.
+    std::optional<Moments> moments() const {
+        if (theta < 0.02) return std::nullopt;
+        const double a = std::exp(-log_scale_), y = theta / (1 - theta), mean = a * y;
+        const double variance = mean * (1 + y * (1 - a));
+        const double third = mean * (1 + y * (3 - 3 * a + y * (2 - a * (3 - 2 * a))));
+        const double fourth =
+            mean * (1 + y * (7 - 4 * a + y * (12 - a * (12 - 6 * a) + y * (6 - a * (8 - a * (6 - 3 * a))))));
+        return Moments{mean, variance, third / (variance * std::sqrt(variance)),
+                       fourth / (variance * variance) - 3};
+    }
+    double mode() const { return 1; }
     double up_to(double k) const {
         if (!near_one() || k <= kFew) return SummedTails::up_to(k);
         return 1 - above(k);

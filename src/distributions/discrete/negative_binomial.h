@@ -36,6 +36,11 @@ struct Bernoulli : OnIntegers<Bernoulli> {
     void quantiles_upper(std::span<double> q) const {
         for (double& value : q) value = quantile_upper(value);
     }
+    Moments moments() const {
+        const double variance = p * (1 - p);
+        return {p, variance, (1 - 2 * p) / std::sqrt(variance), (1 - 6 * variance) / variance};
+    }
+    double mode() const { return p > 0.5 ? 1 : 0; }
 };
 
 /// What the negative binomial families share: failures before the s-th success, real s > 0, each trial succeeding with
@@ -80,6 +85,11 @@ struct NegativeBinomial : OnIntegers<D> {
         return sum + x.count() * (s * log_p + x.mean() * std::log(q));
     }
     double mass_ratio(double k) const { return (s + k) / (k + 1) * q; }
+    Moments moments() const {
+        const double deviation = std::sqrt(s * q) / p;
+        return {s * q / p, deviation * deviation, (1 + q) / std::sqrt(s * q), 6 / s + p * p / (s * q)};
+    }
+    double mode() const { return mode_before((s - 1) * q / p, 0); }
     /// The gamma distribution with the same mean and variance.
     double matched_gamma(double u) const { return numerics::gamma_lower_inverse(s * q, u) / p; }
     double start(double u) const { return std::floor(matched_gamma(u)); }

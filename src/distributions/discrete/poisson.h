@@ -22,6 +22,8 @@ struct Poisson : OnIntegers<Poisson> {
     double log_survival(double k) const { return numerics::log_gamma_lower(k + 1, lambda); }
     double log_density(double k) const { return numerics::log_gamma_density(k + 1, lambda); }
     double mass_ratio(double k) const { return lambda / (k + 1); }
+    Moments moments() const { return {lambda, lambda, 1 / std::sqrt(lambda), 1 / lambda}; }
+    double mode() const { return mode_before(lambda, 0); }
 
     /// Above a rate of 5000 the square root of the value is taken as normal.
     bool approximates() const { return lambda > 5000; }

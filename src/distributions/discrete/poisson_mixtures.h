@@ -21,6 +21,9 @@ struct PoissonUniform : OnIntegers<PoissonUniform> {
     Support support() const { return kPositiveReals; }
     std::optional<double> point_mass() const { return std::nullopt; }
 
+    Moments moments() const {
+        return poisson_mixture({0.5 * Min + 0.5 * Max, (Max - Min) * ((Max - Min) / 12), 0, -1.2});
+    }
     double cumulative(double k) const;
     double survival(double k) const;
     double log_density(double k) const;

@@ -22,6 +22,11 @@ struct Skellam : OnIntegers<Skellam> {
     Support support() const { return kReals; }
     std::optional<double> point_mass() const { return std::nullopt; }
 
+    Moments moments() const {
+        const double variance = Lambda1 + Lambda2;
+        return {Lambda1 - Lambda2, variance, (Lambda1 - Lambda2) / variance / std::sqrt(variance),
+                1 / variance};
+    }
     double cumulative(double k) const {
         return k < 0 ? numerics::noncentral_chi_square_lower(-2 * k, 2 * Lambda1, 2 * Lambda2)
                      : numerics::noncentral_chi_square_upper(2 * k + 2, 2 * Lambda2, 2 * Lambda1);

@@ -47,6 +47,31 @@ struct ZeroTruncated {
         return point ? std::optional(std::max(*point, 1.0)) : std::nullopt;
     }
 
+    /// The powers about the mean t of what is left are those of the base but for the zeros, (-t)^k each. With little left
+    /// that cancels.
+    std::optional<Moments> moments() const requires requires(const Base& b) { b.moments(); }
+    {
+        constexpr bool heavy = requires { base.moment_limit(Side::upper); };
+        if (not_zero_ < 0.05 && !heavy) return std::nullopt;
+        const std::optional<Moments> of = base.moments();
+        if (!of || zero_ == 0) return of;
+        const double t = of->mean / not_zero_, d = of->mean - t, v = of->variance;
+        const double m3 = of->skewness * v * std::sqrt(v), m4 = (of->kurtosis + 3) * v * v;
+        const double second = (v + d * d - zero_ * t * t) / not_zero_;
+        const double third = (m3 + 3 * d * v + d * d * d + zero_ * t * t * t) / not_zero_;
+        const double fourth =
+            (m4 + 4 * d * m3 + 6 * d * d * v + d * d * d * d - zero_ * t * t * t * t) / not_zero_;
+        return Moments{t, second, third / (second * std::sqrt(second)), fourth / (second * second) - 3};
+    }
+    double moment_limit(Side side) const requires requires(const Base& b) { b.moment_limit(side); }
+    { return base.moment_limit(side); }
+    std::optional<double> mode() const requires requires(const Base& b) { b.mode(); }
+    {
+        const double of_base = std::max(base.mode(), 1.0), last = base.support().upper;
+        const bool rises = last < numerics::kInfinity && log_density(last) > log_density(of_base);
+        return rises ? last : of_base;
+    }
+
     /// Near 0 the sum of the masses, which is no difference of two percentiles close to each other.
     double cumulative(double x) const {
         constexpr int kFew = 32;
