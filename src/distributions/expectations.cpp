@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "numerics/adaptive_integral.h"
+#include "numerics/gauss_legendre.h"
 #include "numerics/ordinals.h"
 
 namespace pral {
@@ -57,7 +58,7 @@ std::array<double, N> smooth_powers(const Univariate& d, Side side, double least
     std::array<double, N> sums = {};
     if (!(least < most)) return sums;
     constexpr double kLast = 700;  // exp(-700) is no denormal number yet
-    const double end = least > 0 ? std::min(std::log(most / least), kLast) : kLast;
+    const double end = std::min(std::log(most / std::max(least, DBL_MIN)), kLast);
     std::vector<double> x;
     const auto values = [&](std::span<const double> y, std::span<std::array<double, N>> out) {
         x.resize(y.size());
@@ -74,7 +75,7 @@ std::array<double, N> smooth_powers(const Univariate& d, Side side, double least
         for (std::size_t k = 0; k < N; ++k) sums[k] += piece[k];
     }
     if (least == 0) {
-        const double tail = most * std::exp(-kLast);
+        const double tail = most * std::exp(-end);
         add_remainder(sums, powers<N>(d(quantile_of(side), tail), centre, unit), tail, d.moment_limit(side));
     }
     return sums;
@@ -136,12 +137,56 @@ std::array<double, N> tail_powers(const Univariate& d, Side side, double least, 
 
 double median(const Univariate& d) { return d(Function::quantile, 0.5); }
 
+/// The sum of S(k) over first <= k < end for a tail that falls as k^-exponent: the
+/// first ones by themselves, the others by the integral of S from first - 1/2 to end - 1/2 and its first correction
+/// (Euler and Maclaurin) in panels of ln k, between integers by the parabola through ln S at three of them.
+double sum_of_slow_tails(const Univariate& d, double first, double end, double exponent) {
+    constexpr double kDirect = 1 << 13, kExact = 0x1p50, kPanel = 2, kNegligible = 1e-17;
+    const auto log_tail = [&](double k) { return d(Function::log_survival, k); };
+    const double direct = std::min(end, first + kDirect);
+    std::vector<double> tails;
+    for (double k = first; k < direct; ++k) tails.push_back(k);
+    d.evaluate(Function::survival, tails, tails);
+    double sum = 0;
+    for (std::size_t i = tails.size(); i-- > 0;) sum += tails[i];
+    if (!(direct < end)) return sum;
+    const auto smooth = [&](double x) {
+        const double k = std::round(x), s = x - k;
+        if (x > kExact) return log_tail(x);
+        const double below = log_tail(k - 1), here = log_tail(k), above = log_tail(k + 1);
+        return here + 0.5 * s * (above - below) + 0.5 * s * s * (above - 2 * here + below);
+    };
+    const auto slope = [&](double k) { return std::exp(log_tail(k)) - std::exp(log_tail(k - 1)); };
+    double rest = slope(direct) / 24 - (end < kExact ? slope(end) / 24 : 0);
+    const double last = std::log(std::min(end - 0.5, numerics::kInfinity));
+    for (double y = std::log(direct - 0.5); y < last;) {
+        const double width = std::min(kPanel, last - y);
+        rest += numerics::integrate(width, 1,
+                                    [&](double t) { return std::exp(smooth(std::exp(y + t)) + y + t); });
+        y += width;
+        const double left = exponent > 1 ? std::exp(smooth(std::exp(y)) + y) / (exponent - 1) : HUGE_VAL;
+        if (std::isinf(end) && left <= kNegligible * (sum + rest)) break;
+        // Beyond any scale that counts the tail is its power.
+        constexpr double kPurePower = 90;
+        if (std::isinf(end) && y > kPurePower) return sum + (rest + left);
+    }
+    return sum + rest;
+}
+
 /// E (X - from)^+ less E (X - to)^+ for Side::upper, from >= median: the integral of S there, by quantiles. Mirrored for
 /// Side::lower.
 double outer_tail(const Univariate& d, Side side, double from, double to) {
     const double most = d(tail_of(side), from), least = std::isinf(to) ? 0 : d(tail_of(side), to);
     const double end = end_of(d, side);
     if (std::isinf(to) && std::isinf(end) && !(d.moment_limit(side) > 1)) return HUGE_VAL;
+    if (side == Side::upper && d.values() == Values::integers && d.moment_limit(side) < HUGE_VAL) {
+        // S is level from each integer to the next.
+        const double first = std::floor(from) + 1, last = std::isinf(to) ? to : std::floor(to);
+        const auto survival = [&](double k) { return d(Function::survival, k); };
+        if (last < first) return (to - from) * most;
+        return (first - from) * most + sum_of_slow_tails(d, first, last, d.moment_limit(side)) +
+               (std::isinf(to) ? 0 : (to - last) * survival(last));
+    }
     const double sum = std::fabs(tail_powers<1>(d, side, least, std::min(most, 0.5), from, 1)[0]);
     return least > 0 ? sum + std::fabs(to - from) * least : sum;
 }

@@ -48,6 +48,11 @@ struct Lifetime2 : Transformed<StandardExponential, RisingHazard> {
         return nullptr;
     }
     Support support() const { return kPositiveReals; }
+    /// Where the rate's slope is its square.
+    double mode() const {
+        const double root = std::sqrt(map.b);
+        return map.a < root ? (1 - map.a / root) / root : 0;
+    }
 };
 
 /// Map: the time t at which the cumulative hazard of the rate A + B t + C t^2 > 0 reaches y. With B < 0 the rate falls
@@ -164,6 +169,7 @@ struct LifetimeExp : Transformed<StandardExponential, ExponentialHazard> {
         if (!(map.B > 0)) return "Error: B must be > 0";
         return nullptr;
     }
+    double mode() const { return std::max((std::log(map.B) - map.A) / map.B, 0.0); }
     Support support() const { return kPositiveReals; }
 };
 

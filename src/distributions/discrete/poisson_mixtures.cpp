@@ -1,5 +1,8 @@
 #include "distributions/discrete/poisson_mixtures.h"
 
+#include <array>
+#include <iterator>
+
 #include "distributions/continuous/exponential.h"
 #include "distributions/continuous/uniform.h"
 #include "distributions/exports.h"
@@ -136,6 +139,22 @@ double BurntFingerPoisson::random(double u, RandomStream& stream) const {
     if (equal()) return poisson_after().quantile(u);
     const double first = Expon{1 / Lambda1}.quantile(stream.uniform());
     return first < 1 ? 1 + Poisson((1 - first) * Lambda2).quantile(stream.uniform()) : 0;
+}
+
+/// 0 or, from the time 1 - s/Lambda1 that is left after the first event, s exponential, 1 and a Poisson count.
+Moments BurntFingerPoisson::moments() const {
+    constexpr double kFarthest = 60;
+    constexpr int kPanels = 6;
+    const double reach = std::min(Lambda1, kFarthest), happens = -numerics::expm1_fn(-Lambda1);
+    const Moments time = point_moments([&](auto visit) {
+        numerics::integrate(reach, kPanels, [&, half = 0.5 * reach / kPanels, i = 0](double s) mutable {
+            const double weight = numerics::kLegendre[i++ / 2 % std::size(numerics::kLegendre)][1];
+            visit(half * weight * std::exp(-s) / -numerics::expm1_fn(-reach), 1 - s / Lambda1);
+            return 0.0;
+        });
+    });
+    const Moments counts = linear(poisson_mixture(linear(time, Lambda2, 0)), 1, 1);
+    return mixed(std::array{counts, Moments{0, 0, 0, 0}}, std::array{happens, 1 - happens});
 }
 
 }  // namespace pral

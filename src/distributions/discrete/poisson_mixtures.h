@@ -75,6 +75,7 @@ struct BurntFingerPoisson : OnIntegers<BurntFingerPoisson> {
     void quantiles_upper(std::span<double> q) const {
         equal() ? poisson_after().quantiles_upper(q) : OnIntegers::quantiles_upper(q);
     }
+    Moments moments() const;
     bool rounds_after_shift() const { return equal() && poisson_after().rounds_after_shift(); }
     double quantile_unrounded(Side side, double tail) const {
         return poisson_after().quantile_unrounded(side, tail);
