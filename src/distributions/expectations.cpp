@@ -317,7 +317,8 @@ double log_quantile(const Univariate& d, Side side, double log_p) {
         const double log = d(log_tail_of(side), x);
         return side == Side::lower ? log >= log_p : log <= log_p;
     };
-    if (reached(low)) return low;
+    if (reached(low)) return low > -numerics::kInfinity ? low : outer;
+    if (!reached(high)) return outer;
     for (int step = 0; step < 64; ++step) {
         const double middle = numerics::middle_double(low, high);
         if (middle == low || middle == high) break;
