@@ -114,9 +114,11 @@ class UnivariateFamily final : public Univariate {
                     return detail::infinite_again(d_.log_density(x + 0.0));
                 });
             case Function::cumulative:
-                return tail(in, out, 0, 1, [&](double x) { return std::clamp(tail_at(Side::lower, x), 0.0, 1.0); });
+                return tail(in, out, 0, 1,
+                            [&](double x) { return std::clamp(tail_at(Side::lower, x), 0.0, 1.0); });
             case Function::survival:
-                return tail(in, out, 1, 0, [&](double x) { return std::clamp(tail_at(Side::upper, x), 0.0, 1.0); });
+                return tail(in, out, 1, 0,
+                            [&](double x) { return std::clamp(tail_at(Side::upper, x), 0.0, 1.0); });
             case Function::log_cumulative:
                 return tail(in, out, -HUGE_VAL, 0, [&](double x) {
                     return detail::infinite_again(std::min(log_tail_at(Side::lower, x), 0.0));

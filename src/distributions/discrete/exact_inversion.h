@@ -22,50 +22,46 @@ concept Walkable = requires(const D& d) {
     D::kWalk;
 };
 
-/// A tail and the side that it is on.
-struct SidedTail {
-    Side side;
-    double tail;
-};
-
 /// The tail of the base family that belongs to a tail of its variant; none where the value is known: `value` then.
 struct BaseTail {
-    SidedTail of_base;
+    Tail of_base;
     bool known;
     double value;
 };
 
 template <class Base, class Checks>
-BaseTail base_tail(const ZeroInflated<Base, Checks>& d, SidedTail t) {
-    const double lower = t.side == Side::lower ? t.tail : 1 - t.tail, upper = t.side == Side::lower ? 1 - t.tail : t.tail;
+BaseTail base_tail(const ZeroInflated<Base, Checks>& d, Tail t) {
+    const double lower = t.side == Side::lower ? t.probability : 1 - t.probability,
+                 upper = t.side == Side::lower ? 1 - t.probability : t.probability;
     const auto sided = [&](Side side, double tail) {
         return BaseTail{{side, std::min(tail / d.pi, 1 - 0x1p-53)}, false, 0};
     };
     // From below the values under 0, then all zeros, then the others.
     const double negative = d.pi * tails(d.base, -1).lower, positive = d.pi * tails(d.base, 0).upper;
     if (lower <= negative) return sided(Side::lower, lower);
-    const bool beyond = t.side == Side::upper ? upper < positive : lower > d.pi * tails(d.base, 0).lower + (1 - d.pi);
+    const bool beyond =
+        t.side == Side::upper ? upper < positive : lower > d.pi * tails(d.base, 0).lower + (1 - d.pi);
     if (beyond) return sided(Side::upper, upper);
     return {{}, true, 0};
 }
 
 template <class Base, class Checks>
-BaseTail base_tail(const ZeroTruncated<Base, Checks>& d, SidedTail t) {
+BaseTail base_tail(const ZeroTruncated<Base, Checks>& d, Tail t) {
     const auto [zero, rest] = tails(d.base, 0);
-    const double lower = zero + rest * (t.side == Side::lower ? t.tail : 1 - t.tail);
-    const double upper = rest * (t.side == Side::lower ? 1 - t.tail : t.tail);
-    return {lower <= 0.5 ? SidedTail{Side::lower, lower} : SidedTail{Side::upper, upper}, false, 0};
+    const double lower = zero + rest * (t.side == Side::lower ? t.probability : 1 - t.probability);
+    const double upper = rest * (t.side == Side::lower ? 1 - t.probability : t.probability);
+    return {lower <= 0.5 ? Tail{Side::lower, lower} : Tail{Side::upper, upper}, false, 0};
 }
 
 template <class D>
-concept CountVariant = requires(const D& d, SidedTail t) {
+concept CountVariant = requires(const D& d, Tail t) {
     d.base;
     { base_tail(d, t) } -> std::same_as<BaseTail>;
 };
 
 /// x with such a tail, 0 < tail < 1.
 template <Family D>
-double exact_inverse(const D& d, SidedTail t) {
+double exact_inverse(const D& d, Tail t) {
     const auto [side, tail] = t;
     if (const auto point = d.point_mass()) return *point;
     if constexpr (CountVariant<D>) {
@@ -95,20 +91,23 @@ void exact_inverses(const D& d, Side side, std::span<double> tails) {
             tails[i] = base.value;
             if (base.known) continue;
             const bool upper = base.of_base.side == Side::upper;
-            sided[upper].push_back(base.of_base.tail);
+            sided[upper].push_back(base.of_base.probability);
             places[upper].push_back(i);
         }
         const double least = d.support().lower;
         for (const bool upper : {false, true}) {
             exact_inverses(d.base, upper ? Side::upper : Side::lower, sided[upper]);
-            for (std::size_t j = 0; j < places[upper].size(); ++j) tails[places[upper][j]] = std::max(sided[upper][j], least);
+            for (std::size_t j = 0; j < places[upper].size(); ++j)
+                tails[places[upper][j]] = std::max(sided[upper][j], least);
         }
         return;
     } else if constexpr (Walkable<D>) {
         if (tails.size() >= kWorthATable) {
             const auto [least, most] = std::ranges::minmax(tails);
             const bool lower = side == Side::lower;
-            if (const InversionTable<D> table(d, side, lower ? least : most, lower ? most : least, tails.size(), true); table.valid()) {
+            if (const InversionTable<D> table(d, side, lower ? least : most, lower ? most : least,
+                                              tails.size(), true);
+                table.valid()) {
                 for (double& t : tails) t = table(t);
                 return;
             }
