@@ -223,22 +223,21 @@ class Segments {
         constexpr double kOuter = 0.387298334620741688518,
                          kRule[][2] = {{0.5 - kOuter, 5.0 / 18}, {0.5, 8.0 / 18}, {0.5 + kOuter, 5.0 / 18}};
         return point_moments([&](auto visit) {
-            for (std::size_t i = 0; i + 1 < knots_.x.size(); ++i) {
+            for (std::size_t i = 0; i < knots_.rise.size(); ++i) {
                 if (!(knots_.rise[i] > 0)) continue;
                 for (const auto& [s, weight] : kRule)
-                    visit(knots_.rise[i] * weight * shape_.height(i, s),
-                          (1 - s) * knots_.x[i] + s * knots_.x[i + 1]);
+                    visit(knots_.rise[i] * weight * shape_.height(i, s), places_.at(i, s));
             }
         });
     }
     double mode() const {
-        double best = knots_.x.front(), highest = 0;
-        for (std::size_t i = 0; i + 1 < knots_.x.size(); ++i) {
+        double best = places_.front(), highest = 0;
+        for (std::size_t i = 0; i < knots_.rise.size(); ++i) {
             if (!(knots_.rise[i] > 0)) continue;
-            if (knots_.x[i] == knots_.x[i + 1]) return knots_.x[i];
+            if (places_.width(i) == 0) return places_.at(i, 0);
             for (const double end : {0.0, 1.0}) {
-                const double height = knots_.rise[i] / width(i) * shape_.height(i, end);
-                if (height > highest) highest = height, best = knots_.x[end == 0 ? i : i + 1];
+                const double height = knots_.rise[i] / places_.width(i) * shape_.height(i, end);
+                if (height > highest) highest = height, best = places_.at(i, end);
             }
         }
         return best;

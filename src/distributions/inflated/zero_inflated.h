@@ -107,7 +107,8 @@ struct ZeroInflated {
         const double of_zeros = zeros > 0 ? zeros * log_density(0) : 0;
         if (others == 0) return of_zeros;
         const std::span negative(counts.begin(), zero), positive(zero + (zeros > 0), counts.end());
-        return of_zeros + others * std::log(pi) + base_sum(negative, x.pauses()) + base_sum(positive, x.pauses());
+        return of_zeros + others * std::log(pi) + base_sum(negative, x.pauses()) +
+               base_sum(positive, x.pauses());
     }
 
     double quantile(double u) const { return quantile_within(u, Window{}); }
