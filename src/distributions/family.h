@@ -73,6 +73,7 @@ concept Distribution = requires(const D& d, double x) {
 ///                           need not be an end then. With quantiles_within(...) for arrays; both get a Window
 ///   rounds_after_shift()    with quantile_unrounded(side, tail): values are rounded to integers after the shift
 ///   kIntegers = true        values are integers; the probability members count those within 1e-8 of one
+///   kKnots = true           the density jumps at places inside the support
 ///   kDiscrete = true        values are a countable set: the percentile that is inverted is exactly the one that the
 ///                           truncation prescribes, since a value next to it would be another value
 template <class D>
@@ -162,12 +163,14 @@ double draw(const D& d, RandomStream& stream) {
 /// Smaller tails, denormal numbers, have lost digits that even their logarithm would show.
 inline constexpr double kFarTail = 1e-310;
 
-/// Distributions whose probabilities are integrals of the density, or sums of it over the integers.
+/// Distributions whose probabilities are integrals of the density, or sums of it over the integers; not those given by knots,
+/// where the density jumps.
 template <class D>
 concept HasFarTails = requires {
     D::kIntegers;
 }
-|| !requires { D::kDiscrete; };
+|| !(
+       requires { D::kDiscrete; } || requires { D::kKnots; });
 
 /// ln P(from < X <= to), both inside the support, from the density, which falls from the one to the other: from `to` down on
 /// the lower side, from `from` up on the upper one. It knows no range of doubles, and no tails that nearly cancel.

@@ -162,6 +162,8 @@ class EvenSegments {
 template <class Shape, class Places = BetweenKnots>
 class Segments {
   public:
+    static constexpr bool kKnots = true;
+
     Segments() = default;
     Segments(Knots knots, Shape shape)
         : places_(std::move(knots.x)), knots_(std::move(knots)), shape_(std::move(shape)) {}
