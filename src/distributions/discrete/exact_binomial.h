@@ -8,11 +8,13 @@
 
 namespace pral {
 
-/// Trials whose probability p, 0 < p < 1, is a/2^m with integers a and m, as that of every double is. The probability of up
+/// Trials whose probability p, 0 < p < 1, is a/2^m with integers a and m, as that of every double is (another p has no exact
+/// sums). The probability of up
 /// to k successes among n is the integer sum of C(n, j) a^j b^(n - j) over j <= k, b = 2^m - a, in units of 2^(-m n).
 class DyadicTrials {
   public:
     explicit DyadicTrials(double p) {
+        if (!(p > 0 && p < 1)) return;
         int exponent = 0;
         const auto bits = static_cast<std::uint64_t>(std::ldexp(std::frexp(p, &exponent), 53));
         const int zeros = std::countr_zero(bits);
@@ -28,6 +30,7 @@ class DyadicTrials {
 
   private:
     std::optional<double> sum(std::uint64_t a, std::uint64_t b, double trials, double k) const {
+        if (a == 0 || b == 0) return std::nullopt;
         if (a == b && 2 * k + 1 == trials) return 0.5;  // by symmetry
         const bool counts = trials == std::floor(trials) && k >= 0 && k < trials;
         if (!(counts && trials * m_ <= kLeastExponent)) return std::nullopt;
@@ -51,8 +54,8 @@ class DyadicTrials {
     static constexpr std::uint64_t kLargest = std::uint64_t{1} << 53;
     static constexpr double kLeastExponent = 1022;
 
-    std::uint64_t a_, b_;
-    int m_;
+    std::uint64_t a_ = 0, b_ = 0;
+    int m_ = 0;
 };
 
 }  // namespace pral
