@@ -126,9 +126,9 @@ Family make_family(std::string_view name, std::string_view kind, std::string_vie
 /// A PRAL_FAMILY that makes one element of a list of families. The prototypes are the header's own declarations as text.
 #define PRAL_LITERAL(...) #__VA_ARGS__
 #define PRAL_EXPANDED(...) PRAL_LITERAL(__VA_ARGS__)
-#define PRAL_FAMILY_ELEMENT(X, KIND, PARAMETERS, TEXT)                                              \
-    cli::make_family(#X, #KIND, TEXT, #PARAMETERS,                                                  \
-                     PRAL_EXPANDED(PRAL_DECLARE_FAMILY(X, KIND, PARAMETERS, TEXT)), Pral##X##_Core, \
+#define PRAL_FAMILY_ELEMENT(X, KIND, KIN, PARAMETERS, TEXT)                                              \
+    cli::make_family(#X, #KIND, TEXT, #PARAMETERS,                                                       \
+                     PRAL_EXPANDED(PRAL_DECLARE_FAMILY(X, KIND, KIN, PARAMETERS, TEXT)), Pral##X##_Core, \
                      Pral##X##Array_Core, Pral##X##Prob_Core, Pral##X##Prob10_Core),
 
 }  // namespace cli

@@ -90,7 +90,7 @@ class Truncation final : public Univariate {
             return shortest(percentiles && is_open ? open : end.number);
         };
         if (percentiles && !(ends_[0].is_percentile || std::isinf(ends_[0].number)))
-            return "(" + base_->text() + " within [" + shortest(ends_[0].number) +
+            return std::string("(") + base_->text() + " within [" + shortest(ends_[0].number) +
                    ", inf]) within percentiles [" + shortest(0) + ", " + number(ends_[1], 1) + "]";
         return base_->text() + (percentiles ? " within percentiles [" : " within [") + number(ends_[0], 0) +
                ", " + number(ends_[1], 1) + "]";

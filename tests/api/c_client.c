@@ -7,7 +7,7 @@
 #include "boundary/automation.h"
 #include "boundary/core_api.h"
 
-#define PRAL_FAMILY(X, KIND, PARAMETERS, TEXT) #X,
+#define PRAL_FAMILY(X, KIND, KIN, PARAMETERS, TEXT) #X,
 static const char* const family_names[] = {
 #include "boundary/core_api.h"
 };

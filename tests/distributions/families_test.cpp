@@ -89,7 +89,7 @@ void add(std::map<std::string, Evaluate>& all, const char* name, bool (*)(double
 const std::map<std::string, Evaluate>& families() {
     static const auto all = [] {
         std::map<std::string, Evaluate> list;
-#define PRAL_FAMILY(X, KIND, PARAMETERS, TEXT) add<pral::X>(list, #X, Pral##X##_Core);
+#define PRAL_FAMILY(X, KIND, KIN, PARAMETERS, TEXT) add<pral::X>(list, #X, Pral##X##_Core);
 #include "boundary/core_api.h"
         return list;
     }();

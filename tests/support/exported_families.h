@@ -81,7 +81,7 @@ void add(std::vector<ExportedFamily>& list, const char* name, const char* kind, 
 
 inline std::vector<ExportedFamily> exported_families() {
     std::vector<ExportedFamily> list;
-#define PRAL_FAMILY(X, KIND, PARAMETERS, TEXT) \
+#define PRAL_FAMILY(X, KIND, KIN, PARAMETERS, TEXT) \
     add(list, #X, #KIND, Pral##X##_Core, Pral##X##Array_Core, Pral##X##Prob_Core, Pral##X##Prob10_Core);
 #include "boundary/core_api.h"
     return list;
