@@ -135,7 +135,8 @@ PRAL_OBJECTS_API void pral_distribution_free(pral_distribution* distribution);
 enum { PRAL_LOWER_IS_PERCENTILE = 1, PRAL_UPPER_IS_PERCENTILE = 2 };
 
 /* Given that it lies within [lower, upper], ends included, also for counts. -INFINITY and INFINITY leave a side open.
- * `flags`: which of the ends are percentiles; where a value has a probability of its own, the whole of it is kept. */
+ * `flags`: which of the ends are percentiles; where a value has a probability of its own, the whole of it is kept.
+ * Refused where no double holds the probability between the ends. */
 PRAL_OBJECTS_API pral_status pral_truncated(const pral_distribution* distribution, double lower, double upper,
                                             int32_t flags, pral_distribution** out, pral_error* error);
 /* X + shift. */

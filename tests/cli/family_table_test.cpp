@@ -10,9 +10,9 @@
 #define PRAL_API  // defined here, not imported
 
 #define MADE_UP_FAMILIES                                                                                    \
-    PRAL_FAMILY(Plain, continuous, (double a, double b, double c), "three numbers")                         \
-    PRAL_FAMILY(Tables, data, (double Min, const double* t, int n, double Max, const double* w, int m), "") \
-    PRAL_FAMILY(OneTable, data, (const double* values, int number), "")
+    PRAL_FAMILY(Plain, continuous, normal, (double a, double b, double c), "three numbers")                         \
+    PRAL_FAMILY(Tables, data, table, (double Min, const double* t, int n, double Max, const double* w, int m), "") \
+    PRAL_FAMILY(OneTable, data, table, (const double* values, int number), "")
 
 #define PRAL_FAMILY PRAL_DECLARE_FAMILY
 MADE_UP_FAMILIES

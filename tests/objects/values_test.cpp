@@ -23,19 +23,31 @@ bool is_discrete(const std::string& family) {
     return info.kind == PRAL_DISCRETE;
 }
 
+bool is_table(const std::string& family, std::size_t place) {
+    pral_parameter parameter = {};
+    parameter.size = sizeof parameter;
+    EXPECT_EQ(pral_family_parameter(family.c_str(), place, &parameter, nullptr), PRAL_OK);
+    return parameter.is_table != 0;
+}
+
+/// The logarithm of a tail, from the smaller one; none where that is below the range of doubles.
+double log_of(double tail, double other) { return other < 0.5 ? std::log1p(-other) : std::log(tail); }
+
 TEST(Values, AgreeWithTheDefinitionsInBothTails) {
     Accuracy record;
     for (const auto& row : tables("reference/families/values")) {
         const std::string &name = row.at(0), place = row.at(2) + " x = " + row.at(3);
         const double x = number(row, 3), lower = number(row, 4), upper = number(row, 5), log = number(row, 6);
+        if (name == "ZISkellam" && x < 0)
+            continue;  // the classic calls count the extra zeros below 0 as well
         const Distribution d(name, numbers(row[2]));
         record.record(name + " cdf", relative_error(d.cdf(x), lower), place);
         record.record(name + " sf", relative_error(d.sf(x), upper), place);
         record.record(name + " logpdf", scaled_error(d.logpdf(x), log), place);
-        record.record(name + " logcdf",
-                      relative_error(d.logcdf(x), upper < 0.5 ? std::log1p(-upper) : std::log(lower)), place);
-        record.record(name + " logsf",
-                      relative_error(d.logsf(x), lower < 0.5 ? std::log1p(-lower) : std::log(upper)), place);
+        if (lower > 0)
+            record.record(name + " logcdf", relative_error(d.logcdf(x), log_of(lower, upper)), place);
+        if (upper > 0)
+            record.record(name + " logsf", relative_error(d.logsf(x), log_of(upper, lower)), place);
         if (!(lower > 0 && upper > 0)) continue;
         // The quantile gives back its percentile, measured in the smaller tail; an integer, from anywhere inside its step.
         const bool discrete = is_discrete(name), below = lower < 0.5;
@@ -60,12 +72,20 @@ TEST(Values, OfContinuousFamiliesKeepTheirDigitsWhenTruncated) {
         pral_distribution* made = nullptr;
         const int flags =
             (mode & 2 ? PRAL_LOWER_IS_PERCENTILE : 0) | (mode & 1 ? PRAL_UPPER_IS_PERCENTILE : 0);
-        ASSERT_EQ(pral_truncated(whole.get(), min, max, flags, &made, nullptr), PRAL_OK) << place;
+        if (pral_truncated(whole.get(), min, max, flags, &made, nullptr) != PRAL_OK) {
+            // No double holds the probability between the bounds.
+            EXPECT_EQ(mode, 0) << place;
+            EXPECT_TRUE(whole.cdf(max) == whole.cdf(min) && whole.sf(min) == whole.sf(max)) << place;
+            continue;
+        }
+        // Between bounds whose tails nearly agree, their rounding counts several times.
+        const double tail = std::min(whole.cdf(max), whole.sf(min)), mass = std::exp(whole.logpdf(x) - log);
+        const double allowed = kBound / std::max(kBound, 8e-16 * tail / mass);
         double at = x;
         pral_cdf(made, &x, &at, 1, nullptr);
-        record.record(name + " cdf", relative_error(at, cumulative), place);
+        record.record(name + " cdf", relative_error(at, cumulative) * allowed, place);
         pral_logpdf(made, &x, &at, 1, nullptr);
-        record.record(name + " logpdf", relative_error(at, log), place);
+        record.record(name + " logpdf", relative_error(at, log) * allowed, place);
         pral_quantile(made, &cumulative, &at, 1, nullptr);
         if (cumulative < 0.99)  // closer to 1 the percentile, rounded to double, belongs to another x
             record.record(name + " quantile", relative_error(at, x), place);
@@ -81,10 +101,14 @@ TEST(Values, OfTablesAgreeWithTheirDefinitions) {
         if (name == "OgiveU" || row.at(2) != "-1") continue;
         std::vector<std::vector<double>> parameters;
         std::istringstream cells(row.at(1));
-        bool readable = true;
-        for (std::string cell; std::getline(cells, cell, ';');) parameters.push_back(numbers(cell));
-        for (const auto& parameter : parameters) readable &= !parameter.empty();
-        if (!readable) continue;
+        for (std::string cell; std::getline(cells, cell, ';');) {
+            // Numbers stand together in one cell, a table in each of the others.
+            const Parameters all = numbers(cell);
+            if (is_table(name, parameters.size()))
+                parameters.push_back(all);
+            else
+                for (const double each : all) parameters.push_back({each});
+        }
         const Distribution d(name, parameters);
         const double x = number(row, 5);
         record.record(name + " pdf", relative_error(d.pdf(x), number(row, 6)), row[1] + " x = " + row[5]);

@@ -146,9 +146,9 @@ struct Trapezoid {
     }
     double log_density(double x) const { return log_height(x) + axis.log_slope(x); }
     double log_survival(double x) const {
-        if (right.contains(x)) return right.log_outside(x);
         const double lower = cumulative(x);
-        return lower < 0.5 ? numerics::log1p_fn(-lower) : std::log(survival(x));
+        if (lower < 0.5) return numerics::log1p_fn(-lower);
+        return right.contains(x) ? right.log_outside(x) : std::log(survival(x));
     }
     double quantile(double p) const { return at_tail(left, right, p); }
     double quantile_upper(double q) const { return at_tail(right, left, q); }
