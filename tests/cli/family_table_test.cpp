@@ -9,9 +9,10 @@
 #undef PRAL_API
 #define PRAL_API  // defined here, not imported
 
-#define MADE_UP_FAMILIES                                                                                    \
-    PRAL_FAMILY(Plain, continuous, normal, (double a, double b, double c), "three numbers")                         \
-    PRAL_FAMILY(Tables, data, table, (double Min, const double* t, int n, double Max, const double* w, int m), "") \
+#define MADE_UP_FAMILIES                                                                      \
+    PRAL_FAMILY(Plain, continuous, normal, (double a, double b, double c), "three numbers")   \
+    PRAL_FAMILY(Tables, data, table,                                                          \
+                (double Min, const double* t, int n, double Max, const double* w, int m), "") \
     PRAL_FAMILY(OneTable, data, table, (const double* values, int number), "")
 
 #define PRAL_FAMILY PRAL_DECLARE_FAMILY
