@@ -6,11 +6,11 @@
 # where that cannot be written, in build/cache. It is made in a temporary folder and moved into place when complete, so an interrupted run leaves nothing half-made.
 set -euo pipefail
 
-recipe=1  # part of the key: raise it when this script builds something else than before
+recipe=2  # part of the key: raise it when this script builds something else than before
 host=x86_64-w64-mingw32
 compiler_flags=(-O2 -ffp-contract=off)
-# What the library uses of GSL (the simplex minimiser, special functions, vectors) and what those stand on.
-gsl_folders=(err sys utils block vector matrix complex poly permutation cblas blas min roots multimin specfunc)
+# What the library uses of GSL (the simplex minimiser, special functions, vectors, quasi-random sequences) and what those stand on.
+gsl_folders=(err sys utils block vector matrix complex poly permutation cblas blas min roots multimin specfunc qrng)
 alglib_files=(ap alglibinternal alglibmisc linalg specialfunctions statistics)
 
 say() { echo "windows-deps: $*" >&2; }
