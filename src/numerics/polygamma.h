@@ -14,17 +14,17 @@ inline double polygamma(int order, double x) {
     double factorial = 1;  // of the order
     for (int i = 2; i <= order; ++i) factorial *= i;
     // Without the sign (-1)^(order + 1), which the terms of all but the digamma function share.
-    double near = 0;
-    for (; x < kFar; x += 1) near += factorial / std::pow(x, order + 1);
-    double far = (order == 0 ? -std::log(x) : factorial / order / std::pow(x, order)) +
-                 0.5 * factorial / std::pow(x, order + 1);
+    double sum = 0;
+    for (; x < kFar; x += 1) sum += factorial / std::pow(x, order + 1);
+    double tail = (order == 0 ? -std::log(x) : factorial / order / std::pow(x, order)) +
+                  0.5 * factorial / std::pow(x, order + 1);
     double ratio = order == 0 ? 0.5 : 0.5 * factorial * (order + 1);  // (2k + order - 1)!/(2k)!
     for (int k = 1; k <= 7; ++k) {
-        far += kBernoulli[k - 1] * ratio / std::pow(x, 2 * k + order);
+        tail += kBernoulli[k - 1] * ratio / std::pow(x, 2 * k + order);
         ratio *= static_cast<double>(2 * k + order) * (2 * k + order + 1) /
                  (static_cast<double>(2 * k + 1) * (2 * k + 2));
     }
-    return order % 2 == 0 ? -(near + far) : near + far;
+    return order % 2 == 0 ? -(sum + tail) : sum + tail;
 }
 
 }  // namespace pral::numerics
