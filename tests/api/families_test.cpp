@@ -547,10 +547,10 @@ TEST(Families, BoundsBetweenIntegersAreThoseOfTheIntegers) {
         const auto between = [](double k, double part) { return k + std::copysign(part, k); };
         const double low = i.quantile(0.3), high = i.quantile(0.9);
         if (low == high || high > 1e6) continue;
-        const double min = between(low, 0.25), max = between(high, high < 0 ? 0.0 : 0.75), near = low + 1e-9,
-                     nearest = high - 1e-9;
+        const double min = between(low, 0.25), max = between(high, high < 0 ? 0.0 : 0.75),
+                     beside = low + 1e-9, nearest = high - 1e-9;
         const Given whole = {nullptr, &kByValue, &low, &high}, part = {nullptr, &kByValue, &min, &max},
-                    nearly = {nullptr, &kByValue, &near, &nearest};
+                    nearly = {nullptr, &kByValue, &beside, &nearest};
         for (const double u : {1e-9, 0.2, 0.5, 0.999}) {
             EXPECT_EQ(i.quantile(u, part), i.quantile(u, whole)) << i.label() << ' ' << u;
             EXPECT_EQ(i.quantile(u, nearly), i.quantile(u, whole)) << i.label() << ' ' << u;

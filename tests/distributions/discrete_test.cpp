@@ -133,9 +133,10 @@ TEST(Discrete, MassesOfFarTailsKeepTheirDigits) {
             EXPECT_NEAR(masses[i], exact, 1e-12 * exact + DBL_MIN) << i;
         }
     };
-    const Delaporte near(2, 3, 4);
+    const Delaporte small_counts(2, 3, 4);
     for (const double k : {2500.0, 4090.0})
-        EXPECT_NEAR(near.mass_ratio(k), std::exp(near.log_density(k + 1) - near.log_density(k)), 1e-12);
+        EXPECT_NEAR(small_counts.mass_ratio(k),
+                    std::exp(small_counts.log_density(k + 1) - small_counts.log_density(k)), 1e-12);
     expect_masses(Skellam(5, 4), -260, 520);
     expect_masses(Skellam(900, 2), -50, 1500);
     expect_masses(Delaporte(20, 300, 4000), 2, 4000);  // up to the mode and beyond, from 1e-1600

@@ -110,13 +110,13 @@ TEST(Statistics, TooFewValuesFailInSilence) {
 }
 
 TEST(Statistics, TableMomentsEndAtAZeroBeyondTheMiddle) {
-    const double far = 0x1p30;
+    const double away = 0x1p30;
     const struct {
         Values x, p;
         double mean, variance, skewness, kurtosis;
     } rows[] = {
         // Far from 0, by probabilities that sum to 1 in rounded arithmetic, and that leave a tenth for 0.
-        {{far, far + 1}, {0.1, 0.9}, far + 0.9, 0.09, -8 / 3.0, 73 / 9.0},
+        {{away, away + 1}, {0.1, 0.9}, away + 0.9, 0.09, -8 / 3.0, 73 / 9.0},
         {{1000, 1002}, {0.45, 0.45}, 900.9, 90180.99, -2.666616767164265, 8.11095586860208},
         {{0, 1}, {0.5, 0.5}, 0.5, 0.25, 0, 1},
         {{0, 9, 1, 5, 100}, {0.5, 0, 0.5, 0, 1}, 0.5, 0.25, 0, 1},  // ends at index 3 > 5/2
