@@ -175,7 +175,7 @@ concept HasFarTails = requires {
 /// ln P(from < X <= to), both inside the support, from the density, which falls from the one to the other: from `to` down on
 /// the lower side, from `from` up on the upper one. It knows no range of doubles, and no tails that nearly cancel.
 template <HasFarTails D>
-double log_probability(const D& d, double from, double to, Side side) {
+[[gnu::noinline]] double log_probability(const D& d, double from, double to, Side side) {
     const bool lower = side == Side::lower;
     const double outwards = lower ? -1 : 1;
     const auto from_place = [&](double place) {

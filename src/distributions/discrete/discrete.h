@@ -67,11 +67,15 @@ class InversionWalk {
         bool below;
     };
 
+    // A tail costs a hundred calls of a function: one copy of it is enough.
+
     /// The tail that is compared: F(k) below the median, 1 - F(k) above.
-    double tail_at(double k) const { return lower_ ? d_.cumulative(k) : d_.survival(k); }
+    [[gnu::noinline]] double tail_at(double k) const { return lower_ ? d_.cumulative(k) : d_.survival(k); }
     bool falls_short(double tail) const { return lower_ ? tail < p_ : tail > q_; }
-    double other_tail_at(double k) const { return lower_ ? d_.survival(k) : d_.cumulative(k); }
-    double mass_at(double k) const { return std::exp(d_.log_density(k)); }
+    [[gnu::noinline]] double other_tail_at(double k) const {
+        return lower_ ? d_.survival(k) : d_.cumulative(k);
+    }
+    [[gnu::noinline]] double mass_at(double k) const { return std::exp(d_.log_density(k)); }
     bool short_at(double k) const { return falls_short(tail_at(k)); }
     /// So near that the rounding of the recurrence may have decided.
     bool doubtful(double tail) const {

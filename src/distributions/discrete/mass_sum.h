@@ -6,6 +6,7 @@
 
 #include "distributions/discrete/discrete.h"
 #include "numerics/falling_sums.h"
+#include "numerics/gauss_legendre.h"
 
 namespace pral {
 
