@@ -3,10 +3,9 @@
 
 #include <string>
 
-namespace pral {
+#include "base/message.h"
 
-/// A fixed message, or null when there is nothing to object to.
-using Message = const char*;
+namespace pral {
 
 inline constexpr Message kPercentileMessage = "Error: U must be between [0,1]";
 inline constexpr Message kOutputArrayMessage = "Error: Output array is not valid";

@@ -7,8 +7,8 @@
 #include <optional>
 #include <span>
 
-#include "boundary/error_text.h"
-#include "boundary/random.h"
+#include "base/message.h"
+#include "base/random_stream.h"
 #include "distributions/moments.h"
 #include "numerics/constants.h"
 #include "numerics/elementary.h"

@@ -9,17 +9,14 @@
 
 namespace pral {
 
-/// The optional inputs of a call as the caller gave them; null means not given.
-struct Modifiers {
-    const double* U;
-    const int* bounds_mode;
-    const double* min;
-    const double* max;
-    const double* shift;
+/// How a distribution is truncated: two ends, each a value or a percentile. Of a family on the integers what is kept lies
+/// above the lower end, up to the upper one.
+struct Limits {
+    double min = 0, max = 0;
+    bool min_is_percentile = false, max_is_percentile = false;
+    bool given = false;
 
-    bool bounded() const { return bounds_mode != nullptr && *bounds_mode >= 0; }
-    bool min_is_percentile() const { return (*bounds_mode & 2) != 0; }
-    bool max_is_percentile() const { return (*bounds_mode & 1) != 0; }
+    bool both_values() const { return !min_is_percentile && !max_is_percentile; }
 };
 
 /// One side of a truncation, completed: a value and the tails of the untruncated distribution there. `chosen` where the
@@ -67,24 +64,20 @@ class Truncated {
 
     /// Completes the bounds; `valid` tells that the parameters are in order. Where they are not, what would
     /// have to be computed from them counts as 0, so that contradicting bounds are still found first.
-    Truncated(const D& base, bool valid, const Modifiers& given)
-        : base_(base), support_(base.support()), bounded_(given.bounded()) {
+    Truncated(const D& base, bool valid, const Limits& limits)
+        : base_(base), support_(base.support()), bounded_(limits.given) {
         lower_ = support_.lower;
         upper_ = support_.upper;
-        if (bounded_) complete_bounds(given, valid);
+        if (bounded_) complete_bounds(limits, valid);
         set_limits();
     }
+    /// Not truncated.
+    explicit Truncated(const D& base) : Truncated(base, true, Limits{}) {}
 
     bool ordered() const { return !bounded_ || (min_.tails.lower <= max_.tails.lower && min_.x <= max_.x); }
-    /// Reports bounds that contradict each other or percentiles outside [0,1].
-    bool check() const {
-        if (!bounded_) return true;
-        if (!ordered()) {
-            return as_values_ ? fail_bounds(min_.x, max_.x, true)
-                              : fail_bounds(min_.tails.lower, max_.tails.lower, false);
-        }
-        return (min_.tails.lower >= 0 && max_.tails.lower <= 1) || fail(kPercentileMessage);
-    }
+    bool percentiles_in_range() const { return min_.tails.lower >= 0 && max_.tails.lower <= 1; }
+    const Bound& min() const { return min_; }
+    const Bound& max() const { return max_; }
 
     const D& base() const { return base_; }
     bool bounded() const { return bounded_; }
@@ -145,7 +138,7 @@ class Truncated {
                 for (double& value : u) {
                     const auto [side, tail] = base_tail(value);
                     const double x = table(side, tail);
-                    value = std::isnan(x) ? quantile(value) : limited(x);
+                    value = std::isnan(x) ? quantile_apart(value) : limited(x);
                 }
                 return;
             }
@@ -191,10 +184,11 @@ class Truncated {
     }
 
   private:
-    void complete_bounds(const Modifiers& given, bool valid) {
-        as_values_ = (*given.bounds_mode & 3) == 0;
-        min_ = complete(given.min, given.min_is_percentile(), valid);
-        max_ = complete(given.max, given.max_is_percentile(), valid);
+    [[gnu::noinline]] double quantile_apart(double u) const { return quantile(u); }
+
+    void complete_bounds(const Limits& limits, bool valid) {
+        min_ = complete(limits.min, limits.min_is_percentile, valid);
+        max_ = complete(limits.max, limits.max_is_percentile, valid);
         window_ = {min_.tails, max_.tails, 0};
         window_.mass = window_.above_median() ? min_.tails.upper - max_.tails.upper
                                               : max_.tails.lower - min_.tails.lower;
@@ -267,8 +261,8 @@ class Truncated {
     /// The same for a family that has put its zeros aside.
     double own_or_nearest(double x) const { return inseparable() && x != 0 ? nearest() : x; }
 
-    Bound complete(const double* given, bool is_percentile, bool valid) const {
-        const double number = (given != nullptr ? *given : 0) + 0.0;  // no -0.0
+    [[gnu::noinline]] Bound complete(double number, bool is_percentile, bool valid) const {
+        number += 0.0;  // no -0.0
         if (!is_percentile) return {number, valid ? tails_at(number) : Tails{0, 0}, false};
         const Tails tails = {number, 1 - number};
         const bool chosen = number > 0 && number < 1;
@@ -306,7 +300,6 @@ class Truncated {
     const D& base_;
     Support support_;
     bool bounded_;
-    bool as_values_ = false;
     bool far_ = false;
     Side far_side_ = Side::lower;
     Bound min_ = {}, max_ = {};

@@ -119,7 +119,7 @@ struct Member {
     static double log_likelihood(const double* parameters, const Sample& x, const Modifiers& given) {
         const D d = of(parameters);
         if (pral::check_probability(d) != nullptr) return -HUGE_VAL;
-        const Truncated<D> kept(d, true, given);
+        const Truncated<D> kept(d, true, given.limits());
         if (!kept.ordered() || x.min() < kept.lower()) return -HUGE_VAL;
         return joint_density(x, x.min(), x.max(), kept, Scale::natural_log);
     }

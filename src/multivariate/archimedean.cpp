@@ -14,7 +14,7 @@ namespace {
 /// The quantiles of a family at many uniforms.
 template <Family D>
 void invert(const D& family, std::span<double> u) {
-    Truncated<D>(family, true, Modifiers{}).quantiles(u);
+    Truncated<D>(family).quantiles(u);
 }
 
 /// Frank's tau at theta = 0, 0.36, ..., 34.92 by the formula, to nine decimals. Tables made by numerical integration are

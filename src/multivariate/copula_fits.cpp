@@ -76,7 +76,7 @@ class StudentProfile {
         for (std::size_t i = 0; i < used_.size(); ++i) {
             if (used_[i]) quantile[i] = static_cast<double>(i) / 2 / (static_cast<double>(m) + 1);
         }
-        Truncated<Student>(student, true, Modifiers{}).quantiles(quantile);
+        Truncated<Student>(student).quantiles(quantile);
         for (std::size_t i = 0; i < used_.size(); ++i) {
             if (used_[i]) margin[i] = numerics::log1p_fn(quantile[i] * quantile[i] / nu);
         }

@@ -65,7 +65,7 @@ bool StudentCopula::sample(int count, double* out, RandomStream& stream) const {
     const StudentPercentile percentile(nu_);
     const ChiSq chi_square{nu_};
     if (samples > 0 && chi_square.check() != nullptr) return draw(out, chi_square);  // fails
-    const Truncated<ChiSq> whole(chi_square, true, Modifiers{});
+    const Truncated<ChiSq> whole(chi_square);
     std::vector<double> w(samples), y(d);
     for (std::size_t s = 0; s < samples; ++s) {
         w[s] = stream.uniform();

@@ -68,11 +68,11 @@ Members evaluate(const Parameters& p, double x, const Modifiers& given, std::ind
     m.quantile = [d](double u) { return quantile(d, u); };
     m.quantile_upper = [d](double q) { return quantile_upper(d, q); };
     m.tails_at = [d](double at) { return tails(d, at); };
-    const Truncated<D> kept(d, true, given);
+    const Truncated<D> kept(d, true, given.limits());
     m.truncated_cumulative = kept.cumulative(x);
     m.truncated_log_density = joint_density(std::span(&x, 1), x, x, kept, Scale::natural_log);
     const Modifiers copy = given;
-    m.truncated_quantile = [d, copy](double u) { return Truncated<D>(d, true, copy).quantile(u); };
+    m.truncated_quantile = [d, copy](double u) { return Truncated<D>(d, true, copy.limits()).quantile(u); };
     m.likelihood_error = [d] { return likelihood_error(d); };
     return m;
 }

@@ -1,6 +1,5 @@
 #include "distributions/continuous/beta.h"
 
-#include "distributions/exports.h"
 #include "numerics/gamma.h"
 #include "numerics/sums.h"
 
@@ -38,8 +37,3 @@ double BetaOdds::log_likelihood(std::span<const double> values) const {
 }
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(Beta, (double alpha, double beta), (alpha, beta));
-PRAL_EXPORT_FAMILY(Beta4, (double alpha, double beta, double min, double max), (alpha, beta, min, max));
-PRAL_EXPORT_FAMILY(Pearson6, (double alpha1, double alpha2, double beta), (alpha1, alpha2, beta));
-PRAL_EXPORT_FAMILY(F, (double nu1, double nu2), (nu1, nu2));

@@ -1,6 +1,5 @@
 #include "distributions/continuous/extreme_value.h"
 
-#include "distributions/exports.h"
 
 namespace pral {
 
@@ -30,7 +29,3 @@ double GEV::log_likelihood(std::span<const double> values) const {
 }
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(ExtValueMax, (double a, double b), (a, b));
-PRAL_EXPORT_FAMILY(ExtValueMin, (double a, double b), (a, b));
-PRAL_EXPORT_FAMILY(GEV, (double a, double b, double c), (a, b, c));

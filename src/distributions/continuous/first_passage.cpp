@@ -1,6 +1,5 @@
 #include "distributions/continuous/first_passage.h"
 
-#include "distributions/exports.h"
 #include "distributions/quantile_search.h"
 #include "numerics/gauss_legendre.h"
 #include "numerics/sums.h"
@@ -79,7 +78,3 @@ double InvGauss::quantile_upper(double q) const {
 }
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(Fatigue, (double alpha, double beta, double gamma), (alpha, beta, gamma));
-PRAL_EXPORT_FAMILY(InvGauss, (double mu, double lambda), (mu, lambda));
-PRAL_EXPORT_FAMILY(Levy, (double c, double a), (c, a));

@@ -1,6 +1,5 @@
 #include "distributions/continuous/gamma.h"
 
-#include "distributions/exports.h"
 #include "numerics/sums.h"
 
 namespace pral {
@@ -38,11 +37,3 @@ double LogGamma::log_likelihood(std::span<const double> values) const {
 }
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(Gamma, (double alpha, double beta), (alpha, beta));
-PRAL_EXPORT_FAMILY(Erlang, (double m, double beta), (m, beta));
-PRAL_EXPORT_FAMILY(ChiSq, (double nu), (nu));
-PRAL_EXPORT_FAMILY(Chi, (double nu), (nu));
-PRAL_EXPORT_FAMILY(Maxwell, (double A), (A));
-PRAL_EXPORT_FAMILY(Pearson5, (double alpha, double beta), (alpha, beta));
-PRAL_EXPORT_FAMILY(LogGamma, (double alpha, double beta, double gamma), (alpha, beta, gamma));

@@ -1,6 +1,5 @@
 #include "distributions/continuous/johnson.h"
 
-#include "distributions/exports.h"
 #include "numerics/each.h"
 #include "numerics/extended_log.h"
 
@@ -164,8 +163,3 @@ Moments JohnsonU::moments() const {
 }
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(JohnsonB, (double alpha1, double alpha2, double min, double max),
-                   (alpha1, alpha2, min, max));
-PRAL_EXPORT_FAMILY(JohnsonU, (double alpha1, double alpha2, double beta, double gamma),
-                   (alpha1, alpha2, beta, gamma));

@@ -1,6 +1,5 @@
 #include "distributions/continuous/kumaraswamy.h"
 
-#include "distributions/exports.h"
 #include "numerics/each.h"
 
 namespace pral {
@@ -36,8 +35,3 @@ double Kumaraswamy4::log_likelihood(std::span<const double> values) const {
 }
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(Kumaraswamy, (double alpha, double beta), (alpha, beta));
-PRAL_EXPORT_FAMILY(Kumaraswamy4, (double alpha, double beta, double min, double max),
-                   (alpha, beta, min, max));
-PRAL_EXPORT_FAMILY(Bradford, (double theta, double min, double max), (theta, min, max));

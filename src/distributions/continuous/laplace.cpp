@@ -1,6 +1,5 @@
 #include "distributions/continuous/laplace.h"
 
-#include "distributions/exports.h"
 #include "numerics/each.h"
 #include "numerics/extended_log.h"
 #include "numerics/gamma.h"
@@ -107,7 +106,3 @@ double Error::distance(double q) const {
 }
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(Laplace, (double mu, double sigma), (mu, sigma));
-PRAL_EXPORT_FAMILY(LogLaplace, (double alpha, double beta, double Delta), (alpha, beta, Delta));
-PRAL_EXPORT_FAMILY(Error, (double mu, double sigma, double nu), (mu, sigma, nu));

@@ -1,6 +1,5 @@
 #include "distributions/continuous/lognormal.h"
 
-#include "distributions/exports.h"
 #include "numerics/extended_log.h"
 
 namespace pral {
@@ -25,10 +24,3 @@ LognormalB::LognormalB(double mu_, double sigma_, double base_)
       base(base_) {}
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(Lognormal, (double mu, double sigma), (mu, sigma));
-PRAL_EXPORT_FAMILY(LognormalE, (double mu, double sigma), (mu, sigma));
-PRAL_EXPORT_FAMILY(LognormalB, (double mu, double sigma, double base), (mu, sigma, base));
-PRAL_EXPORT_FAMILY(LognormalAlt,
-                   (double value1, double probability1, double value2, double probability2, double minimum),
-                   (value1, probability1, value2, probability2, minimum));

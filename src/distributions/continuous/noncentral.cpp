@@ -1,7 +1,6 @@
 #include "distributions/continuous/noncentral.h"
 
 #include "distributions/continuous/gamma.h"
-#include "distributions/exports.h"
 #include "numerics/gauss_legendre.h"
 
 namespace pral {
@@ -62,6 +61,3 @@ double NCF::start(Side side, double tail) const {
 }
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(NCChiSq, (double nu, double pnonc), (nu, pnonc));
-PRAL_EXPORT_FAMILY(NCF, (double nu1, double nu2, double ncp), (nu1, nu2, ncp));

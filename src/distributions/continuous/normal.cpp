@@ -1,6 +1,5 @@
 #include "distributions/continuous/normal.h"
 
-#include "distributions/exports.h"
 #include "distributions/quantile_search.h"
 #include "numerics/gauss_legendre.h"
 #include "numerics/sums.h"
@@ -138,11 +137,3 @@ double StandardSlash::quantile(double p) const {
 }
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(Normal, (double mu, double sigma), (mu, sigma));
-PRAL_EXPORT_FAMILY(NormalAlt, (double Value1, double Prob1, double Value2, double Prob2),
-                   (Value1, Prob1, Value2, Prob2));
-PRAL_EXPORT_FAMILY(Erf, (double h), (h));
-PRAL_EXPORT_FAMILY(NormalMix, (double mu, double sigma, double excessKurt), (mu, sigma, excessKurt));
-PRAL_EXPORT_FAMILY(SkewNormal, (double mu, double sigma, double alpha), (mu, sigma, alpha));
-PRAL_EXPORT_FAMILY(Slash, (double mu, double scale), (mu, scale));

@@ -1,6 +1,5 @@
 #include "distributions/continuous/pert.h"
 
-#include "distributions/exports.h"
 
 namespace pral {
 
@@ -53,9 +52,3 @@ Support PERTAlt::ends(const ModeAndPercentiles& points) {
 }
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(PERT, (double min, double mode, double max), (min, mode, max));
-PRAL_EXPORT_FAMILY(ModPERT, (double min, double mode, double max, double gamma), (min, mode, max, gamma));
-PRAL_EXPORT_FAMILY(PERTAlt, (double Low, double Mode, double High, double LowP, double HighP),
-                   (Low, Mode, High, LowP, HighP));
-PRAL_EXPORT_FAMILY(BetaSubj, (double min, double mode, double mean, double max), (min, mode, mean, max));

@@ -1,6 +1,5 @@
 #include "distributions/continuous/triangle.h"
 
-#include "distributions/exports.h"
 
 namespace pral {
 
@@ -62,15 +61,3 @@ TriangleAlt::Widths TriangleAlt::widths(const ModeAndPercentiles& points) {
 }
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(Triangle, (double min, double mode, double max), (min, mode, max));
-PRAL_EXPORT_FAMILY(TriangleAlt, (double Low, double Mode, double High, double LowP, double HighP),
-                   (Low, Mode, High, LowP, HighP));
-PRAL_EXPORT_FAMILY(LogTriangle, (double Min, double Mode, double Max), (Min, Mode, Max));
-PRAL_EXPORT_FAMILY(SplitTriangle,
-                   (double Low, double Medium, double High, double LowP, double MediumP, double HighP),
-                   (Low, Medium, High, LowP, MediumP, HighP));
-PRAL_EXPORT_FAMILY(GTU, (double min, double leftmode, double rightmode, double max, double m, double n),
-                   (min, leftmode, rightmode, max, m, n));
-PRAL_EXPORT_FAMILY(LogUniform, (double Min, double Max), (Min, Max));
-PRAL_EXPORT_FAMILY(Reciprocal, (double a, double b), (a, b));

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "distributions/exports.h"
-
 namespace pral {
 
 namespace data {
@@ -92,13 +90,6 @@ Polygon evenly_spaced(double min, double max, std::vector<double> values) {
     return {knots_of_masses(std::move(values), std::move(masses)), {}};
 }
 
-Polygon drawn(double min, double max, const std::vector<double>& values) {
-    std::vector<double> ordinates(values.size());
-    random_stream().fill(ordinates);
-    std::ranges::sort(ordinates);
-    return polygon(min, max, values, ordinates, false);
-}
-
 }  // namespace
 
 }  // namespace data
@@ -112,16 +103,17 @@ CumulD::CumulD(double min, double max, const double* values, int n, const double
 Ogive::Ogive(double min, double max, const double* sample, int n)
     : CheckedSegments(data::ogive(min, max, sample, n, data::evenly_spaced)) {}
 
-OgiveU::OgiveU(double min, double max, const double* sample, int n)
-    : CheckedSegments(data::ogive(min, max, sample, n, data::drawn)) {}
+OgiveU::OgiveU(double min, double max, const double* sample, int n, RandomStream& stream)
+    : CheckedSegments(data::ogive(min, max, sample, n, [&](double lower, double upper, const auto& values) {
+          std::vector<double> ordinates(values.size());
+          stream.fill(ordinates);
+          std::ranges::sort(ordinates);
+          return data::polygon(lower, upper, values, ordinates, false);
+      })) {}
+
+OgiveU::OgiveU(double, double, const double*, int)
+    : CheckedSegments(data::CheckedPolygon{{},
+                                           "Error: OgiveU draws its ordinates: make CumulA(min, max, data, "
+                                           "ordinates) of sorted uniforms of a stream"}) {}
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(CumulA,
-                   (double min, double max, const double* values, int n, const double* probabilities, int m),
-                   (min, max, values, n, probabilities, m));
-PRAL_EXPORT_FAMILY(CumulD,
-                   (double min, double max, const double* values, int n, const double* probabilities, int m),
-                   (min, max, values, n, probabilities, m));
-PRAL_EXPORT_FAMILY(Ogive, (double min, double max, const double* data, int n), (min, max, data, n));
-PRAL_EXPORT_FAMILY(OgiveU, (double min, double max, const double* data, int n), (min, max, data, n));

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "distributions/exports.h"
 
 namespace pral {
 
@@ -93,8 +92,3 @@ Relative::Relative(double min, double max, const double* values, int n, const do
     : CheckedSegments(relative(min, max, values, n, weights, m)) {}
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(Histogram, (double min, double max, const double* f, int n), (min, max, f, n));
-PRAL_EXPORT_FAMILY(Relative,
-                   (double min, double max, const double* values, int n, const double* weights, int m),
-                   (min, max, values, n, weights, m));

@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "distributions/data/tables.h"
-#include "distributions/exports.h"
 
 namespace pral {
 
@@ -163,7 +162,3 @@ double DUniform::quantile(double p) const {
 }
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(Discrete, (const double* values, int n, const double* probabilities, int m),
-                   (values, n, probabilities, m));
-PRAL_EXPORT_FAMILY(DUniform, (const double* values, int n), (values, n));

@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-#include "boundary/error_text.h"
+#include "base/message.h"
 #include "numerics/constants.h"
 
 namespace pral::data {

@@ -1,7 +1,6 @@
 #include "distributions/discrete/beta_mixtures.h"
 
 #include "distributions/discrete/hypergeometric.h"
-#include "distributions/exports.h"
 #include "numerics/double_double.h"
 #include "numerics/gamma.h"
 #include "numerics/normal.h"
@@ -146,7 +145,3 @@ std::optional<Tails> counted_beta_binomial(double n, double k, double a, double 
 }
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(BetaBinomial, (double n, double alpha, double beta), (n, alpha, beta));
-PRAL_EXPORT_FAMILY(BetaNegBin, (double s, double a, double b), (s, a, b));
-PRAL_EXPORT_FAMILY(BetaGeometric, (double alpha, double beta), (alpha, beta));

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "distributions/exports.h"
 #include "numerics/extended_log.h"
 #include "numerics/gauss_legendre.h"
 
@@ -260,5 +259,3 @@ double Delaporte::start(double p) const {
 }
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(Delaporte, (double alpha, double beta, double lambda), (alpha, beta, lambda));

@@ -1,6 +1,5 @@
 #include "distributions/discrete/hypergeometric.h"
 
-#include "distributions/exports.h"
 #include "numerics/beta_quantile.h"
 #include "numerics/beta_ratio.h"
 #include "numerics/gamma_ratio.h"
@@ -122,8 +121,3 @@ double HypergeoM::start(double p) const {
 }
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(Hypergeo, (double n, double D, double M), (n, D, M));
-PRAL_EXPORT_FAMILY(InvHypergeo, (double s, double D, double M), (s, D, M));
-PRAL_EXPORT_FAMILY(HypergeoD, (double s, double n, double M), (s, n, M));
-PRAL_EXPORT_FAMILY(HypergeoM, (double s, double n, double D, double Max), (s, n, D, Max));

@@ -5,7 +5,6 @@
 
 #include "distributions/continuous/exponential.h"
 #include "distributions/continuous/uniform.h"
-#include "distributions/exports.h"
 #include "numerics/gauss_legendre.h"
 #include "numerics/normal.h"
 
@@ -158,6 +157,3 @@ Moments BurntFingerPoisson::moments() const {
 }
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(PoissonUniform, (double Min, double Max), (Min, Max));
-PRAL_EXPORT_FAMILY(BurntFingerPoisson, (double Lambda1, double Lambda2), (Lambda1, Lambda2));

@@ -1,7 +1,6 @@
 #include "distributions/discrete/skellam.h"
 
 #include "distributions/discrete/poisson.h"
-#include "distributions/exports.h"
 #include "numerics/normal.h"
 
 namespace pral {
@@ -43,5 +42,3 @@ double Skellam::random(double, RandomStream& stream) const {
 }
 
 }  // namespace pral
-
-PRAL_EXPORT_FAMILY(Skellam, (double Lambda1, double Lambda2), (Lambda1, Lambda2));

@@ -1,9 +1,12 @@
-// The line that makes a family public. PRAL_EXPORT_FAMILY(Normal, (double mu, double sigma), (mu, sigma))
-// defines the five functions that core_api.h declares for the family Normal, over the type pral::Normal.
+// The five functions of every family that core_api.h declares, over the type pral::X of the same name.
+//
+// The files of families/, one a kin, define them from the list in core_api.h: each includes the headers of its families,
+// defines PRAL_KIN_gamma (say) as PRAL_THIS_KIN and includes family_list.h. Families with tables among their parameters
+// have lines of their own, PRAL_EXPORT_FAMILY(DUniform, (const double* values, int n), (values, n)).
 #pragma once
 
 #include "boundary/core_api.h"
-#include "distributions/members.h"
+#include "classic/members.h"
 
 namespace pral {
 

@@ -2,8 +2,8 @@
 #include "boundary/call.h"
 #include "boundary/core_api.h"
 #include "boundary/random.h"
+#include "classic/members.h"
 #include "distributions/discrete/binomial.h"
-#include "distributions/members.h"
 #include "numerics/beta_quantile.h"
 #include "numerics/gamma_ratio.h"
 

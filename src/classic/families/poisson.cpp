@@ -1,0 +1,6 @@
+#include "distributions/discrete/poisson.h"
+#include "distributions/discrete/delaporte.h"
+#include "distributions/discrete/poisson_mixtures.h"
+#include "distributions/discrete/skellam.h"
+#define PRAL_KIN_poisson PRAL_THIS_KIN
+#include "classic/family_list.h"

@@ -1,5 +1,0 @@
-#include "distributions/discrete/logarithmic.h"
-
-#include "distributions/exports.h"
-
-PRAL_EXPORT_FAMILY(Logarithmic, (double theta), (theta));
