@@ -69,12 +69,11 @@ double Frank::tau(double theta) {
 }
 
 double Frank::from_tau(double tau) {
-    static TauTable table;
+    static const TauTable table;
     if (tau < 0) return 0;
     if (tau > table.tau.back()) return kMost;
     double theta = 0;
-    const Message problem =
-        statistics::interpolate(tau, table.tau.data(), table.theta.data(), TauTable::kPoints, false, &theta);
+    const Message problem = statistics::interpolate(tau, table.tau, table.theta, theta);
     return problem == nullptr ? theta : 0;
 }
 

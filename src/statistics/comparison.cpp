@@ -6,8 +6,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "statistics/ranks.h"
-
 namespace pral::statistics {
 
 double theil_u(Data x, Data y) {
@@ -51,29 +49,24 @@ int dominance(Data x, Data y) {
     return 0;
 }
 
-Message interpolate(double x, double* xs, double* ys, int count, bool sort_first, double* out) {
-    constexpr Message kOutside = "Error: Value must lie within {independent} range";
-    if (count < 1) return kOutside;
-    const std::size_t n = count;
-    const auto [smallest, largest] = std::minmax_element(xs, xs + n);
-    if (!(x >= *smallest && x <= *largest)) return kOutside;
-    if (sort_first) {
-        const std::vector<double> given_x(xs, xs + n), given_y(ys, ys + n);
-        const std::vector<SortEntry> order = sorted(given_x);
-        for (std::size_t i = 0; i < n; ++i) {
-            xs[i] = given_x[order[i].index];
-            ys[i] = given_y[order[i].index];
-        }
-    }
-    if (std::adjacent_find(xs, xs + n) != xs + n) return "Error: {independent} must contain unique values";
-    *out = ys[n - 1];
-    for (std::size_t i = 0; i + 1 < n; ++i) {
+bool covers(Data xs, double x) {
+    if (xs.empty()) return false;
+    const auto [smallest, largest] = std::minmax_element(xs.begin(), xs.end());
+    return x >= *smallest && x <= *largest;
+}
+
+Message interpolate(double x, Data xs, Data ys, double& out) {
+    if (!covers(xs, x)) return "Error: Value must lie within {independent} range";
+    if (std::adjacent_find(xs.begin(), xs.end()) != xs.end())
+        return "Error: {independent} must contain unique values";
+    out = ys[xs.size() - 1];
+    for (std::size_t i = 0; i + 1 < xs.size(); ++i) {
         if (x == xs[i]) {
-            *out = ys[i];
+            out = ys[i];
             break;
         }
         if (xs[i] < x && x < xs[i + 1]) {
-            *out = ys[i] + (ys[i + 1] - ys[i]) * (x - xs[i]) / (xs[i + 1] - xs[i]);
+            out = ys[i] + (ys[i + 1] - ys[i]) * (x - xs[i]) / (xs[i + 1] - xs[i]);
             break;
         }
     }

@@ -18,9 +18,11 @@ double theil_u(Data x, Data y);
 /// between them.
 int dominance(Data x, Data y);
 
+/// Whether x lies between the smallest and the largest of the values.
+bool covers(Data xs, double x);
+
 /// The polygon through the points (xs, ys), taken in the given order, at x: the first stretch that holds x decides.
-/// With `sort_first` the points are put in ascending order of xs before, in the caller's arrays. Returns the
-/// message of the failing check, or null.
-Message interpolate(double x, double* xs, double* ys, int count, bool sort_first, double* out);
+/// Returns the message of the failing check, or null.
+Message interpolate(double x, Data xs, Data ys, double& out);
 
 }  // namespace pral::statistics

@@ -8,19 +8,6 @@
 
 namespace pral::statistics {
 
-RuntimeRandom& runtime_random() {
-    static RuntimeRandom random;
-    return random;
-}
-
-void sample(Data data, int count, double* out, RuntimeRandom& random) {
-    const double last = static_cast<double>(data.size()) - 1;
-    for (int i = 0; i < count; ++i) {
-        const double place = std::floor(random.next() / double{RuntimeRandom::kMaximum} * last + 0.5);
-        out[i] = data[static_cast<std::size_t>(place)];
-    }
-}
-
 void shuffle(int count, double* out, RandomStream& stream) {
     // A uniform is its 32-bit word to scale, so the words sort alike.
     std::vector<SortEntry> draws(static_cast<std::size_t>(std::max(count, 0)));

@@ -9,7 +9,7 @@
 
 #include "boundary/automation.h"
 #include "boundary/core_api.h"
-#include "statistics/resampling.h"
+#include "classic/runtime_random.h"
 
 namespace {
 
@@ -26,7 +26,7 @@ Values next_resample(const Values& data, unsigned seed) {
 }
 
 TEST(Resampling, RuntimeGeneratorIsThatOfWindows) {
-    pral::statistics::RuntimeRandom random;
+    pral::classic::RuntimeRandom random;
     for (const int expected : {41, 18467, 6334, 26500, 19169, 15724, 11478, 29358, 26962, 24464}) {
         EXPECT_EQ(random.next(), expected);
     }

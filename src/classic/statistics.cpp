@@ -1,4 +1,5 @@
-// The exported statistics: moments, ranks, rank correlations, draws from data, comparisons, interpolation.
+// The exported statistics: moments, ranks, rank correlations, draws from data, comparisons, interpolation. The generator of
+// PralSample_Core lives here.
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -7,6 +8,9 @@
 
 #include "boundary/call.h"
 #include "boundary/core_api.h"
+#include "boundary/random.h"
+#include "classic/runtime_random.h"
+#include "classic/vectors.h"
 #include "matrix/matrix.h"
 #include "statistics/comparison.h"
 #include "statistics/moments.h"
@@ -16,7 +20,9 @@
 using pral::fail;
 using pral::given;
 using pral::guarded;
+using pral::succeeded;
 using pral::with_locked_array;
+using pral::classic::RuntimeRandom;
 using pral::statistics::Data;
 using pral::statistics::Moments;
 
@@ -78,6 +84,48 @@ bool correlation_matrix(SAFEARRAY** out, const double* data, int rows, int cols,
     });
 }
 
+bool rank(double* out, int n, const double* x, int descending) {
+    return guarded([&] {
+        if (!given({{"out", out}, {"x", x}}, n)) return false;
+        pral::statistics::ranks(data_of(x, n), descending != 0, out);
+        return true;
+    });
+}
+
+/// Draws with replacement by the process's generator of 15 bits. Its number is scaled and rounded to an index, so that
+/// the first and the last element come half as often as the others.
+bool sample(double* out, int n, const double* data, int m) {
+    static RuntimeRandom random;
+    return guarded([&] {
+        if (!given({{"out", out}, {"data", data}}, n)) return false;
+        if (n > 0 && m < 1) return fail("Error: the {data} array is empty");
+        const double last = static_cast<double>(m) - 1;
+        for (int i = 0; i < n; ++i) {
+            const double place = std::floor(random.next() / double{RuntimeRandom::kMaximum} * last + 0.5);
+            out[i] = data[static_cast<std::size_t>(place)];
+        }
+        return true;
+    });
+}
+
+bool shuffle(double* out, int n) {
+    return guarded([&] {
+        if (!given({{"out", out}}, n)) return false;
+        pral::statistics::shuffle(n, out, pral::random_stream());
+        return true;
+    });
+}
+
+/// Puts the points in ascending order of xs, in the caller's arrays.
+void sort_points(double* xs, double* ys, int n) {
+    const Data x = data_of(xs, n), y = data_of(ys, n);
+    const std::vector<double> given_x(x.begin(), x.end()), given_y(y.begin(), y.end());
+    for (const auto& entry : pral::statistics::sorted(given_x)) {
+        *xs++ = given_x[entry.index];
+        *ys++ = given_y[entry.index];
+    }
+}
+
 constexpr pral::Message kNoElements = "Error: length of the array must be >0";
 
 }  // namespace
@@ -124,18 +172,7 @@ bool PralRawMoments_Core(const double* x, const double* p, int n, double* mean, 
     });
 }
 
-bool PralRank_Core(double* out, int n, const double* x, int descending) {
-    return guarded([&] {
-        if (!given({{"out", out}, {"x", x}}, n)) return false;
-        pral::statistics::ranks(data_of(x, n), descending != 0, out);
-        return true;
-    });
-}
-
-bool PralRankVB_Core(SAFEARRAY** out, const double* x, int descending) {
-    return with_locked_array(
-        out, [&](double* data, int size) { return PralRank_Core(data, size, x, descending); });
-}
+PRAL_EXPORT_VECTOR(Rank, (const double* x, int descending), (x, descending), rank(out, size, x, descending));
 
 bool PralSpearman_Core(double* out, const double* x, const double* y, int n) {
     return guarded(out, 1, [&](int) {
@@ -185,31 +222,9 @@ bool PralKendallsTau_Core(double* out, const double* x, const double* y, int n) 
     });
 }
 
-bool PralSample_Core(double* out, int n, const double* data, int m) {
-    return guarded([&] {
-        if (!given({{"out", out}, {"data", data}}, n)) return false;
-        if (n > 0 && m < 1) return fail("Error: the {data} array is empty");
-        pral::statistics::sample(data_of(data, m), n, out, pral::statistics::runtime_random());
-        return true;
-    });
-}
+PRAL_EXPORT_VECTOR(Sample, (const double* data, int m), (data, m), sample(out, size, data, m));
 
-bool PralSampleVB_Core(SAFEARRAY** out, const double* data, int m) {
-    return with_locked_array(
-        out, [&](double* elements, int size) { return PralSample_Core(elements, size, data, m); });
-}
-
-bool PralShuffle_Core(double* out, int n) {
-    return guarded([&] {
-        if (!given({{"out", out}}, n)) return false;
-        pral::statistics::shuffle(n, out, pral::random_stream());
-        return true;
-    });
-}
-
-bool PralShuffleVB_Core(SAFEARRAY** out) {
-    return with_locked_array(out, [](double* data, int size) { return PralShuffle_Core(data, size); });
-}
+PRAL_EXPORT_VECTOR(Shuffle, (), (), shuffle(out, size));
 
 bool PralThielU_Core(double* out, const double* x, int nx, const double* y, int ny) {
     return guarded(out, 1, [&](int) {
@@ -235,6 +250,7 @@ bool PralDominance_Core(double* out, const double* x, int nx, const double* y, i
 bool PralInterpolate_Core(double* out, double x, double* xs, double* ys, int n, int sortFirst) {
     return guarded(out, 1, [&](int) {
         if (!given({{"xs", xs}, {"ys", ys}}, n)) return false;
-        return pral::succeeded(pral::statistics::interpolate(x, xs, ys, n, sortFirst != 0, out));
+        if (sortFirst != 0 && pral::statistics::covers(data_of(xs, n), x)) sort_points(xs, ys, n);
+        return succeeded(pral::statistics::interpolate(x, data_of(xs, n), data_of(ys, n), *out));
     });
 }

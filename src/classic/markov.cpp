@@ -4,6 +4,8 @@
 
 #include "boundary/call.h"
 #include "boundary/core_api.h"
+#include "boundary/random.h"
+#include "classic/vectors.h"
 #include "matrix/matrix.h"
 #include "statistics/markov.h"
 
@@ -17,6 +19,15 @@ bool markov_matrix(double* out, double* P, int rows, int cols, double t) {
     return guarded([&] {
         if (!given({{"out", out}, {"P", P}}, rows)) return false;
         return pral::succeeded(pral::statistics::markov_matrix(P, rows, cols, t, out));
+    });
+}
+
+bool markov_sample(double* out, int states, const double* population, double* P, int rows, int cols,
+                   double t) {
+    return guarded(out, states, [&](int size) {
+        if (!given({{"population", population}}, size) || !given({{"P", P}}, rows)) return false;
+        return pral::succeeded(
+            pral::statistics::markov_sample(population, size, P, rows, cols, t, out, pral::random_stream()));
     });
 }
 
@@ -42,18 +53,5 @@ bool PralMarkovMatrixVB_Core(SAFEARRAY** out, double* P, int rows, int cols, ...
     });
 }
 
-bool PralMarkovSample_Core(double* out, int states, const double* population, double* P, int rows, int cols,
-                           double t) {
-    return guarded(out, states, [&](int size) {
-        if (!given({{"population", population}}, size) || !given({{"P", P}}, rows)) return false;
-        return pral::succeeded(
-            pral::statistics::markov_sample(population, size, P, rows, cols, t, out, pral::random_stream()));
-    });
-}
-
-bool PralMarkovSampleVB_Core(SAFEARRAY** out, const double* population, double* P, int rows, int cols,
-                             double t) {
-    return with_locked_array(out, [&](double* data, int size) {
-        return PralMarkovSample_Core(data, size, population, P, rows, cols, t);
-    });
-}
+PRAL_EXPORT_VECTOR(MarkovSample, (const double* population, double* P, int rows, int cols, double t),
+                   (population, P, rows, cols, t), markov_sample(out, size, population, P, rows, cols, t));

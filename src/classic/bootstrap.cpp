@@ -1,15 +1,17 @@
 // The exported bootstrap functions: each call resamples the data once and gives a statistic of the resample.
 #include <cmath>
 #include <cstddef>
+#include <vector>
 
 #include "boundary/call.h"
 #include "boundary/core_api.h"
+#include "boundary/random.h"
+#include "classic/vectors.h"
 #include "statistics/moments.h"
 #include "statistics/resampling.h"
 
 using pral::given;
 using pral::guarded;
-using pral::with_locked_array;
 using pral::statistics::Data;
 
 namespace {
@@ -33,6 +35,29 @@ bool bootstrap(double* out, const double* data, int n, int minimum, Statistic st
 
 double coefficient_of_variation(Data x) {
     return pral::statistics::standard_deviation(x) / pral::statistics::mean(x);
+}
+
+bool paired(double* out, int count, const double* x, const double* y, int n) {
+    return guarded(out, count, [&](int size) {
+        if (size % 2 != 0) return pral::fail("Error: the output must have two elements for each pair");
+        if (size > 0 && n < 1) return pral::fail(kNoData);
+        if (!given({{"x", x}, {"y", y}}, size)) return false;
+        for (int i = 0; i < size; i += 2) {
+            const std::size_t from = pral::statistics::draw_index(n, pral::random_stream());
+            out[i] = x[from];
+            out[i + 1] = y[from];
+        }
+        return true;
+    });
+}
+
+bool series(double* out, int count, const double* data, int n) {
+    return guarded(out, count, [&](int size) {
+        if (size > 0 && n < 1) return pral::fail(kNoData);
+        if (!given({{"data", data}}, size)) return false;
+        for (int i = 0; i < size; ++i) out[i] = data[pral::statistics::draw_index(n, pral::random_stream())];
+        return true;
+    });
 }
 
 }  // namespace
@@ -85,35 +110,7 @@ bool PralNBootMoments_Core(const double* data, int n, double* mean, double* vari
     });
 }
 
-bool PralNBootPaired_Core(double* out, int count, const double* x, const double* y, int n) {
-    return guarded(out, count, [&](int size) {
-        if (size % 2 != 0) return pral::fail("Error: the output must have two elements for each pair");
-        if (size > 0 && n < 1) return pral::fail(kNoData);
-        if (!given({{"x", x}, {"y", y}}, size)) return false;
-        for (int i = 0; i < size; i += 2) {
-            const std::size_t from = pral::statistics::draw_index(n, pral::random_stream());
-            out[i] = x[from];
-            out[i + 1] = y[from];
-        }
-        return true;
-    });
-}
+PRAL_EXPORT_VECTOR(NBootPaired, (const double* x, const double* y, int n), (x, y, n),
+                   paired(out, size, x, y, n));
 
-bool PralNBootPairedVB_Core(SAFEARRAY** out, const double* x, const double* y, int n) {
-    return with_locked_array(
-        out, [&](double* data, int size) { return PralNBootPaired_Core(data, size, x, y, n); });
-}
-
-bool PralNBootSeries_Core(double* out, int count, const double* data, int n) {
-    return guarded(out, count, [&](int size) {
-        if (size > 0 && n < 1) return pral::fail(kNoData);
-        if (!given({{"data", data}}, size)) return false;
-        for (int i = 0; i < size; ++i) out[i] = data[pral::statistics::draw_index(n, pral::random_stream())];
-        return true;
-    });
-}
-
-bool PralNBootSeriesVB_Core(SAFEARRAY** out, const double* data, int n) {
-    return with_locked_array(
-        out, [&](double* elements, int size) { return PralNBootSeries_Core(elements, size, data, n); });
-}
+PRAL_EXPORT_VECTOR(NBootSeries, (const double* data, int n), (data, n), series(out, size, data, n));
