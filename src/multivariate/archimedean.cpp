@@ -4,6 +4,9 @@
 
 #include <array>
 
+#include "distributions/continuous/gamma.h"
+#include "distributions/discrete/logarithmic.h"
+#include "distributions/truncated.h"
 #include "numerics/gsl.h"
 #include "statistics/comparison.h"
 
@@ -42,19 +45,11 @@ void Clayton::frailties(std::span<double> first, std::span<const double>) const 
 /// The generator of Chambers, Mallows and Stuck (1976) for the index 1/theta, skewness 1, location 0 and the scale
 /// cos(pi/(2 theta))^theta, which takes the constant out of the Laplace transform exp(-s^(1/theta)); it is then
 /// Kanter's (1975): sin(a/theta) / sin(a)^theta (sin((1 - 1/theta) a) / w)^(theta - 1), a uniform on (0, pi), w
-/// standard exponential. pi has always been cut to 13 decimals here.
-void Gumbel::frailties(std::span<double> first, std::span<const double> second) const {
-    constexpr double kCutPi = 3.1415926535898;
-    for (std::size_t i = 0; i < first.size(); ++i) {
-        const double a = kCutPi * first[i];
-        if (theta_ == 1) {
-            first[i] = 0;
-            continue;
-        }
-        const double towards_one = std::log(std::sin((theta_ - 1) * index_ * a) / exponential(second[i]));
-        first[i] =
-            std::log(std::sin(a * index_)) - theta_ * std::log(std::sin(a)) + (theta_ - 1) * towards_one;
-    }
+/// standard exponential.
+double Gumbel::log_frailty(double a, double u) const {
+    if (theta_ == 1) return 0;
+    const double towards_one = std::log(std::sin((theta_ - 1) * index_ * a) / exponential(u));
+    return std::log(std::sin(a * index_)) - theta_ * std::log(std::sin(a)) + (theta_ - 1) * towards_one;
 }
 
 void Frank::frailties(std::span<double> first, std::span<const double>) const {

@@ -22,9 +22,10 @@
 #include <span>
 #include <vector>
 
+#include "boundary/error_text.h"
 #include "boundary/random.h"
-#include "distributions/families.h"
-#include "distributions/truncated.h"
+#include "numerics/constants.h"
+#include "numerics/elementary.h"
 
 namespace pral::multivariate {
 
@@ -85,7 +86,12 @@ class Gumbel {
 
     explicit Gumbel(double theta) : theta_(theta), index_(1 / theta) {}
     /// The logarithm of the frailty, which itself may leave the range of a double.
-    void frailties(std::span<double> first, std::span<const double> second) const;
+    void frailties(std::span<double> first, std::span<const double> second) const {
+        for (std::size_t i = 0; i < first.size(); ++i)
+            first[i] = log_frailty(numerics::kPi * first[i], second[i]);
+    }
+    /// From an angle, pi times a uniform, and a second uniform.
+    double log_frailty(double angle, double u) const;
     double coordinate(double u, double log_v) const {
         return std::exp(-std::exp((std::log(exponential(u)) - log_v) * index_));
     }

@@ -4,9 +4,11 @@
 #include <map>
 #include <utility>
 
-#include "distributions/families.h"
+#include "distributions/continuous/student.h"
+#include "distributions/truncated.h"
 #include "matrix/correlation_matrix.h"
 #include "matrix/decomposition.h"
+#include "multivariate/empirical_copula.h"
 #include "numerics/gamma.h"
 #include "statistics/ranks.h"
 
@@ -39,6 +41,11 @@ int RankedData::corner(double first_sign, double second_sign) const {
         sum += from_centre * from_centre * from_centre;
     }
     return (sum > 0) - (sum < 0);
+}
+
+RankedData ranked_samples(const std::vector<double>& samples, int d) {
+    const int count = static_cast<int>(samples.size() / static_cast<std::size_t>(d));
+    return {by_variable(samples.data(), count, d, false), d};
 }
 
 std::vector<double> fit_correlations(const RankedData& data) {
@@ -138,6 +145,25 @@ int fit_degrees(const RankedData& data, const std::vector<double>& correlations)
         }
     }
     return best;
+}
+
+Message fit_elliptical(EllipticalFit& fit, const RankedData& data, bool student) {
+    fit.correlations = fit_correlations(data);
+    if (fit.correlations.empty()) return "Error: the correlation matrix cannot be repaired";
+    fit.nu = student ? fit_degrees(data, fit.correlations) : 0;
+    return nullptr;
+}
+
+Message refit_elliptical(EllipticalFit& fit, int variables, int observations, RandomStream& stream) {
+    CovarianceFactor factor;
+    if (const Message problem = factor.factorise(fit.correlations.data(), variables)) return problem;
+    std::vector<double> samples(static_cast<std::size_t>(variables) * observations);
+    if (fit.nu == 0)
+        sample_normal_copula(factor, observations, samples.data(), stream);
+    else if (const Message problem =
+                 StudentCopula(fit.nu, factor).sample(observations, samples.data(), stream))
+        return problem;
+    return fit_elliptical(fit, ranked_samples(samples, variables), fit.nu != 0);
 }
 
 }  // namespace pral::multivariate

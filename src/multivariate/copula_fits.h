@@ -36,6 +36,9 @@ class RankedData {
     std::vector<double> ranks_;
 };
 
+/// Samples of a copula, one after another, as data of d variables.
+RankedData ranked_samples(const std::vector<double>& samples, int d);
+
 /// A copula of pairs with its direction.
 struct PairFit {
     double parameter;
@@ -64,6 +67,23 @@ double fit_all(const RankedData& data) {
     return Copula::limited(Copula::from_tau(data.mean_tau()));
 }
 
+/// A data set of so many observations drawn from the copula: refitting it shows the uncertainty of a fit.
+template <class Copula>
+RankedData replicate(double parameter, int variables, int observations, RandomStream& stream) {
+    std::vector<double> samples(static_cast<std::size_t>(variables) * observations);
+    sample<Copula>(parameter, variables, observations, samples.data(), stream);
+    return ranked_samples(samples, variables);
+}
+
+/// The same of pairs.
+template <class Copula>
+RankedData replicate(const PairFit& fit, int observations, RandomStream& stream) {
+    std::vector<double> samples(2 * static_cast<std::size_t>(observations));
+    sample<Copula>(fit.parameter, 2, observations, samples.data(), stream);
+    for (std::size_t i = 0; i < samples.size(); i += 2) apply_direction(fit.direction, &samples[i]);
+    return ranked_samples(samples, 2);
+}
+
 /// The correlation matrix sin(pi tau/2) of the elliptical copulas, made positive semi-definite where it is not (see
 /// matrix::valid_corrmat). Empty when that fails.
 std::vector<double> fit_correlations(const RankedData& data);
@@ -75,5 +95,15 @@ inline constexpr int kMostDegrees = 256;
 /// The whole number of degrees of freedom, 1 to kMostDegrees, with the largest likelihood of the t copula with the
 /// given correlations, at the ranks over m + 1.
 int fit_degrees(const RankedData& data, const std::vector<double>& correlations);
+
+/// An elliptical copula: the correlations and, of the t copula, the degrees of freedom (0: the normal copula).
+struct EllipticalFit {
+    int nu;
+    std::vector<double> correlations;
+};
+/// The fit to data, and in its place that to a data set of the same shape drawn from it. Return the message of what
+/// failed, or null.
+Message fit_elliptical(EllipticalFit& fit, const RankedData& data, bool student);
+Message refit_elliptical(EllipticalFit& fit, int variables, int observations, RandomStream& stream);
 
 }  // namespace pral::multivariate

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstring>
 #include <numeric>
 
 #include "distributions/continuous/normal.h"
@@ -25,34 +24,10 @@ Message complete_covariance(double* cov, int n, std::vector<double>& whole) {
                                                  : "Error: cov_matrix must be positive semi-definite";
 }
 
-namespace {
-
-/// The matrix of the call before and its factor: spreadsheets ask for one vector at a time.
-struct {
-    std::vector<double> matrix;
-    CovarianceFactor factor;
-} last;
-constexpr int kMostRemembered = 128;  // rows
-
-}  // namespace
-
 Message CovarianceFactor::prepare(double* cov, int n) {
-    matrix::complete_upper_triangle(cov, n);
-    const std::size_t elements = matrix::element_count(n);
-    if (elements > 0 && last.matrix.size() == elements &&
-        std::memcmp(last.matrix.data(), cov, elements * sizeof *cov) == 0) {
-        *this = last.factor;
-        return nullptr;
-    }
     std::vector<double> whole;
     if (const Message problem = complete_covariance(cov, n, whole)) return problem;
-    if (const Message problem = factorise(whole.data(), n)) return problem;
-    if (n <= kMostRemembered) {
-        last.matrix.clear();  // should memory run out, nothing is remembered
-        last.factor = *this;
-        last.matrix.assign(cov, cov + elements);
-    }
-    return nullptr;
+    return factorise(whole.data(), n);
 }
 
 Message CovarianceFactor::factorise(const double* cov, int n) {

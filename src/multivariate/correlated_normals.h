@@ -19,7 +19,7 @@ Message complete_covariance(double* cov, int n, std::vector<double>& whole);
 class CovarianceFactor {
   public:
     /// Completes an n x n matrix that is zero above its diagonal, in place, and factorises it; objects as
-    /// complete_covariance(). The matrix of the call before is found again.
+    /// complete_covariance().
     Message prepare(double* cov, int n);
 
     /// Factorises a symmetric matrix without negative eigenvalues, both triangles given.

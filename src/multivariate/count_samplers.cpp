@@ -2,12 +2,15 @@
 
 #include <algorithm>
 
-#include "distributions/families.h"
-#include "distributions/members.h"
+#include "distributions/discrete/binomial.h"
+#include "distributions/discrete/hypergeometric.h"
+#include "distributions/discrete/negative_binomial.h"
+#include "distributions/draws.h"
 
 namespace pral::multivariate {
 
-bool share_by_probability(double n, std::span<const double> p, std::size_t skipped, double* counts) {
+Message share_by_probability(double n, std::span<const double> p, std::size_t skipped, double* counts,
+                             RandomStream& stream) {
     std::size_t last = 0;
     for (std::size_t i = 0; i < p.size(); ++i) {
         if (i != skipped && p[i] > 0) last = i;
@@ -19,15 +22,17 @@ bool share_by_probability(double n, std::span<const double> p, std::size_t skipp
         if (i == skipped || (!first && left == 0)) continue;
         first = false;
         const double rest = 1 - used, conditional = i != last && p[i] < rest ? p[i] / rest : 1;
-        if (!draw(&counts[i], Binomial(left, p[i] == 0 ? 0 : conditional))) return false;
+        const Binomial share(left, p[i] == 0 ? 0 : conditional);
+        if (const Message objection = draw(counts[i], share, stream)) return objection;
         counts[i] = std::clamp(counts[i], 0.0, left);
         left -= counts[i];
         used += p[i];
     }
-    return true;
+    return nullptr;
 }
 
-bool share_by_size(double n, std::span<const double> sizes, std::size_t skipped, double* counts) {
+Message share_by_size(double n, std::span<const double> sizes, std::size_t skipped, double* counts,
+                      RandomStream& stream) {
     double pool = 0, left = n;
     for (std::size_t i = 0; i < sizes.size(); ++i) pool += i == skipped ? 0 : sizes[i];
     bool first = true;
@@ -35,26 +40,28 @@ bool share_by_size(double n, std::span<const double> sizes, std::size_t skipped,
         counts[i] = 0;
         if (i == skipped || (!first && left == 0)) continue;
         first = false;
-        if (!draw(&counts[i], Hypergeo{left, sizes[i], pool})) return false;
+        if (const Message objection = draw(counts[i], Hypergeo{left, sizes[i], pool}, stream))
+            return objection;
         left -= counts[i];
         pool -= sizes[i];
     }
-    return true;
+    return nullptr;
 }
 
 namespace {
 
 struct Urn {
     std::span<const double> D;
+    RandomStream& stream;
 
-    bool wait(std::size_t g, double missing, const std::vector<double>& counts, double& others) const {
+    Message wait(std::size_t g, double missing, const std::vector<double>& counts, double& others) const {
         const std::vector<double> rest = remaining(counts);
         double pool = 0;
         for (const double size : rest) pool += size;
-        return draw(&others, InvHypergeo{missing, rest[g], pool});
+        return draw(others, InvHypergeo{missing, rest[g], pool}, stream);
     }
-    bool share(double n, std::size_t g, const std::vector<double>& counts, double* shares) const {
-        return share_by_size(n, remaining(counts), g, shares);
+    Message share(double n, std::size_t g, const std::vector<double>& counts, double* shares) const {
+        return share_by_size(n, remaining(counts), g, shares, stream);
     }
     std::vector<double> remaining(const std::vector<double>& counts) const {
         std::vector<double> rest(D.begin(), D.end());
@@ -65,24 +72,27 @@ struct Urn {
 
 struct Trials {
     std::span<const double> p;
+    RandomStream& stream;
 
-    bool wait(std::size_t g, double missing, const std::vector<double>&, double& others) const {
+    Message wait(std::size_t g, double missing, const std::vector<double>&, double& others) const {
         // Nothing is waited for without a quota, not even where the category never comes.
-        return draw(&others, NegBin{missing, missing > 0 ? p[g] : 1});
+        return draw(others, NegBin{missing, missing > 0 ? p[g] : 1}, stream);
     }
-    bool share(double n, std::size_t g, const std::vector<double>&, double* shares) const {
-        return share_by_probability(n, p, g, shares);
+    Message share(double n, std::size_t g, const std::vector<double>&, double* shares) const {
+        return share_by_probability(n, p, g, shares, stream);
     }
 };
 
 }  // namespace
 
-std::vector<double> wait_for_urn(std::span<const double> quota, std::span<const double> D) {
-    return wait_for_quotas(quota, Urn{D});
+Message wait_for_urn(std::span<const double> quota, std::span<const double> D, std::vector<double>& counts,
+                     RandomStream& stream) {
+    return wait_for_quotas(quota, Urn{D, stream}, counts);
 }
 
-std::vector<double> wait_for_trials(std::span<const double> quota, std::span<const double> p) {
-    return wait_for_quotas(quota, Trials{p});
+Message wait_for_trials(std::span<const double> quota, std::span<const double> p, std::vector<double>& counts,
+                        RandomStream& stream) {
+    return wait_for_quotas(quota, Trials{p, stream}, counts);
 }
 
 }  // namespace pral::multivariate

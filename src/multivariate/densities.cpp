@@ -116,4 +116,10 @@ std::optional<QuadraticForm> quadratic_form(Vector x, Vector mu, const double* c
     return form;
 }
 
+double log_normal(const QuadraticForm& form, std::size_t dimensions) {
+    const double log_two_pi = std::log(2 * numerics::kPi);
+    const double log_constant = -0.5 * (static_cast<double>(dimensions) * log_two_pi + form.log_determinant);
+    return log_constant - 0.5 * form.value;
+}
+
 }  // namespace pral::multivariate

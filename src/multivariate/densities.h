@@ -2,6 +2,7 @@
 // the results are natural logarithms, -inf for what is impossible.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <span>
 
@@ -32,5 +33,8 @@ struct QuadraticForm {
 /// By elimination with partial pivoting. None for a singular matrix: one with a pivot of at most 1.94233e-21, or with a
 /// variable that the others determine to rounding, of which the pivot would be noise.
 std::optional<QuadraticForm> quadratic_form(Vector x, Vector mu, const double* cov);
+
+/// The normal density of so many dimensions: exp(-value/2) / sqrt((2 pi)^dimensions |det C|).
+double log_normal(const QuadraticForm& form, std::size_t dimensions);
 
 }  // namespace pral::multivariate

@@ -5,8 +5,9 @@
 #include <cstddef>
 #include <span>
 
-#include "distributions/families.h"
-#include "distributions/members.h"
+#include "distributions/continuous/gamma.h"
+#include "distributions/continuous/student.h"
+#include "distributions/draws.h"
 #include "numerics/normal.h"
 
 namespace pral::multivariate {
@@ -60,11 +61,11 @@ void sample_normal_copula(const CovarianceFactor& factor, int count, double* out
     }
 }
 
-bool StudentCopula::sample(int count, double* out, RandomStream& stream) const {
+Message StudentCopula::sample(int count, double* out, RandomStream& stream) const {
     const std::size_t d = factor_.size(), samples = std::max(count, 0);
     const StudentPercentile percentile(nu_);
     const ChiSq chi_square{nu_};
-    if (samples > 0 && chi_square.check() != nullptr) return draw(out, chi_square);  // fails
+    if (samples > 0 && chi_square.check() != nullptr) return draw(*out, chi_square, stream);  // objects
     const Truncated<ChiSq> whole(chi_square);
     std::vector<double> w(samples), y(d);
     for (std::size_t s = 0; s < samples; ++s) {
@@ -78,16 +79,16 @@ bool StudentCopula::sample(int count, double* out, RandomStream& stream) const {
         factor_.correlate(out, y.data());
         for (std::size_t j = 0; j < d; ++j) *out++ = percentile(y[j] * scale);
     }
-    return true;
+    return nullptr;
 }
 
-bool StudentCopula::sample_pair(double* out, RandomStream& stream) const {
+Message StudentCopula::sample_pair(double* out, RandomStream& stream) const {
     const StudentPercentile percentile(nu_);
     double w, z[2], y[2];
-    if (!draw(&w, ChiSq{nu_})) return false;
+    if (const Message objection = draw(w, ChiSq{nu_}, stream)) return objection;
     factor_.draw(stream, z, y);
     for (int j = 0; j < 2; ++j) out[j] = percentile(y[j] * std::sqrt(nu_ / w));
-    return true;
+    return nullptr;
 }
 
 }  // namespace pral::multivariate

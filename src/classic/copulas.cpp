@@ -1,26 +1,29 @@
-// The exported copulas.
+// The exported copulas. One call gives samples of one matrix or parameter; the factor of the last matrix is remembered.
+#include <algorithm>
 #include <cmath>
 
 #include "boundary/core_api.h"
-#include "distributions/families.h"
-#include "distributions/members.h"
+#include "boundary/random.h"
+#include "classic/copulas.h"
+#include "classic/factor_memory.h"
+#include "classic/vectors.h"
+#include "distributions/continuous/uniform.h"
+#include "distributions/draws.h"
 #include "matrix/matrix.h"
-#include "multivariate/archimedean.h"
 #include "multivariate/elliptical.h"
 #include "multivariate/empirical_copula.h"
-#include "multivariate/vector_call.h"
 
 using pral::fail;
 using pral::given;
 using pral::Message;
 using pral::random_stream;
 using pral::succeeded;
-using pral::with_locked_array;
+using pral::classic::CutPiGumbel;
+using pral::classic::guarded_vector;
+using pral::classic::prepare_remembered;
 using pral::multivariate::Clayton;
 using pral::multivariate::CovarianceFactor;
 using pral::multivariate::Frank;
-using pral::multivariate::guarded_vector;
-using pral::multivariate::Gumbel;
 using pral::multivariate::StudentCopula;
 
 namespace {
@@ -97,78 +100,22 @@ bool elliptical(double* out, int size, double* corr, int d, int samples, Sample 
     if (!succeeded(correlation.check_size()) || !given({{"corr", corr}})) return false;
     if (correlation.constant()) {
         double u = 0;
-        if (!pral::draw(&u, pral::Uniform{0, 1})) return false;
+        if (!succeeded(pral::draw(u, pral::Uniform{0, 1}, random_stream()))) return false;
         std::fill_n(out, size, u);
         return true;
     }
     CovarianceFactor factor;
-    return succeeded(factor.prepare(correlation.matrix(), correlation.size())) &&
+    return succeeded(prepare_remembered(factor, correlation.matrix(), correlation.size())) &&
            succeeded(factor.standardise()) && sample(factor);
 }
 
 /// The factor of the matrix of one correlation.
 Message factorise_pair(double rho, CovarianceFactor& factor) {
     double matrix[4] = {1, rho, rho, 1};
-    return factor.prepare(matrix, 2);
+    return prepare_remembered(factor, matrix, 2);
 }
 
-}  // namespace
-
-bool PralCopulaBiClayton_Core(double* out, int n, double alpha, int direction) {
-    return bivariate<Clayton>(out, n, alpha, direction);
-}
-
-bool PralCopulaBiClaytonVB_Core(SAFEARRAY** out, double alpha, int direction) {
-    return with_locked_array(
-        out, [=](double* data, int size) { return bivariate<Clayton>(data, size, alpha, direction); });
-}
-
-bool PralCopulaBiGumbel_Core(double* out, int n, double theta, int direction) {
-    return bivariate<Gumbel>(out, n, theta, direction);
-}
-
-bool PralCopulaBiGumbelVB_Core(SAFEARRAY** out, double theta, int direction) {
-    return with_locked_array(
-        out, [=](double* data, int size) { return bivariate<Gumbel>(data, size, theta, direction); });
-}
-
-bool PralCopulaBiFrank_Core(double* out, int n, double theta, int direction) {
-    return bivariate<Frank>(out, n, theta, direction);
-}
-
-bool PralCopulaBiFrankVB_Core(SAFEARRAY** out, double theta, int direction) {
-    return with_locked_array(
-        out, [=](double* data, int size) { return bivariate<Frank>(data, size, theta, direction); });
-}
-
-bool PralCopulaMultiClayton_Core(double* out, int outN, double alpha, int nSamples) {
-    return multivariate<Clayton>(out, outN, alpha, nSamples);
-}
-
-bool PralCopulaMultiClaytonVB_Core(SAFEARRAY** out, double alpha, int nSamples) {
-    return with_locked_array(
-        out, [=](double* data, int size) { return multivariate<Clayton>(data, size, alpha, nSamples); });
-}
-
-bool PralCopulaMultiGumbel_Core(double* out, int outN, double theta, int nSamples) {
-    return multivariate<Gumbel>(out, outN, theta, nSamples);
-}
-
-bool PralCopulaMultiGumbelVB_Core(SAFEARRAY** out, double theta, int nSamples) {
-    return with_locked_array(
-        out, [=](double* data, int size) { return multivariate<Gumbel>(data, size, theta, nSamples); });
-}
-
-bool PralCopulaMultiFrank_Core(double* out, int outN, double theta, int nSamples) {
-    return multivariate<Frank>(out, outN, theta, nSamples);
-}
-
-bool PralCopulaMultiFrankVB_Core(SAFEARRAY** out, double theta, int nSamples) {
-    return with_locked_array(
-        out, [=](double* data, int size) { return multivariate<Frank>(data, size, theta, nSamples); });
-}
-
-bool PralCopulaBiNormal_Core(double* out, int n, double rho) {
+bool normal_pair(double* out, int n, double rho) {
     return guarded_vector(out, n, [&] {
         if (n != 2) return fail(kNotAPair);
         if (rho == 1 || rho == -1) {
@@ -184,27 +131,17 @@ bool PralCopulaBiNormal_Core(double* out, int n, double rho) {
     });
 }
 
-bool PralCopulaBiNormalVB_Core(SAFEARRAY** out, double rho) {
-    return with_locked_array(
-        out, [=](double* data, int size) { return PralCopulaBiNormal_Core(data, size, rho); });
-}
-
-bool PralCopulaBiT_Core(double* out, int n, double nu, double rho) {
+bool student_pair(double* out, int n, double nu, double rho) {
     return guarded_vector(out, n, [&] {
         if (n != 2) return fail(kNotAPair);
         CovarianceFactor factor;
         if (!succeeded(factorise_pair(rho, factor))) return false;
         if (std::isinf(nu)) return fail(kDegreesMessage);
-        return StudentCopula(nu, factor).sample_pair(out, random_stream());
+        return succeeded(StudentCopula(nu, factor).sample_pair(out, random_stream()));
     });
 }
 
-bool PralCopulaBiTVB_Core(SAFEARRAY** out, double nu, double rho) {
-    return with_locked_array(out,
-                             [=](double* data, int size) { return PralCopulaBiT_Core(data, size, nu, rho); });
-}
-
-bool PralCopulaMultiNormal_Core(double* out, int outN, double* corr, int d, int nSamples) {
+bool normal(double* out, int outN, double* corr, int d, int nSamples) {
     return guarded_vector(out, outN, [&] {
         return elliptical(out, outN, corr, d, nSamples, [&](const CovarianceFactor& factor) {
             pral::multivariate::sample_normal_copula(factor, nSamples, out, random_stream());
@@ -213,28 +150,14 @@ bool PralCopulaMultiNormal_Core(double* out, int outN, double* corr, int d, int 
     });
 }
 
-bool PralCopulaMultiNormalVB_Core(SAFEARRAY** out, double* corr, int d, int nSamples) {
-    return with_locked_array(out, [=](double* data, int size) {
-        return PralCopulaMultiNormal_Core(data, size, corr, d, nSamples);
-    });
-}
-
-bool PralCopulaMultiT_Core(double* out, int outN, double nu, double* corr, int d, int nSamples) {
+bool student(double* out, int outN, double nu, double* corr, int d, int nSamples) {
     return guarded_vector(out, outN, [&] {
         if (nu != std::floor(nu) || std::isinf(nu)) return fail(kDegreesMessage);
         return elliptical(out, outN, corr, d, nSamples, [&](const CovarianceFactor& factor) {
-            return StudentCopula(nu, factor).sample(nSamples, out, random_stream());
+            return succeeded(StudentCopula(nu, factor).sample(nSamples, out, random_stream()));
         });
     });
 }
-
-bool PralCopulaMultiTVB_Core(SAFEARRAY** out, double nu, double* corr, int d, int nSamples) {
-    return with_locked_array(out, [=](double* data, int size) {
-        return PralCopulaMultiT_Core(data, size, nu, corr, d, nSamples);
-    });
-}
-
-namespace {
 
 bool empirical(double* out, int size, const double* data, int rows, int cols, int in_rows, bool series) {
     return guarded_vector(out, size, [&] {
@@ -251,23 +174,36 @@ bool empirical(double* out, int size, const double* data, int rows, int cols, in
 
 }  // namespace
 
-bool PralCopulaData_Core(double* out, int outN, const double* data, int rows, int cols, int dataInRows) {
-    return empirical(out, outN, data, rows, cols, dataInRows, false);
-}
+PRAL_EXPORT_VECTOR(CopulaBiClayton, (double alpha, int direction), (alpha, direction),
+                   bivariate<Clayton>(out, size, alpha, direction));
 
-bool PralCopulaDataVB_Core(SAFEARRAY** out, const double* data, int rows, int cols, int dataInRows) {
-    return with_locked_array(out, [=](double* elements, int size) {
-        return empirical(elements, size, data, rows, cols, dataInRows, false);
-    });
-}
+PRAL_EXPORT_VECTOR(CopulaBiGumbel, (double theta, int direction), (theta, direction),
+                   bivariate<CutPiGumbel>(out, size, theta, direction));
 
-bool PralCopulaDataSeries_Core(double* out, int outN, const double* data, int rows, int cols,
-                               int dataInRows) {
-    return empirical(out, outN, data, rows, cols, dataInRows, true);
-}
+PRAL_EXPORT_VECTOR(CopulaBiFrank, (double theta, int direction), (theta, direction),
+                   bivariate<Frank>(out, size, theta, direction));
 
-bool PralCopulaDataSeriesVB_Core(SAFEARRAY** out, const double* data, int rows, int cols, int dataInRows) {
-    return with_locked_array(out, [=](double* elements, int size) {
-        return empirical(elements, size, data, rows, cols, dataInRows, true);
-    });
-}
+PRAL_EXPORT_VECTOR(CopulaMultiClayton, (double alpha, int nSamples), (alpha, nSamples),
+                   multivariate<Clayton>(out, size, alpha, nSamples));
+
+PRAL_EXPORT_VECTOR(CopulaMultiGumbel, (double theta, int nSamples), (theta, nSamples),
+                   multivariate<CutPiGumbel>(out, size, theta, nSamples));
+
+PRAL_EXPORT_VECTOR(CopulaMultiFrank, (double theta, int nSamples), (theta, nSamples),
+                   multivariate<Frank>(out, size, theta, nSamples));
+
+PRAL_EXPORT_VECTOR(CopulaBiNormal, (double rho), (rho), normal_pair(out, size, rho));
+
+PRAL_EXPORT_VECTOR(CopulaBiT, (double nu, double rho), (nu, rho), student_pair(out, size, nu, rho));
+
+PRAL_EXPORT_VECTOR(CopulaMultiNormal, (double* corr, int d, int nSamples), (corr, d, nSamples),
+                   normal(out, size, corr, d, nSamples));
+
+PRAL_EXPORT_VECTOR(CopulaMultiT, (double nu, double* corr, int d, int nSamples), (nu, corr, d, nSamples),
+                   student(out, size, nu, corr, d, nSamples));
+
+PRAL_EXPORT_VECTOR(CopulaData, (const double* data, int rows, int cols, int dataInRows),
+                   (data, rows, cols, dataInRows), empirical(out, size, data, rows, cols, dataInRows, false));
+
+PRAL_EXPORT_VECTOR(CopulaDataSeries, (const double* data, int rows, int cols, int dataInRows),
+                   (data, rows, cols, dataInRows), empirical(out, size, data, rows, cols, dataInRows, true));

@@ -4,23 +4,30 @@
 #include <vector>
 
 #include "boundary/core_api.h"
-#include "distributions/families.h"
+#include "boundary/random.h"
+#include "classic/factor_memory.h"
+#include "classic/vectors.h"
 #include "distributions/members.h"
 #include "matrix/matrix.h"
-#include "multivariate/correlated_normals.h"
 #include "multivariate/count_samplers.h"
 #include "multivariate/densities.h"
-#include "multivariate/vector_call.h"
+#include "multivariate/dirichlet.h"
 
 using pral::fail;
 using pral::given;
 using pral::guarded;
 using pral::Message;
+using pral::random_stream;
 using pral::Scale;
 using pral::succeeded;
 using pral::with_locked_array;
-using pral::multivariate::guarded_vector;
+using pral::classic::guarded_vector;
+using pral::multivariate::sample_dirichlet;
+using pral::multivariate::share_by_probability;
+using pral::multivariate::share_by_size;
 using pral::multivariate::Vector;
+using pral::multivariate::wait_for_trials;
+using pral::multivariate::wait_for_urn;
 
 namespace {
 
@@ -59,22 +66,23 @@ bool write_probability(double* result, double log, Scale scale) {
     return true;
 }
 
-/// The items beyond the quotas, or the total number of items; empty counts come of a draw that failed.
-bool write_excess(double* out, const std::vector<double>& counts, Vector quota) {
-    if (counts.empty() && !quota.empty()) return false;
+/// The items beyond the quotas, or the total number of items, when the draws succeed.
+bool write_excess(double* out, Message objection, const std::vector<double>& counts, Vector quota) {
+    if (!succeeded(objection)) return false;
     for (std::size_t i = 0; i < counts.size(); ++i)
         out[i] = pral::numerics::finite_or_limit(counts[i] - quota[i]);
     return true;
 }
-bool write_total(double* out, const std::vector<double>& counts, Vector quota) {
-    if (counts.empty() && !quota.empty()) return false;
+bool write_total(double* out, Message objection, const std::vector<double>& counts) {
+    if (!succeeded(objection)) return false;
     *out = pral::numerics::finite_or_limit(pral::multivariate::sum(counts));
     return true;
 }
 
 // -------------------------------------------------------------------------------------- Multivariate normal
 
-bool multivariate_normal(double* out, const double* mu, int k, double* cov, int elements) {
+bool multivariate_normal(double* out, int size, const double* mu, int k, double* cov, int elements) {
+    if (size < k) return fail(kTooSmall);
     if (!given({{"mu", mu}}, k) || !given({{"cov", cov}}, elements)) return false;
     const Vector matrix = vector_of(cov, elements);
     const auto zero = [](double element) { return element == 0; };
@@ -86,14 +94,18 @@ bool multivariate_normal(double* out, const double* mu, int k, double* cov, int 
         return true;
     }
     pral::multivariate::CovarianceFactor factor;
-    if (!succeeded(factor.prepare(cov, k))) return false;
+    if (!succeeded(pral::classic::prepare_remembered(factor, cov, k))) return false;
     std::vector<double> z(k);
-    factor.draw(pral::random_stream(), z.data(), out);
+    factor.draw(random_stream(), z.data(), out);
     for (int i = 0; i < k; ++i) out[i] = pral::numerics::finite_or_limit(out[i] + mu[i]);
     return true;
 }
 
-/// The constant takes 2 pi once, whatever the dimension: always so here.
+/// Classic densities have sqrt(2 pi) once, whatever the dimension: k - 1 such factors are missing.
+double log_normal_with_one_two_pi(const pral::multivariate::QuadraticForm& form) {
+    return pral::multivariate::log_normal(form, 1);
+}
+
 bool normal_density(double* result, const double* x, int nx, const double* mu, int nmu, double* cov,
                     int elements, Scale scale) {
     return guarded(result, 1, [&](int) {
@@ -106,8 +118,7 @@ bool normal_density(double* result, const double* x, int nx, const double* mu, i
         const auto form =
             pral::multivariate::quadratic_form(vector_of(x, nx), vector_of(mu, nmu), whole.data());
         if (!form) return fail("Error: cov_matrix is singular");
-        const double log_constant = -0.5 * (std::log(2 * pral::numerics::kPi) + form->log_determinant);
-        return write_probability(result, log_constant - 0.5 * form->value, scale);
+        return write_probability(result, log_normal_with_one_two_pi(*form), scale);
     });
 }
 
@@ -120,7 +131,8 @@ bool multinomial(double* out, int size, double n, const double* p, int k) {
     const Vector probabilities = vector_of(p, k);
     if (!all_probabilities(probabilities)) return fail("Error: p must be between [0,1]");
     if (!sums_to_one(probabilities)) return fail("Error: p must sum up to 1");
-    return pral::multivariate::share_by_probability(n, probabilities, pral::multivariate::kNoGroup, out);
+    return succeeded(
+        share_by_probability(n, probabilities, pral::multivariate::kNoGroup, out, random_stream()));
 }
 
 bool multinomial_probability(double* result, const double* counts, int ns, const double* probabilities,
@@ -138,22 +150,15 @@ bool multinomial_probability(double* result, const double* counts, int ns, const
     });
 }
 
+/// Classic samples are of the shapes alpha + 1; the density takes alpha as it is.
 bool dirichlet(double* out, int size, const double* alpha, int k) {
     if (size < k) return fail("Error: return array size must be >= {alpha} size ");
     if (!given({{"alpha", alpha}}, k)) return false;
-    double total = 0, largest = 0;
-    for (int i = 0; i < k; ++i) {
-        if (!pral::draw(&out[i], pral::Gamma{alpha[i] + 1, 1})) return false;
-        total += out[i];
-        largest = std::max(largest, out[i]);
-    }
-    if (k > 0 && total == 0) return fail("Error: alpha values must be > -1");
-    if (std::isinf(total)) {
-        total = 0;
-        for (int i = 0; i < k; ++i) total += out[i] /= largest;
-    }
-    for (int i = 0; i < k; ++i) out[i] /= total;
-    return true;
+    std::vector<double> shapes;
+    for (const double value : vector_of(alpha, k)) shapes.push_back(value + 1);
+    const Message problem = sample_dirichlet(shapes, out, random_stream());
+    return succeeded(problem == pral::multivariate::kNoProportions ? "Error: alpha values must be > -1"
+                                                                   : problem);
 }
 
 bool dirichlet_density(double* result, const double* proportions, int nx, const double* shapes, int nalpha,
@@ -177,7 +182,7 @@ bool multivariate_hypergeometric(double* out, double n, const double* sizes, int
     if (!all_whole(D)) return fail("Error: D values must be integers");
     if (!all_at_least_zero(D)) return fail("Error: D values must all be >0");
     if (!(n <= pral::multivariate::sum(D))) return fail("Error: n must be less than Sum({D})");
-    return pral::multivariate::share_by_size(n, D, pral::multivariate::kNoGroup, out);
+    return succeeded(share_by_size(n, D, pral::multivariate::kNoGroup, out, random_stream()));
 }
 
 bool hypergeometric_probability(double* result, const double* counts, int ns, const double* sizes, int nD,
@@ -219,17 +224,33 @@ bool trials_are_valid(const double* s, int ns, const double* p, int np) {
     return sums_to_one(probabilities, 1e-15) || fail("Error: sum(p) must equal to 1");
 }
 
+bool urn_excess(double* out, int size, const double* s, int ns, const double* D, int nD) {
+    return guarded_vector(out, size, [&] {
+        if (!urn_is_valid(s, ns, D, nD, "Error: each s(i) must be <= D(i)")) return false;
+        if (size < ns) return fail(kCutOff);
+        const Vector quota = vector_of(s, ns);
+        std::vector<double> counts;
+        const Message objection = wait_for_urn(quota, vector_of(D, nD), counts, random_stream());
+        return write_excess(out, objection, counts, quota);
+    });
+}
+
+bool trials_excess(double* out, int size, const double* s, int ns, const double* p, int np) {
+    return guarded_vector(out, size, [&] {
+        if (!trials_are_valid(s, ns, p, np)) return false;
+        if (size < ns) return fail(kTooSmall);
+        const Vector quota = vector_of(s, ns);
+        std::vector<double> counts;
+        const Message objection = wait_for_trials(quota, vector_of(p, np), counts, random_stream());
+        return write_excess(out, objection, counts, quota);
+    });
+}
+
 }  // namespace
 
-bool PralMultiNormal_Core(double* out, int outN, const double* mu, int k, double* cov, int covN) {
-    return guarded_vector(
-        out, outN, [&] { return outN < k ? fail(kTooSmall) : multivariate_normal(out, mu, k, cov, covN); });
-}
-
-bool PralMultiNormalVB_Core(SAFEARRAY** out, const double* mu, int k, double* cov, int covN) {
-    return with_locked_array(
-        out, [=](double* data, int size) { return PralMultiNormal_Core(data, size, mu, k, cov, covN); });
-}
+PRAL_EXPORT_VECTOR(MultiNormal, (const double* mu, int k, double* cov, int covN), (mu, k, cov, covN),
+                   guarded_vector(out, size,
+                                  [&] { return multivariate_normal(out, size, mu, k, cov, covN); }));
 
 bool PralMultiNormalProb_Core(double* result, const double* x, int nx, const double* mu, int nmu, double* cov,
                               int covN) {
@@ -241,14 +262,8 @@ bool PralMultiNormalProb10_Core(double* result, const double* x, int nx, const d
     return normal_density(result, x, nx, mu, nmu, cov, covN, Scale::natural_log);
 }
 
-bool PralMultinomial_Core(double* out, int outN, double n, const double* p, int k) {
-    return guarded_vector(out, outN, [&] { return multinomial(out, outN, n, p, k); });
-}
-
-bool PralMultinomialVB_Core(SAFEARRAY** out, double n, const double* p, int k) {
-    return with_locked_array(
-        out, [=](double* data, int size) { return PralMultinomial_Core(data, size, n, p, k); });
-}
+PRAL_EXPORT_VECTOR(Multinomial, (double n, const double* p, int k), (n, p, k),
+                   guarded_vector(out, size, [&] { return multinomial(out, size, n, p, k); }));
 
 bool PralMultinomialProb_Core(double* result, const double* s, int ns, const double* p, int np) {
     return multinomial_probability(result, s, ns, p, np, Scale::plain);
@@ -258,14 +273,8 @@ bool PralMultinomialProb10_Core(double* result, const double* s, int ns, const d
     return multinomial_probability(result, s, ns, p, np, Scale::natural_log);
 }
 
-bool PralDirichlet_Core(double* out, int outN, const double* alpha, int k) {
-    return guarded_vector(out, outN, [&] { return dirichlet(out, outN, alpha, k); });
-}
-
-bool PralDirichletVB_Core(SAFEARRAY** out, const double* alpha, int k) {
-    return with_locked_array(
-        out, [=](double* data, int size) { return PralDirichlet_Core(data, size, alpha, k); });
-}
+PRAL_EXPORT_VECTOR(Dirichlet, (const double* alpha, int k), (alpha, k),
+                   guarded_vector(out, size, [&] { return dirichlet(out, size, alpha, k); }));
 
 bool PralDirichletProb_Core(double* result, const double* x, int nx, const double* alpha, int nalpha) {
     return dirichlet_density(result, x, nx, alpha, nalpha, Scale::plain);
@@ -297,43 +306,24 @@ bool PralMultiHypergeoProb10_Core(double* result, const double* s, int ns, const
 bool PralInvMultiHypergeo_Core(double* out, const double* s, int ns, const double* D, int nD) {
     return guarded(out, 1, [&](int) {
         if (!urn_is_valid(s, ns, D, nD, "Error: each s(i) must less than d(i)")) return false;
-        const Vector quota = vector_of(s, ns);
-        return write_total(out, pral::multivariate::wait_for_urn(quota, vector_of(D, nD)), quota);
+        std::vector<double> counts;
+        const Message objection = wait_for_urn(vector_of(s, ns), vector_of(D, nD), counts, random_stream());
+        return write_total(out, objection, counts);
     });
 }
 
-bool PralInvMultiHypergeo2_Core(double* out, int outN, const double* s, int ns, const double* D, int nD) {
-    return guarded_vector(out, outN, [&] {
-        if (!urn_is_valid(s, ns, D, nD, "Error: each s(i) must be <= D(i)")) return false;
-        if (outN < ns) return fail(kCutOff);
-        const Vector quota = vector_of(s, ns);
-        return write_excess(out, pral::multivariate::wait_for_urn(quota, vector_of(D, nD)), quota);
-    });
-}
-
-bool PralInvMultiHypergeo2VB_Core(SAFEARRAY** out, const double* s, int ns, const double* D, int nD) {
-    return with_locked_array(
-        out, [=](double* data, int size) { return PralInvMultiHypergeo2_Core(data, size, s, ns, D, nD); });
-}
+PRAL_EXPORT_VECTOR(InvMultiHypergeo2, (const double* s, int ns, const double* D, int nD), (s, ns, D, nD),
+                   urn_excess(out, size, s, ns, D, nD));
 
 bool PralNegMultinomial_Core(double* out, const double* s, int ns, const double* p, int np) {
     return guarded(out, 1, [&](int) {
         if (!trials_are_valid(s, ns, p, np)) return false;
-        const Vector quota = vector_of(s, ns);
-        return write_total(out, pral::multivariate::wait_for_trials(quota, vector_of(p, np)), quota);
+        std::vector<double> counts;
+        const Message objection =
+            wait_for_trials(vector_of(s, ns), vector_of(p, np), counts, random_stream());
+        return write_total(out, objection, counts);
     });
 }
 
-bool PralNegMultinomial2_Core(double* out, int outN, const double* s, int ns, const double* p, int np) {
-    return guarded_vector(out, outN, [&] {
-        if (!trials_are_valid(s, ns, p, np)) return false;
-        if (outN < ns) return fail(kTooSmall);
-        const Vector quota = vector_of(s, ns);
-        return write_excess(out, pral::multivariate::wait_for_trials(quota, vector_of(p, np)), quota);
-    });
-}
-
-bool PralNegMultinomial2VB_Core(SAFEARRAY** out, const double* s, int ns, const double* p, int np) {
-    return with_locked_array(
-        out, [=](double* data, int size) { return PralNegMultinomial2_Core(data, size, s, ns, p, np); });
-}
+PRAL_EXPORT_VECTOR(NegMultinomial2, (const double* s, int ns, const double* p, int np), (s, ns, p, np),
+                   trials_excess(out, size, s, ns, p, np));

@@ -2,13 +2,14 @@
 // data set of the same shape drawn from it.
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 #include "boundary/core_api.h"
+#include "boundary/random.h"
+#include "classic/copulas.h"
+#include "classic/vectors.h"
 #include "matrix/matrix.h"
 #include "multivariate/copula_fits.h"
 #include "multivariate/empirical_copula.h"
-#include "multivariate/vector_call.h"
 
 using pral::fail;
 using pral::given;
@@ -17,14 +18,13 @@ using pral::Message;
 using pral::random_stream;
 using pral::succeeded;
 using pral::with_locked_array;
+using pral::classic::CutPiGumbel;
+using pral::classic::guarded_vector;
 using pral::multivariate::Clayton;
-using pral::multivariate::CovarianceFactor;
+using pral::multivariate::EllipticalFit;
 using pral::multivariate::Frank;
-using pral::multivariate::guarded_vector;
-using pral::multivariate::Gumbel;
 using pral::multivariate::PairFit;
 using pral::multivariate::RankedData;
-using pral::multivariate::StudentCopula;
 
 namespace {
 
@@ -71,16 +71,6 @@ bool into_array(SAFEARRAY** array, std::size_t needed, const Table& table, Body 
     });
 }
 
-/// Samples one after another, as data of d variables.
-RankedData ranked(const std::vector<double>& samples, int d) {
-    const int count = static_cast<int>(samples.size() / static_cast<std::size_t>(d));
-    return {pral::multivariate::by_variable(samples.data(), count, d, false), d};
-}
-
-std::vector<double> room(int d, int count) {
-    return std::vector<double>(static_cast<std::size_t>(d) * count);
-}
-
 /// Pairs one after another.
 struct Pairs {
     const double* data;
@@ -95,7 +85,8 @@ struct Pairs {
 
 // --------------------------------------------------------------------------------------- Archimedean copulas
 
-/// The copula that the synthetic data are drawn from: Frank's come from Clayton with Frank's theta, and always have.
+/// The copula that the synthetic data of a classic fit of more variables are drawn from: for Frank's it is Clayton's, with
+/// Frank's theta for its alpha.
 template <class Copula>
 struct SyntheticOf {
     using type = Copula;
@@ -109,10 +100,9 @@ template <class Copula>
 double fit_all(const Table& table, bool uncertainty) {
     const double parameter = pral::multivariate::fit_all<Copula>(table.ranked());
     if (!uncertainty) return parameter;
-    std::vector<double> samples = room(table.variables(), table.observations());
-    pral::multivariate::sample<typename SyntheticOf<Copula>::type>(
-        parameter, table.variables(), table.observations(), samples.data(), random_stream());
-    return pral::multivariate::fit_all<Copula>(ranked(samples, table.variables()));
+    return pral::multivariate::fit_all<Copula>(
+        pral::multivariate::replicate<typename SyntheticOf<Copula>::type>(
+            parameter, table.variables(), table.observations(), random_stream()));
 }
 
 template <class Copula>
@@ -150,11 +140,8 @@ bool fit_pair(PairFit& fit, int* direction, const Pairs& pairs, int uncertainty)
     fit = pral::multivariate::fit_pair<Copula>(pairs.table().ranked(), asked);
     if (uncertainty != 0) {
         if (!Copula::bivariate_range(fit.parameter)) return fail(Copula::kBivariate);
-        std::vector<double> samples = room(2, pairs.count);
-        pral::multivariate::sample<Copula>(fit.parameter, 2, pairs.count, samples.data(), random_stream());
-        for (std::size_t i = 0; i < samples.size(); i += 2)
-            pral::multivariate::apply_direction(fit.direction, &samples[i]);
-        fit = pral::multivariate::fit_pair<Copula>(ranked(samples, 2), fit.direction);
+        const RankedData drawn = pral::multivariate::replicate<Copula>(fit, pairs.count, random_stream());
+        fit = pral::multivariate::fit_pair<Copula>(drawn, fit.direction);
     }
     if (direction != nullptr) *direction = fit.direction;
     return true;
@@ -184,31 +171,11 @@ bool fit_pair_sample(double* out, int* direction, const Pairs& pairs, int uncert
 
 // ---------------------------------------------------------------------------------------- Elliptical copulas
 
-/// The fitted correlations and, of the t copula, degrees of freedom (0: the normal copula).
-struct EllipticalFit {
-    int nu;
-    std::vector<double> correlations;
-};
-
-bool fit_once(EllipticalFit& fit, const RankedData& data, bool student) {
-    fit.correlations = pral::multivariate::fit_correlations(data);
-    if (fit.correlations.empty()) return fail("Error: the correlation matrix cannot be repaired");
-    fit.nu = student ? pral::multivariate::fit_degrees(data, fit.correlations) : 0;
-    return true;
-}
-
 bool fit_elliptical(EllipticalFit& fit, const Table& table, bool student, int uncertainty) {
-    if (!table.usable() || !fit_once(fit, table.ranked(), student)) return false;
-    if (uncertainty == 0) return true;
-    CovarianceFactor factor;
-    if (!succeeded(factor.factorise(fit.correlations.data(), table.variables()))) return false;
-    std::vector<double> samples = room(table.variables(), table.observations());
-    if (!student)
-        pral::multivariate::sample_normal_copula(factor, table.observations(), samples.data(),
-                                                 random_stream());
-    else if (!StudentCopula(fit.nu, factor).sample(table.observations(), samples.data(), random_stream()))
-        return false;
-    return fit_once(fit, ranked(samples, table.variables()), student);
+    if (!table.usable()) return false;
+    if (!succeeded(pral::multivariate::fit_elliptical(fit, table.ranked(), student))) return false;
+    return uncertainty == 0 || succeeded(pral::multivariate::refit_elliptical(
+                                   fit, table.variables(), table.observations(), random_stream()));
 }
 
 /// `nu` is null for the normal copula; the first `elements` correlations from `from` on are given.
@@ -223,80 +190,32 @@ bool fit_elliptical(double* nu, double* corr, std::size_t from, std::size_t elem
 
 }  // namespace
 
-bool PralCopulaMultiClaytonFitP_Core(double* alpha, const double* data, int rows, int cols, int dataInRows,
-                                     int uncertainty) {
-    return fit_all_parameter<Clayton>(alpha, {data, rows, cols, dataInRows != 0}, uncertainty);
-}
+#define PRAL_EXPORT_COPULA_FITS(X, TYPE)                                                                   \
+    bool PralCopulaMulti##X##FitP_Core(double* parameter, const double* data, int rows, int cols,          \
+                                       int dataInRows, int uncertainty) {                                  \
+        return fit_all_parameter<TYPE>(parameter, {data, rows, cols, dataInRows != 0}, uncertainty);       \
+    }                                                                                                      \
+    bool PralCopulaMulti##X##Fit_Core(double* out, const double* data, int rows, int cols, int dataInRows, \
+                                      int uncertainty) {                                                   \
+        return fit_all_sample<TYPE>(out, {data, rows, cols, dataInRows != 0}, uncertainty);                \
+    }                                                                                                      \
+    bool PralCopulaMulti##X##FitVB_Core(SAFEARRAY** out, const double* data, int rows, int cols,           \
+                                        int dataInRows, int uncertainty) {                                 \
+        return fit_all_sample<TYPE>(out, {data, rows, cols, dataInRows != 0}, uncertainty);                \
+    }                                                                                                      \
+    bool PralCopulaBi##X##FitP_Core(double* parameter, int* direction, const double* pairs, int nPairs,    \
+                                    int uncertainty) {                                                     \
+        return fit_pair_parameter<TYPE>(parameter, direction, {pairs, nPairs}, uncertainty);               \
+    }                                                                                                      \
+    bool PralCopulaBi##X##Fit_Core(double* out, int* direction, const double* pairs, int nPairs,           \
+                                   int uncertainty) {                                                      \
+        return fit_pair_sample<TYPE>(out, direction, {pairs, nPairs}, uncertainty);                        \
+    }                                                                                                      \
+    static_assert(true)
 
-bool PralCopulaMultiGumbelFitP_Core(double* theta, const double* data, int rows, int cols, int dataInRows,
-                                    int uncertainty) {
-    return fit_all_parameter<Gumbel>(theta, {data, rows, cols, dataInRows != 0}, uncertainty);
-}
-
-bool PralCopulaMultiFrankFitP_Core(double* theta, const double* data, int rows, int cols, int dataInRows,
-                                   int uncertainty) {
-    return fit_all_parameter<Frank>(theta, {data, rows, cols, dataInRows != 0}, uncertainty);
-}
-
-bool PralCopulaMultiClaytonFit_Core(double* out, const double* data, int rows, int cols, int dataInRows,
-                                    int uncertainty) {
-    return fit_all_sample<Clayton>(out, {data, rows, cols, dataInRows != 0}, uncertainty);
-}
-
-bool PralCopulaMultiClaytonFitVB_Core(SAFEARRAY** out, const double* data, int rows, int cols, int dataInRows,
-                                      int uncertainty) {
-    return fit_all_sample<Clayton>(out, {data, rows, cols, dataInRows != 0}, uncertainty);
-}
-
-bool PralCopulaMultiGumbelFit_Core(double* out, const double* data, int rows, int cols, int dataInRows,
-                                   int uncertainty) {
-    return fit_all_sample<Gumbel>(out, {data, rows, cols, dataInRows != 0}, uncertainty);
-}
-
-bool PralCopulaMultiGumbelFitVB_Core(SAFEARRAY** out, const double* data, int rows, int cols, int dataInRows,
-                                     int uncertainty) {
-    return fit_all_sample<Gumbel>(out, {data, rows, cols, dataInRows != 0}, uncertainty);
-}
-
-bool PralCopulaMultiFrankFit_Core(double* out, const double* data, int rows, int cols, int dataInRows,
-                                  int uncertainty) {
-    return fit_all_sample<Frank>(out, {data, rows, cols, dataInRows != 0}, uncertainty);
-}
-
-bool PralCopulaMultiFrankFitVB_Core(SAFEARRAY** out, const double* data, int rows, int cols, int dataInRows,
-                                    int uncertainty) {
-    return fit_all_sample<Frank>(out, {data, rows, cols, dataInRows != 0}, uncertainty);
-}
-
-bool PralCopulaBiClaytonFitP_Core(double* alpha, int* direction, const double* pairs, int nPairs,
-                                  int uncertainty) {
-    return fit_pair_parameter<Clayton>(alpha, direction, {pairs, nPairs}, uncertainty);
-}
-
-bool PralCopulaBiGumbelFitP_Core(double* theta, int* direction, const double* pairs, int nPairs,
-                                 int uncertainty) {
-    return fit_pair_parameter<Gumbel>(theta, direction, {pairs, nPairs}, uncertainty);
-}
-
-bool PralCopulaBiFrankFitP_Core(double* theta, int* direction, const double* pairs, int nPairs,
-                                int uncertainty) {
-    return fit_pair_parameter<Frank>(theta, direction, {pairs, nPairs}, uncertainty);
-}
-
-bool PralCopulaBiClaytonFit_Core(double* out, int* direction, const double* pairs, int nPairs,
-                                 int uncertainty) {
-    return fit_pair_sample<Clayton>(out, direction, {pairs, nPairs}, uncertainty);
-}
-
-bool PralCopulaBiGumbelFit_Core(double* out, int* direction, const double* pairs, int nPairs,
-                                int uncertainty) {
-    return fit_pair_sample<Gumbel>(out, direction, {pairs, nPairs}, uncertainty);
-}
-
-bool PralCopulaBiFrankFit_Core(double* out, int* direction, const double* pairs, int nPairs,
-                               int uncertainty) {
-    return fit_pair_sample<Frank>(out, direction, {pairs, nPairs}, uncertainty);
-}
+PRAL_EXPORT_COPULA_FITS(Clayton, Clayton);
+PRAL_EXPORT_COPULA_FITS(Gumbel, CutPiGumbel);
+PRAL_EXPORT_COPULA_FITS(Frank, Frank);
 
 bool PralCopulaBiNormalFitP_Core(double* rho, const double* pairs, int nPairs, int uncertainty) {
     const Pairs data{pairs, nPairs};

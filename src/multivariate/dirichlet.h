@@ -1,0 +1,17 @@
+// Samples of the Dirichlet distribution.
+#pragma once
+
+#include "boundary/error_text.h"
+#include "boundary/random.h"
+#include "multivariate/densities.h"
+
+namespace pral::multivariate {
+
+/// The objection to shapes so small that each of the gamma variables is 0.
+inline constexpr Message kNoProportions = "Error: alpha values are too small";
+
+/// Independent gamma variables with these shapes, drawn in their order, divided by their sum. Returns the message of the
+/// failing check, or null.
+Message sample_dirichlet(Vector alpha, double* out, RandomStream& stream);
+
+}  // namespace pral::multivariate
