@@ -1,6 +1,5 @@
 #include "distributions/continuous/extreme_value.h"
 
-
 namespace pral {
 
 double GEV::log_likelihood(std::span<const double> values) const {

@@ -1,6 +1,5 @@
 #include "distributions/continuous/pert.h"
 
-
 namespace pral {
 
 /// With the mode s of the way from min to max the shapes are 1 + 4 s and 5 - 4 s, and with them the points where the

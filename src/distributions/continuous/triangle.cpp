@@ -1,6 +1,5 @@
 #include "distributions/continuous/triangle.h"
 
-
 namespace pral {
 
 namespace {
