@@ -77,11 +77,19 @@ set_source_files_properties("${PROJECT_SOURCE_DIR}/src/boundary/version.cpp" PRO
 
 define_property(GLOBAL PROPERTY PRAL_SUBSYSTEMS BRIEF_DOCS "The subsystems that have sources, lowest first")
 
-# pral_subsystem(name [subsystems it stands on...] [LIBRARIES targets...]): the object library pral_<name> of src/<name>/.
+# pral_subsystem(name [subsystems it stands on...] [LIBRARIES targets...] [APART folder]): the object library pral_<name> of
+# src/<name>/. APART: a folder of src/ of its own, inside another subsystem's, whose code is no part of the shared library.
 # A folder without sources makes no target and is left out wherever it is named.
 function(pral_subsystem name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBRARIES")
-  file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/src/${name}/*.cpp")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "APART" "LIBRARIES")
+  set(folder ${name})
+  if(arg_APART)
+    set(folder ${arg_APART})
+  endif()
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/src/${folder}/*.cpp")
+  if(NOT arg_APART)
+    list(FILTER sources EXCLUDE REGEX "/src/numerics/classical/")
+  endif()
   # What it stands on, the whole way down, whether or not the folder itself has sources yet.
   set(below)
   foreach(lower IN LISTS arg_UNPARSED_ARGUMENTS)
@@ -94,7 +102,9 @@ function(pral_subsystem name)
     target_compile_definitions(pral_${name} PRIVATE PRAL_CORE_BUILD)
     target_link_libraries(pral_${name} PUBLIC pral_options ${arg_LIBRARIES})
     list(APPEND closure ${name})
-    set_property(GLOBAL APPEND PROPERTY PRAL_SUBSYSTEMS ${name})
+    if(NOT arg_APART)
+      set_property(GLOBAL APPEND PROPERTY PRAL_SUBSYSTEMS ${name})
+    endif()
   endif()
   list(REMOVE_DUPLICATES closure)
   set_property(GLOBAL PROPERTY PRAL_CLOSURE_${name} ${closure})

@@ -2,20 +2,21 @@
 #include <cstdio>
 
 #include "input.h"
-#include "numerics/bessel.h"
 #include "numerics/beta_quantile.h"
 #include "numerics/beta_ratio.h"
+#include "numerics/classical/bessel.h"
+#include "numerics/classical/gamma_quantile.h"
+#include "numerics/classical/incomplete_beta.h"
+#include "numerics/classical/incomplete_gamma.h"
+#include "numerics/classical/poisson.h"
+#include "numerics/classical/reporting.h"
 #include "numerics/elementary.h"
 #include "numerics/gamma.h"
-#include "numerics/gamma_quantile.h"
 #include "numerics/gamma_ratio.h"
-#include "numerics/incomplete_beta.h"
-#include "numerics/incomplete_gamma.h"
 #include "numerics/noncentral_beta.h"
 #include "numerics/noncentral_chi_square.h"
 #include "numerics/normal.h"
 #include "numerics/owens_t.h"
-#include "numerics/poisson.h"
 #include "numerics/toms708.h"
 
 namespace pral::numerics {
@@ -33,7 +34,7 @@ constexpr double (*kOneArgument[])(double) = {
     normal_quantile,
     normal_quantile_upper,
     gamma,
-    lgam,
+    classical::lgam,
     lgam_quiet,
     log_gamma_fn,
     gamma_fn,

@@ -7,7 +7,7 @@
 
 #include "numerics/beta_quantile.h"
 #include "numerics/beta_ratio.h"
-#include "numerics/incomplete_beta.h"
+#include "numerics/classical/incomplete_beta.h"
 #include "numerics/noncentral_beta.h"
 #include "numerics/owens_t.h"
 #include "numerics/toms708.h"

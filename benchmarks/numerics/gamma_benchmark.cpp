@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "numerics/gamma.h"
-#include "numerics/gamma_quantile.h"
+#include "numerics/classical/gamma_quantile.h"
 #include "numerics/gamma_ratio.h"
-#include "numerics/incomplete_gamma.h"
+#include "numerics/classical/incomplete_gamma.h"
 #include "numerics/noncentral_chi_square.h"
 
 #if __has_include(<boost/math/special_functions/gamma.hpp>)

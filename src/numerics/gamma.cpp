@@ -8,7 +8,6 @@
 #include "numerics/coefficients.h"
 #include "numerics/constants.h"
 #include "numerics/elementary.h"
-#include "numerics/error_report.h"
 #include "numerics/polynomial.h"
 
 namespace pral::numerics {
@@ -19,8 +18,6 @@ using namespace coefficients;
 
 constexpr double kLnPi = 1.1447298858494002;
 constexpr double kLnSqrtHalfPi = 0.22579135264472744;
-
-int sign_of_gamma = 1;
 
 bool is_odd(double integer) { return std::fmod(integer, 2) != 0; }
 
@@ -35,11 +32,6 @@ double reflection_product(double q, double p) {
 double sine_of_pi_times(double y) {
     const double z = std::fmod(std::fabs(y), 1);
     return std::sin(kPi * std::min(z, 1 - z));
-}
-
-double gamma_overflow(double sign) {
-    math_error_report("gamma", MathError::overflow);
-    return sign * kInfinity;
 }
 
 /// Gamma by Stirling's formula, infinite where it overflows.
@@ -58,37 +50,18 @@ double stirling_unlimited(double x) {
 /// Gamma below -33, by reflection.
 double gamma_far_negative(double q) {
     const double p = std::floor(q);
-    if (p == q) return gamma_overflow(sign_of_gamma);
-    sign_of_gamma = is_odd(p) ? 1 : -1;
-    const double z = reflection_product(q, p);
-    if (z == 0) return gamma_overflow(sign_of_gamma);
-    return sign_of_gamma * kPi / (z * stirling_unlimited(q));
+    if (p == q) return kInfinity;
+    const double sign = is_odd(p) ? 1 : -1;
+    return sign * kPi / (reflection_product(q, p) * stirling_unlimited(q));
 }
 
 /// Gamma next to a pole: z times Gamma(x), |x| < 1e-9.
 double gamma_near_zero(double x, double z) {
-    if (x == 0) {
-        math_error_report("gamma", MathError::singularity);
-        return kInfinity;
-    }
+    if (x == 0) return kInfinity;
     return z / ((1 + kEuler * x) * x);
 }
 
-/// A pole or an overflow of lgam.
-template <bool Reporting>
-double lgam_overflow() {
-    if (!Reporting) return HUGE_VAL;
-    math_error_report("lgam", MathError::overflow);
-    return sign_of_gamma * kInfinity;
-}
-
-template <bool Reporting>
-void set_sign(int sign) {
-    if (Reporting) sign_of_gamma = sign;
-}
-
 /// ln |Gamma| on [-34, 13): recurrence into [2, 3].
-template <bool Reporting>
 double lgam_rational(double x) {
     double z = 1, u = x;
     while (u >= 3) {
@@ -96,33 +69,27 @@ double lgam_rational(double x) {
         z *= u;
     }
     while (u < 2) {
-        if (u == 0) return lgam_overflow<Reporting>();
+        if (u == 0) return HUGE_VAL;
         z /= u;
         u += 1;
     }
-    set_sign<Reporting>(z < 0 ? -1 : 1);
     z = std::fabs(z);
     if (u == 2) return std::log(z);
     const double t = u - 2;
     return std::log(z) + t * horner(cephes::lgam_B, t) / horner(cephes::lgam_C, t);
 }
 
-template <bool Reporting>
 double lgam_any(double x) {
-    constexpr double kLargest = 2.556348e305;
-    set_sign<Reporting>(1);
     if (x < -34) {
         const double q = -x;
-        const double w = lgam_any<Reporting>(q);
+        const double w = lgam_any(q);
         const double p = std::floor(q);
-        if (p == q) return lgam_overflow<Reporting>();
-        set_sign<Reporting>(is_odd(p) ? 1 : -1);
+        if (p == q) return HUGE_VAL;
         const double z = reflection_product(q, p);
-        if (z == 0) return lgam_overflow<Reporting>();
+        if (z == 0) return HUGE_VAL;
         return kLnPi - std::log(z) - w;
     }
-    if (x < 13) return lgam_rational<Reporting>(x);
-    if (Reporting && x > kLargest) return lgam_overflow<Reporting>();
+    if (x < 13) return lgam_rational(x);
     if (std::isinf(x)) return x;
     const double q = (x - 0.5) * std::log(x) - x + kLnSqrt2Pi;
     if (x > 1e8) return q;
@@ -162,7 +129,6 @@ double log_beta_large(double a, double b) {
 }  // namespace
 
 double gamma(double x) {
-    sign_of_gamma = 1;
     const double q = std::fabs(x);
     if (q > 33) return x >= 0 ? stirling_gamma(x) : gamma_far_negative(q);
     double z = 1;
@@ -185,13 +151,9 @@ double gamma(double x) {
     return z * horner(cephes::gamma_P, x) / horner(cephes::gamma_Q, x);
 }
 
-int gamma_sign() { return sign_of_gamma; }
-
 double stirling_gamma(double x) { return finite_or_limit(stirling_unlimited(x)); }
 
-double lgam(double x) { return lgam_any<true>(x); }
-
-double lgam_quiet(double x) { return std::isinf(x) ? HUGE_VAL : lgam_any<false>(x); }
+double lgam_quiet(double x) { return std::isinf(x) ? HUGE_VAL : lgam_any(x); }
 
 double lgamma_correction(double x) {
     struct Range {
@@ -266,7 +228,7 @@ double log_gamma(double x) {
         const double t = x - 2;
         return t * ((1 - kEuler) + t * zeta_series(t));
     }
-    if (x < 13) return lgam_rational<false>(x);
+    if (x < 13) return lgam_rational(x);
     return log_gamma_large(x);
 }
 

@@ -1,22 +1,14 @@
-// The gamma function and its logarithm: the classical reporting pair `gamma` and `lgam`, the quiet Fullerton
-// set, and the library's own `log_gamma` and `log_beta`, which keep their digits where the others cancel.
+// The gamma function and its logarithm: those of Cephes, the Fullerton set, and the library's own `log_gamma` and `log_beta`, which keep their digits where the others cancel.
 #pragma once
 
 namespace pral::numerics {
 
-/// Gamma(x) (Cephes): rational approximation on [2, 3] with recurrence, Stirling's formula beyond |x| = 33.
-/// Sets the gamma sign. Poles report "gamma" (singularity, overflow) and return kInfinity, signed below -33.
+/// Gamma(x) (Cephes): rational approximation on [2, 3] with recurrence, Stirling's formula beyond |x| = 33. kInfinity at
+/// the poles.
 double gamma(double x);
 
-/// ln |Gamma(x)| (Cephes); sets the gamma sign. Poles and x > 2.556348e305 report "lgam", overflow, and
-/// return kInfinity. The absolute error is a few 1e-16: near x = 1 and 2, where the logarithm is zero, use
-/// `log_gamma`.
-double lgam(double x);
-
-/// The sign of Gamma at the argument of the last call of `gamma` or `lgam`: 1 or -1.
-int gamma_sign();
-
-/// ln |Gamma(x)| as `lgam`, with no report and no sign; infinite at the poles.
+/// ln |Gamma(x)| (Cephes); infinite at the poles. The absolute error is a few 1e-16: near x = 1 and 2, where the logarithm
+/// is zero, use `log_gamma`.
 double lgam_quiet(double x);
 
 /// Gamma(x) by Stirling's formula, x > 33. +infinity where it overflows.

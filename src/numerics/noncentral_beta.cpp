@@ -7,7 +7,6 @@
 #include "numerics/elementary.h"
 #include "numerics/extended_log.h"
 #include "numerics/gamma.h"
-#include "numerics/poisson.h"
 
 namespace pral::numerics {
 

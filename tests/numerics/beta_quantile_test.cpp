@@ -6,8 +6,9 @@
 #include <chrono>
 #include <limits>
 
+#include "numerics/classical/beta_quantile_as109.h"
+#include "numerics/classical/incomplete_beta.h"
 #include "numerics/constants.h"
-#include "numerics/incomplete_beta.h"
 #include "support/accuracy.h"
 #include "support/table.h"
 

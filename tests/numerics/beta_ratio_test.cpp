@@ -6,8 +6,8 @@
 
 #include <limits>
 
+#include "numerics/classical/incomplete_beta.h"
 #include "numerics/constants.h"
-#include "numerics/incomplete_beta.h"
 #include "numerics/toms708.h"
 #include "support/accuracy.h"
 #include "support/table.h"

@@ -10,11 +10,12 @@
 #include <string>
 #include <vector>
 
+#include "numerics/classical/error_report.h"
+#include "numerics/classical/poisson.h"
+#include "numerics/classical/reporting.h"
 #include "numerics/constants.h"
 #include "numerics/elementary.h"
-#include "numerics/error_report.h"
 #include "numerics/golden_section.h"
-#include "numerics/poisson.h"
 #include "support/accuracy.h"
 #include "support/table.h"
 
@@ -43,7 +44,7 @@ const Function kFunctions[] = {
      10},
     // Beyond 10 it is e to a logarithm of up to 700.
     {"gamma_fn", "gamma", [](const double* x) { return gamma_fn(x[0]); }, relative_error, 1e-12, -168, kInf},
-    {"lgam", "log_gamma", [](const double* x) { return lgam(x[0]); }, scaled_error, 5e-15},
+    {"lgam", "log_gamma", [](const double* x) { return classical::lgam(x[0]); }, scaled_error, 5e-15},
     {"lgam_quiet", "log_gamma", [](const double* x) { return lgam_quiet(x[0]); }, scaled_error, 5e-15},
     {"log_gamma_fn", "log_gamma", [](const double* x) { return log_gamma_fn(x[0]); }, scaled_error, 5e-15},
     {"log_gamma", "log_gamma", [](const double* x) { return log_gamma(x[0]); }, relative_error, 2e-15, 0},
@@ -92,13 +93,13 @@ TEST(Gamma, ReportsAndReturnsAsDocumentedAtPolesAndOverflow) {
         const char* report;
         MathError code;
     } rows[] = {
-        {gamma, 0, kInfinity, "\ngamma singularity error\n", MathError::singularity},
-        {gamma, -5, kInfinity, "\ngamma singularity error\n", MathError::singularity},
-        {gamma, -40, kInfinity, "\ngamma overflow error\n", MathError::overflow},
-        {lgam, 0, kInfinity, "\nlgam overflow error\n", MathError::overflow},
-        {lgam, -34, kInfinity, "\nlgam overflow error\n", MathError::overflow},
-        {lgam, -35, kInfinity, "\nlgam overflow error\n", MathError::overflow},
-        {lgam, 2.6e305, kInfinity, "\nlgam overflow error\n", MathError::overflow},
+        {classical::gamma, 0, kInfinity, "\ngamma singularity error\n", MathError::singularity},
+        {classical::gamma, -5, kInfinity, "\ngamma singularity error\n", MathError::singularity},
+        {classical::gamma, -40, kInfinity, "\ngamma overflow error\n", MathError::overflow},
+        {classical::lgam, 0, kInfinity, "\nlgam overflow error\n", MathError::overflow},
+        {classical::lgam, -34, kInfinity, "\nlgam overflow error\n", MathError::overflow},
+        {classical::lgam, -35, kInfinity, "\nlgam overflow error\n", MathError::overflow},
+        {classical::lgam, 2.6e305, kInfinity, "\nlgam overflow error\n", MathError::overflow},
     };
     for (const auto& row : rows) {
         testing::internal::CaptureStdout();
@@ -131,10 +132,10 @@ TEST(Gamma, SignFollowsTheLastCall) {
         int sign;
     } rows[] = {{-0.5, -1}, {-1.5, 1}, {2.5, 1}, {-33.5, 1}, {-34.5, -1}, {-35.5, 1}};
     for (const auto& row : rows) {
-        lgam(row.x);
-        EXPECT_EQ(gamma_sign(), row.sign) << row.x;
-        gamma(row.x < -33 ? row.x : 1);
-        EXPECT_EQ(gamma_sign(), row.x < -33 ? row.sign : 1) << row.x;
+        classical::lgam(row.x);
+        EXPECT_EQ(classical::gamma_sign(), row.sign) << row.x;
+        classical::gamma(row.x < -33 ? row.x : 1);
+        EXPECT_EQ(classical::gamma_sign(), row.x < -33 ? row.sign : 1) << row.x;
     }
 }
 

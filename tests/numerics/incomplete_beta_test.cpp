@@ -1,5 +1,5 @@
 // The classical incomplete beta: its edges, its oddities and its accuracy where it forms its factor directly.
-#include "numerics/incomplete_beta.h"
+#include "numerics/classical/incomplete_beta.h"
 
 #include <gtest/gtest.h>
 

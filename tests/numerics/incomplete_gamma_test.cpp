@@ -1,15 +1,15 @@
 // The incomplete gamma ratios, classical and own, and their inverses against 40-digit arithmetic
 // (reference/incomplete_gamma.tsv, gamma_inverse.tsv).
-#include "numerics/incomplete_gamma.h"
+#include "numerics/classical/incomplete_gamma.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
 
+#include "numerics/classical/gamma_quantile.h"
 #include "numerics/constants.h"
 #include "numerics/gamma.h"
-#include "numerics/gamma_quantile.h"
 #include "numerics/gamma_ratio.h"
 #include "support/accuracy.h"
 #include "support/table.h"

@@ -7,7 +7,7 @@
 #include <cmath>
 #include <limits>
 
-#include "numerics/bessel.h"
+#include "numerics/classical/bessel.h"
 #include "numerics/constants.h"
 #include "numerics/gamma_ratio.h"
 #include "numerics/normal.h"

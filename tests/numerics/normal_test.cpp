@@ -8,8 +8,9 @@
 #include <map>
 #include <string>
 
+#include "numerics/classical/error_report.h"
+#include "numerics/classical/reporting.h"
 #include "numerics/constants.h"
-#include "numerics/error_report.h"
 #include "support/accuracy.h"
 #include "support/table.h"
 
@@ -66,8 +67,8 @@ TEST(Normal, EndsAndNaN) {
 
 TEST(Normal, ErfcReportsItsUnderflow) {
     testing::internal::CaptureStdout();
-    EXPECT_EQ(numerics::erfc(27), 0);
-    EXPECT_EQ(numerics::erfc(-27), 2);
+    EXPECT_EQ(numerics::classical::erfc(27), 0);
+    EXPECT_EQ(numerics::classical::erfc(-27), 2);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "\nerfc underflow error\n\nerfc underflow error\n");
     EXPECT_EQ(numerics::last_math_error(), 4);
     testing::internal::CaptureStdout();

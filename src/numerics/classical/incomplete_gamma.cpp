@@ -1,15 +1,15 @@
-#include "numerics/incomplete_gamma.h"
+#include "numerics/classical/incomplete_gamma.h"
 
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
 
+#include "numerics/classical/poisson.h"
 #include "numerics/coefficients.h"
 #include "numerics/constants.h"
 #include "numerics/elementary.h"
 #include "numerics/gamma.h"
 #include "numerics/normal.h"
-#include "numerics/poisson.h"
 
 namespace pral::numerics {
 

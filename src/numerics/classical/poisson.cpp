@@ -1,4 +1,4 @@
-#include "numerics/poisson.h"
+#include "numerics/classical/poisson.h"
 
 #include <cfloat>
 #include <cmath>

@@ -1,15 +1,15 @@
-#include "numerics/gamma_quantile.h"
+#include "numerics/classical/gamma_quantile.h"
 
 #include <cfloat>
 #include <cmath>
 
+#include "numerics/classical/incomplete_gamma.h"
+#include "numerics/classical/poisson.h"
 #include "numerics/coefficients.h"
 #include "numerics/constants.h"
 #include "numerics/elementary.h"
 #include "numerics/gamma.h"
-#include "numerics/incomplete_gamma.h"
 #include "numerics/normal.h"
-#include "numerics/poisson.h"
 #include "numerics/polynomial.h"
 
 namespace pral::numerics {

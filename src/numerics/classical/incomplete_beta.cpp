@@ -1,10 +1,11 @@
-#include "numerics/incomplete_beta.h"
+#include "numerics/classical/incomplete_beta.h"
 
 #include <cmath>
 #include <utility>
 
+#include "numerics/classical/error_report.h"
+#include "numerics/classical/reporting.h"
 #include "numerics/constants.h"
-#include "numerics/error_report.h"
 #include "numerics/gamma.h"
 #include "numerics/normal.h"
 #include "numerics/toms708.h"
@@ -62,7 +63,8 @@ double incomplete_beta_fraction(double a, double b, double x, double w) {
     }
     const double log_xa = a * std::log(x), log_wb = b * std::log(w);
     if (a + b < kMaxGamma && std::fabs(log_xa) < kMaxLog && std::fabs(log_wb) < kMaxLog) {
-        return std::pow(w, b) * std::pow(x, a) / a * fraction * (gamma(a + b) / (gamma(a) * gamma(b)));
+        return std::pow(w, b) * std::pow(x, a) / a * fraction *
+               (numerics::gamma(a + b) / (numerics::gamma(a) * gamma(b)));
     }
     const double t = log_beta_inverse(a, b) + log_xa + log_wb + std::log(fraction / a);
     // The threshold is the positive one: this branch yields 0.
@@ -217,7 +219,7 @@ class InverseSearch {
 
     Next newton() {
         constexpr int kMaxSteps = 8;
-        const double log_factor = lgam(a + b) - lgam(a) - lgam(b);
+        const double log_factor = classical::lgam(a + b) - classical::lgam(a) - classical::lgam(b);
         for (int i = 0; i < kMaxSteps; ++i) {
             if (i > 0) y = evaluate(a, b, x);
             if (y < yl) {
@@ -266,7 +268,7 @@ double incomplete_beta_series(double a, double b, double x) {
     sum += inverse_a;
     const double u = a * std::log(x);
     if (a + b < kMaxGamma && std::fabs(u) < kMaxLog) {
-        return sum * (gamma(a + b) / (gamma(a) * gamma(b))) * std::pow(x, a);
+        return sum * (numerics::gamma(a + b) / (numerics::gamma(a) * gamma(b))) * std::pow(x, a);
     }
     t = log_beta_inverse(a, b) + u + std::log(sum);
     return t < kMinLog ? 0 : std::exp(t);

@@ -1,4 +1,4 @@
-#include "numerics/bessel.h"
+#include "numerics/classical/bessel.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "numerics/error_report.h"
+#include "numerics/classical/error_report.h"
 
 #include <cstdio>
 
