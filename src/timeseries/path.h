@@ -2,37 +2,47 @@
 #pragma once
 
 #include <cmath>
+#include <span>
 
-#include "boundary/call.h"
 #include "distributions/continuous/normal.h"
-#include "distributions/members.h"
+#include "distributions/draws.h"
 #include "numerics/constants.h"
 
 namespace pral::timeseries {
 
 using numerics::finite_or_limit;
 
-/// Ends a path: a family has refused the parameters of a draw. Its message stands in the error text already.
-struct RefusedDraw {};
+/// Ends a path: a family has refused the parameters of a draw.
+struct RefusedDraw {
+    Message objection;
+};
 
-/// A value of a bare call of the family.
-template <Family D>
-double drawn(const D& d) {
-    double value = 0;
-    if (!draw(&value, d)) throw RefusedDraw{};
-    return value;
-}
+/// Values as bare calls of the families draw them, of one stream.
+class Draws {
+  public:
+    explicit Draws(RandomStream& stream) : stream_(stream) {}
 
-inline double normal(double mean, double deviation) { return drawn(Normal{mean, deviation}); }
+    template <Family D>
+    double operator()(const D& d) {
+        double value = 0;
+        if (const Message objection = draw(value, d, stream_)) throw RefusedDraw{objection};
+        return value;
+    }
+    double normal(double mean, double deviation) { return (*this)(Normal{mean, deviation}); }
 
-/// Simulates what `body` writes; a refused draw ends it, and what was written stays.
+  private:
+    RandomStream& stream_;
+};
+
+/// Simulates what `body` writes. A refused draw ends it, and what was written stays; the objection is returned, or null.
 template <class Body>
-bool unless_refused(Body body) {
+Message unless_refused(RandomStream& stream, Body body) {
+    Draws draws(stream);
     try {
-        body();
-        return true;
-    } catch (const RefusedDraw&) {
-        return false;
+        body(draws);
+        return nullptr;
+    } catch (const RefusedDraw& refused) {
+        return refused.objection;
     }
 }
 
@@ -73,31 +83,30 @@ inline constexpr Message kPositiveLastValue = "if LogReturn is False then LastVa
 /// Simulates a model of log returns, which has
 ///
 ///   check(n)            the message of the first argument that is out of its range for a path of n steps, or null
-///   start()             draws the shocks before the first step, where it needs any
-///   next()              the log return of the next step
+///   start(draws)        draws the shocks before the first step, where it needs any
+///   next(draws)         the log return of the next step
 ///   kLastValueMessage   the objection to a last price that is not positive, where it has one
 ///
-/// A price beyond the largest double stays there until a fall leads it back.
+/// A price beyond the largest double stays there until a fall leads it back. Returns the first objection, or null; what has
+/// been written before it stays.
 template <class Model>
-bool price_path(double* out, int n, Model model, Output output) {
-    return guarded(out, n, [&](int count) {
-        if (const Message objection = model.check(count)) return fail(objection);
-        if constexpr (requires { Model::kLastValueMessage; }) {
-            if (output.log_return == 0 && !(output.last_value > 0)) return fail(Model::kLastValueMessage);
-        }
-        return unless_refused([&] {
-            if constexpr (requires { model.start(); }) model.start();
-            double price = output.last_value;
-            for (int t = 0; t < count; ++t) {
-                const double log_return = model.next();
-                if (output.log_return == 0) {
-                    price = finite_or_limit(price * finite_or_limit(std::exp(log_return)));
-                    out[t] = price;
-                } else {
-                    out[t] = finite_or_limit(log_return);
-                }
+Message price_path(std::span<double> out, Model model, Output output, RandomStream& stream) {
+    if (const Message objection = model.check(static_cast<int>(out.size()))) return objection;
+    if constexpr (requires { Model::kLastValueMessage; }) {
+        if (output.log_return == 0 && !(output.last_value > 0)) return Model::kLastValueMessage;
+    }
+    return unless_refused(stream, [&](Draws& draws) {
+        if constexpr (requires { model.start(draws); }) model.start(draws);
+        double price = output.last_value;
+        for (double& value : out) {
+            const double log_return = model.next(draws);
+            if (output.log_return == 0) {
+                price = finite_or_limit(price * finite_or_limit(std::exp(log_return)));
+                value = price;
+            } else {
+                value = finite_or_limit(log_return);
             }
-        });
+        }
     });
 }
 

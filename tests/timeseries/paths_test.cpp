@@ -7,6 +7,10 @@
 
 #include "boundary/random.h"
 #include "support/exported_vectors.h"
+#include "timeseries/autoregressive.h"
+#include "timeseries/brownian_motion.h"
+#include "timeseries/economic.h"
+#include "timeseries/population.h"
 
 namespace {
 
@@ -145,6 +149,47 @@ TEST(Paths, HaveTheirProcessesMoments) {
             EXPECT_LT(error, 0.02 * (1 + expected[1])) << row[0];
         }
     }
+}
+
+/// The models as other parts of the library use them: their draws come from the stream given, and a refusal is returned.
+TEST(Paths, InsideDrawsFromTheStreamGiven) {
+    using namespace pral::timeseries;
+    using Path = pral::Message (*)(std::span<double>, pral::RandomStream&);
+    constexpr Path kPaths[] = {
+        [](std::span<double> out, pral::RandomStream& s) {
+            return price_path(out, MA1{0.01, 0.1, 0.5}, {0, 100}, s);
+        },
+        [](std::span<double> out, pral::RandomStream& s) {
+            return population_path(out, Yule{5, 1, 0.5}, 0, s);
+        },
+        [](std::span<double> out, pral::RandomStream& s) {
+            return economic_path(out, SimulatedInflation(0.03, 0.02, 0.5), ShareYields{4, 1, 0.5, 1}, s);
+        },
+        [](std::span<double> out, pral::RandomStream& s) {
+            std::fill(out.begin(), out.end(), 5.0);
+            return short_term_path(out, out, {0.2, 0.1, 0.5}, s);
+        }};
+    pral::random_stream().seed(3);
+    const double first = pral::random_stream().uniform();
+    pral::random_stream().seed(3);
+    for (const Path path : kPaths) {
+        pral::RandomStream a, b;
+        a.seed(11);
+        b.seed(11);
+        std::vector<double> x(12), y(12);
+        EXPECT_EQ(path(x, a), nullptr);
+        EXPECT_EQ(path(y, b), nullptr);
+        EXPECT_EQ(x, y);
+        EXPECT_NE(x[10], x[11]);
+    }
+    EXPECT_EQ(pral::random_stream().uniform(), first);
+
+    pral::RandomStream stream;
+    std::vector<double> out(3);
+    const double backwards[] = {-1, 0, 1};
+    PralSetCoreError("untouched");
+    EXPECT_STREQ(price_path(out, GBM{0, 1, {backwards, 0}}, {1, 0}, stream), "Error: sigma must be >= 0");
+    EXPECT_STREQ(PralCoreError(), "untouched");
 }
 
 }  // namespace

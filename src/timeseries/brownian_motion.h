@@ -1,13 +1,14 @@
 // Geometric Brownian motion and its kin: with jumps, with reversion to a mean, with both, with seasons.
+#pragma once
+
 #include "distributions/discrete/negative_binomial.h"
 #include "numerics/elementary.h"
-#include "timeseries/exports.h"
+#include "timeseries/path.h"
 
 namespace pral::timeseries {
-namespace {
 
-constexpr Message kSigmaMessage = "Error: sigma must be >0";
-constexpr Message kPositiveLastPrice = "Error: LastValue must be >0";
+inline constexpr Message kSigmaPositive = "Error: sigma must be >0";
+inline constexpr Message kPositiveLastPrice = "Error: LastValue must be >0";
 
 /// y_t ~ Normal(mu dt, sigma sqrt(dt)): mu is the mean log return, without a correction by sigma^2/2.
 struct GBM {
@@ -15,12 +16,12 @@ struct GBM {
     Clock clock;
     double length = numerics::kNaN, deviation = 0;
 
-    Message check(int n) const { return sigma > 0 ? clock.check(n) : kSigmaMessage; }
-    double next() {
+    Message check(int n) const { return sigma > 0 ? clock.check(n) : kSigmaPositive; }
+    double next(Draws& draws) {
         const double dt = clock.step();
         if (dt != length) deviation = sigma * std::sqrt(dt);
         length = dt;
-        return normal(mu * dt, deviation);
+        return draws.normal(mu * dt, deviation);
     }
 };
 
@@ -34,7 +35,7 @@ struct Jumps {
         if (!(sigma > 0)) return "Error: sigmaj must be >0";
         return nullptr;
     }
-    bool one() const { return drawn(indicator) != 0; }
+    bool one(Draws& draws) const { return draws(indicator) != 0; }
     double variance() const { return sigma * sigma; }
     /// The mean time of a single jump in the unit step, 1/lambda - 1/(e^lambda - 1), whose terms cancel for small lambda: its
     /// series in Bernoulli numbers (DLMF 24.2.1), for lambda < 0.16 to the last bit.
@@ -52,8 +53,10 @@ struct GBMJD {
     Jumps jumps;
     double with_jump = std::sqrt(jumps.variance() + sigma * sigma);
 
-    Message check(int) const { return sigma > 0 ? jumps.check() : kSigmaMessage; }
-    double next() const { return jumps.one() ? normal(mu + jumps.mu, with_jump) : normal(mu, sigma); }
+    Message check(int) const { return sigma > 0 ? jumps.check() : kSigmaPositive; }
+    double next(Draws& draws) const {
+        return jumps.one(draws) ? draws.normal(mu + jumps.mu, with_jump) : draws.normal(mu, sigma);
+    }
 };
 
 /// What an Ornstein-Uhlenbeck process keeps of its distance from the mean over a time dt, and the variance that unit noise
@@ -77,14 +80,14 @@ struct GBMMR {
 
     Message check(int n) const {
         const Message objection = clock.check(n);
-        return objection == nullptr && !(sigma > 0) ? kSigmaMessage : objection;
+        return objection == nullptr && !(sigma > 0) ? kSigmaPositive : objection;
     }
-    double next() {
+    double next(Draws& draws) {
         double dt = clock.step();
         if (dt <= 0) dt = 1;  // a first stamp that is not positive; later ones ascend
         if (dt != length) reversion = Reversion(alpha, dt);
         length = dt;
-        y = normal(mu + (y - mu) * reversion.kept, sigma * std::sqrt(reversion.variance));
+        y = draws.normal(mu + (y - mu) * reversion.kept, sigma * std::sqrt(reversion.variance));
         return y;
     }
 };
@@ -100,22 +103,22 @@ struct GBMJDMR {
     Reversion whole{alpha, 1}, before{alpha, tau}, after{alpha, 1 - tau};
 
     Message check(int) const {
-        if (!(sigma > 0)) return kSigmaMessage;
+        if (!(sigma > 0)) return kSigmaPositive;
         if (!(alpha > 0)) return "Error: alpha must be >0";
         return jumps.check();
     }
-    double next() {
-        if (jumps.one()) {
+    double next(Draws& draws) {
+        if (jumps.one(draws)) {
             const double variance = sigma * sigma * before.variance + jumps.variance();
-            y = normal(mu + jumps.mu + (y - mu) * before.kept, std::sqrt(variance));
-            y = step(after);
+            y = draws.normal(mu + jumps.mu + (y - mu) * before.kept, std::sqrt(variance));
+            y = step(after, draws);
         } else {
-            y = step(whole);
+            y = step(whole, draws);
         }
         return y;
     }
-    double step(const Reversion& r) const {
-        return normal(mu + (y - mu) * r.kept, sigma * std::sqrt(r.variance));
+    double step(const Reversion& r, Draws& draws) const {
+        return draws.normal(mu + (y - mu) * r.kept, sigma * std::sqrt(r.variance));
     }
 };
 
@@ -129,7 +132,7 @@ struct SeasonalGBM {
     int season1 = 0, season2 = 0;
 
     Message check(int) const {
-        if (!(sigma > 0)) return kSigmaMessage;
+        if (!(sigma > 0)) return kSigmaPositive;
         if (p1 <= 0) return "Error: p1 must be >0";
         if (p2 <= 0) return "Error: p2 must be >0";
         if (p1 > count1) return "Error: p1 must be <= count_s1";
@@ -138,47 +141,12 @@ struct SeasonalGBM {
         if (s2 == nullptr) return "Error: s2 must not be null";
         return nullptr;
     }
-    double next() {
-        const double y = normal(mu + s1[season1] + s2[season2], sigma);
+    double next(Draws& draws) {
+        const double y = draws.normal(mu + s1[season1] + s2[season2], sigma);
         season1 = season1 + 1 < p1 ? season1 + 1 : 0;
         season2 = season2 + 1 < p2 ? season2 + 1 : 0;
         return y;
     }
 };
 
-}  // namespace
 }  // namespace pral::timeseries
-
-using namespace pral::timeseries;
-
-PRAL_EXPORT_PATH(GBM,
-                 (double mu, double sigma, double LastValue, const double* TimeStamps, int LogReturn,
-                  double LastTime),
-                 (mu, sigma, LastValue, TimeStamps, LogReturn, LastTime),
-                 price_path(out, n, GBM{mu, sigma, {TimeStamps, LastTime}}, {LogReturn, LastValue}))
-
-PRAL_EXPORT_PATH(GBMJD,
-                 (double mu, double sigma, double lambda, double muJ, double sigmaJ, int LogReturn,
-                  double LastValue),
-                 (mu, sigma, lambda, muJ, sigmaJ, LogReturn, LastValue),
-                 price_path(out, n, GBMJD{mu, sigma, {lambda, muJ, sigmaJ}}, {LogReturn, LastValue}))
-
-PRAL_EXPORT_PATH(GBMMR,
-                 (double mu, double sigma, double alpha, double lastReturn, double LastValue,
-                  const double* TimeStamps, int LogReturn),
-                 (mu, sigma, alpha, lastReturn, LastValue, TimeStamps, LogReturn),
-                 price_path(out, n, GBMMR{mu, sigma, alpha, lastReturn, {TimeStamps, 0}},
-                            {LogReturn, LastValue}))
-
-PRAL_EXPORT_PATH(GBMJDMR,
-                 (double mu, double sigma, double alpha, double lambda, double muJ, double sigmaJ,
-                  int LogReturn, double LastValue),
-                 (mu, sigma, alpha, lambda, muJ, sigmaJ, LogReturn, LastValue),
-                 price_path(out, n, GBMJDMR{mu, sigma, alpha, {lambda, muJ, sigmaJ}}, {LogReturn, LastValue}))
-
-PRAL_EXPORT_PATH(SeasonalGBM,
-                 (double mu, double sigma, const double* s1, int count_s1, int p1, const double* s2,
-                  int count_s2, int p2, int LogReturn, double LastValue),
-                 (mu, sigma, s1, count_s1, p1, s2, count_s2, p2, LogReturn, LastValue),
-                 price_path(out, n, SeasonalGBM{mu, sigma, s1, count_s1, p1, s2, count_s2, p2},
-                            {LogReturn, LastValue}))

@@ -1,9 +1,10 @@
 // Models of log returns whose variance follows the shocks: ARCH (Engle 1982), GARCH (Bollerslev 1986), EGARCH (Nelson 1991),
 // APARCH (Ding, Granger and Engle 1993).
-#include "timeseries/exports.h"
+#pragma once
+
+#include "timeseries/path.h"
 
 namespace pral::timeseries {
-namespace {
 
 /// y_t = mu + e_t, e_t = sqrt(omega + a e_(t-1)^2) z_t
 struct ARCH {
@@ -16,8 +17,8 @@ struct ARCH {
         if (!(a >= 0)) return "Error: \"a\" must be >=0";
         return nullptr;
     }
-    double next() {
-        shock = std::sqrt(omega + a * shock * shock) * normal(0, 1);
+    double next(Draws& draws) {
+        shock = std::sqrt(omega + a * shock * shock) * draws.normal(0, 1);
         return mu + shock;
     }
 };
@@ -36,9 +37,9 @@ struct GARCH {
         if (!(b >= 0)) return "Error: b must be >=0";
         return nullptr;
     }
-    double next() {
+    double next(Draws& draws) {
         variance = omega + a * shock * shock + b * variance;
-        shock = mu + std::sqrt(variance) * normal(0, 1);
+        shock = mu + std::sqrt(variance) * draws.normal(0, 1);
         return shock;
     }
 };
@@ -53,15 +54,15 @@ struct EGARCH {
     double shock = 0, log_variance = 0;
 
     Message check(int n) const { return n >= 2 ? nullptr : kTwoStepsMessage; }
-    void start() {
-        shock = sigma * normal(0, 1);
+    void start(Draws& draws) {
+        shock = sigma * draws.normal(0, 1);
         log_variance = 2 * std::log(sigma);
     }
-    double next() {
+    double next(Draws& draws) {
         const double ratio = shock / sigma;
         log_variance = omega + alpha * (std::fabs(ratio) + gamma * ratio - kCentre) + beta * log_variance;
         sigma = std::exp(log_variance / 2);
-        shock = mu + sigma * normal(0, 1);
+        shock = mu + sigma * draws.normal(0, 1);
         return shock;
     }
 };
@@ -83,42 +84,15 @@ struct APARCH {
         if (!(beta >= 0)) return "Error: \"b\" must be >=0";
         return nullptr;
     }
-    void start() {
-        shock = sigma * normal(0, 1);
+    void start(Draws& draws) {
+        shock = sigma * draws.normal(0, 1);
         power = std::pow(sigma, delta);
     }
-    double next() {
+    double next(Draws& draws) {
         power = omega + alpha * std::pow(std::fabs(shock) - gamma * shock, delta) + beta * power;
-        shock = std::pow(power, 1 / delta) * normal(0, 1);
+        shock = std::pow(power, 1 / delta) * draws.normal(0, 1);
         return mu + shock;
     }
 };
 
-}  // namespace
 }  // namespace pral::timeseries
-
-using namespace pral::timeseries;
-
-PRAL_EXPORT_PATH(ARCH,
-                 (double mu, double omega, double a, double lastReturn, int LogReturn, double LastValue),
-                 (mu, omega, a, lastReturn, LogReturn, LastValue),
-                 price_path(out, n, ARCH{mu, omega, a, lastReturn - mu}, {LogReturn, LastValue}))
-
-PRAL_EXPORT_PATH(GARCH,
-                 (double mu, double omega, double a, double b, double lastShock, int LogReturn,
-                  double LastValue),
-                 (mu, omega, a, b, lastShock, LogReturn, LastValue),
-                 price_path(out, n, GARCH{mu, omega, a, b, lastShock}, {LogReturn, LastValue}))
-
-PRAL_EXPORT_PATH(EGARCH,
-                 (double mu, double omega, double gamma, double alpha, double beta, double lastSigma,
-                  int LogReturn, double LastValue),
-                 (mu, omega, gamma, alpha, beta, lastSigma, LogReturn, LastValue),
-                 price_path(out, n, EGARCH{mu, omega, gamma, alpha, beta, lastSigma}, {LogReturn, LastValue}))
-
-PRAL_EXPORT_PATH(APARCH,
-                 (double mu, double omega, double delta, double gamma, double alpha, double beta,
-                  double lastSigma, int LogReturn, double LastValue),
-                 (mu, omega, delta, gamma, alpha, beta, lastSigma, LogReturn, LastValue),
-                 price_path(out, n, APARCH{mu, omega, delta, gamma, alpha, beta, lastSigma},
-                            {LogReturn, LastValue}))

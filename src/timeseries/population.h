@@ -1,13 +1,14 @@
 // Populations in which every individual splits (Yule) or dies (pure death) at a constant rate, counted at equal intervals.
+#pragma once
+
 #include "distributions/discrete/binomial.h"
 #include "distributions/discrete/negative_binomial.h"
-#include "timeseries/exports.h"
+#include "timeseries/path.h"
 
 namespace pral::timeseries {
-namespace {
 
 /// Finite, so that the infinite population, DBL_MAX, counts as whole and an infinite argument does not.
-bool is_whole(double x) { return std::isfinite(x) && x == std::floor(x); }
+inline bool is_whole(double x) { return std::isfinite(x) && x == std::floor(x); }
 
 /// X_i = X_(i-1) + NegBin(X_(i-1), p), p = e^(-beta t): every individual leaves a geometric number of descendants. A
 /// population beyond the largest double stays there.
@@ -21,8 +22,8 @@ struct Yule {
         if (!(t > 0)) return "t should be >0";
         return nullptr;
     }
-    double next() {
-        population = finite_or_limit(population + drawn(NegBin{population, p}));
+    double next(Draws& draws) {
+        population = finite_or_limit(population + draws(NegBin{population, p}));
         return population;
     }
 };
@@ -39,33 +40,23 @@ struct Death {
         if (!(t > 0)) return "t should be >0";
         return nullptr;
     }
-    double next() {
-        population = drawn(Binomial{population, p});
+    double next(Draws& draws) {
+        population = draws(Binomial{population, p});
         return population;
     }
 };
 
-/// Counts of the population, or their base-10 logarithms when `logarithm` is not 0: -DBL_MAX for 0.
+/// Counts of the population, or their base-10 logarithms when `logarithm` is not 0: -DBL_MAX for 0. Returns the first
+/// objection, or null; what has been written before it stays.
 template <class Process>
-bool population_path(double* out, int n, Process process, int logarithm) {
-    return guarded(out, n, [&](int count) {
-        if (const Message objection = process.check()) return fail(objection);
-        return unless_refused([&] {
-            for (int i = 0; i < count; ++i) {
-                const double population = process.next();
-                out[i] = logarithm != 0 ? finite_or_limit(std::log10(population)) : population;
-            }
-        });
+Message population_path(std::span<double> out, Process process, int logarithm, RandomStream& stream) {
+    if (const Message objection = process.check()) return objection;
+    return unless_refused(stream, [&](Draws& draws) {
+        for (double& value : out) {
+            const double population = process.next(draws);
+            value = logarithm != 0 ? finite_or_limit(std::log10(population)) : population;
+        }
     });
 }
 
-}  // namespace
 }  // namespace pral::timeseries
-
-using namespace pral::timeseries;
-
-PRAL_EXPORT_PATH(Yule, (double N0, double beta, double t, int logarithm), (N0, beta, t, logarithm),
-                 population_path(out, n, Yule{N0, beta, t}, logarithm))
-
-PRAL_EXPORT_PATH(Death, (double N0, double beta, double t, int logarithm), (N0, beta, t, logarithm),
-                 population_path(out, n, Death{N0, beta, t}, logarithm))
