@@ -118,4 +118,24 @@ TEST(CopulaFits, EllipticalCopulasAreRecovered) {
     EXPECT_GE(values[0], -1e-15);
 }
 
+/// The order of the pairs does not matter, though of many a part is looked at first, here every third: pairs of quite other
+/// degrees of freedom than the others stand there, or do not.
+TEST(CopulaFits, DegreesOfManyPairsAreThoseOfAll) {
+    const int count = 20000;
+    const Values few_degrees = sampled("CopulaMultiT", "2 [1,0.5,0.5,1] 2 20000", 2 * count, 1, 11),
+                 many_degrees = sampled("CopulaMultiT", "40 [1,0.5,0.5,1] 2 40000", 4 * count, 1, 12);
+    Values pairs;
+    for (std::size_t i = 0; i < few_degrees.size(); i += 2) {
+        pairs.insert(pairs.end(), &few_degrees[i], &few_degrees[i] + 2);
+        pairs.insert(pairs.end(), &many_degrees[2 * i], &many_degrees[2 * i] + 4);
+    }
+    Values nu(3), rho(3);
+    for (std::size_t i = 0; i < 3; ++i) {
+        ASSERT_TRUE(PralCopulaBiTFitP_Core(&nu[i], &rho[i], pairs.data(), 3 * count, 0));
+        std::ranges::rotate(pairs, pairs.begin() + 2);
+    }
+    EXPECT_EQ(nu, Values(3, nu[0]));
+    EXPECT_NEAR(nu[0], 5, 2);
+}
+
 }  // namespace
