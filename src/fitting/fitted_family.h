@@ -11,6 +11,7 @@
 #include "distributions/members.h"
 #include "distributions/sample.h"
 #include "fitting/maximise.h"
+#include "fitting/window_sum.h"
 
 namespace pral::fitting {
 
@@ -119,9 +120,16 @@ struct Member {
     static double log_likelihood(const double* parameters, const Sample& x, const Modifiers& given) {
         const D d = of(parameters);
         if (pral::check_probability(d) != nullptr) return -HUGE_VAL;
+        if (const auto log_mass = log_window_mass(d, given); log_mass && within(x, d.support(), given))
+            return pral::log_likelihood(d, x) - x.count() * *log_mass;
         const Truncated<D> kept(d, true, given.limits());
         if (!kept.ordered() || x.min() < kept.lower()) return -HUGE_VAL;
         return joint_density(x, x.min(), x.max(), kept, Scale::natural_log);
+    }
+    /// Whether the data lie between bounds that are values, of which the lower may be missing.
+    static bool within(const Sample& x, const Support& support, const Modifiers& given) {
+        const double lower = given.min_is_percentile() ? support.lower : std::max(support.lower, *given.min);
+        return x.min() >= lower && x.max() <= std::min(support.upper, *given.max);
     }
     static bool values(std::span<double> out, const double* parameters, const Modifiers& given) {
         return array_member(out, of(parameters), given);
