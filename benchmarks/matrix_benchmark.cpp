@@ -4,7 +4,7 @@
 #include <cmath>
 #include <vector>
 
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 
 namespace {
 

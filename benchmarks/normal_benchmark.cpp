@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <map>
 
 #include "arguments.h"
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 #include "errors.h"
 #include "text.h"
 
@@ -20,7 +20,7 @@ namespace cli {
 const std::vector<Family>& families() {
     static const std::vector<Family> list = {
 #define PRAL_FAMILY PRAL_FAMILY_ELEMENT
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
     };
     return list;
 }

@@ -11,7 +11,7 @@
 #include <map>
 
 #include "arguments.h"
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 #include "commands.h"
 #include "errors.h"
 #include "fit_table.h"

@@ -10,8 +10,8 @@
 #include <new>
 #include <string>
 
-#include "boundary/automation.h"
-#include "boundary/core_api.h"
+#include "classic/automation.h"
+#include "classic/core_api.h"
 #include "errors.h"
 
 namespace cli {

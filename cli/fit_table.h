@@ -26,7 +26,7 @@ bool can_be_fitted(const Family& family);
 /// Throws the library's error text when there is no fit. A family whose fit takes no shift is fitted without one.
 Fitted fit(const Family& family, const FitData& data);
 
-/// How many of the family's parameters the data can tell: what information criteria count.
+/// The number of identifiable parameters, which information criteria count.
 int free_parameters(const Family& family);
 
 }  // namespace cli

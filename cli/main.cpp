@@ -8,7 +8,7 @@
 #include <map>
 
 #include "arguments.h"
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 #include "commands.h"
 #include "errors.h"
 #include "text.h"

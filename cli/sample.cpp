@@ -3,7 +3,7 @@
 #include <cmath>
 #include <random>
 
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 #include "commands.h"
 #include "errors.h"
 

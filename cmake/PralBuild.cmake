@@ -72,7 +72,7 @@ endif()
 # Nobody asks for floating-point exceptions; without them a comparison may become part of a vector loop.
 set_source_files_properties("${PROJECT_SOURCE_DIR}/src/numerics/each.cpp" PROPERTIES
   COMPILE_OPTIONS -fno-trapping-math)
-set_source_files_properties("${PROJECT_SOURCE_DIR}/src/boundary/version.cpp" PROPERTIES
+set_source_files_properties("${PROJECT_SOURCE_DIR}/src/classic/version.cpp" PROPERTIES
   COMPILE_DEFINITIONS PRAL_VERSION="${PROJECT_VERSION}")
 
 define_property(GLOBAL PROPERTY PRAL_SUBSYSTEMS BRIEF_DOCS "The subsystems that have sources, lowest first")

@@ -9,7 +9,7 @@ add_library(pral::pral_core ALIAS pral_core)
 pral_link_subsystems(pral_core ${subsystems})
 target_link_libraries(pral_core PRIVATE GSL::gsl ALGLIB::ALGLIB)
 # In the build tree the public headers are found by the names that they have once installed.
-set(public_headers src/boundary/core_api.h src/boundary/automation.h src/objects/objects.h src/objects/objects.hpp)
+set(public_headers src/classic/core_api.h src/classic/automation.h src/objects/objects.h src/objects/objects.hpp)
 foreach(header IN LISTS public_headers)
   get_filename_component(name "${header}" NAME)
   configure_file("${PROJECT_SOURCE_DIR}/${header}" "${PROJECT_BINARY_DIR}/include/pral_core/${name}" COPYONLY)

@@ -106,7 +106,7 @@ find_package(Python3 REQUIRED COMPONENTS Interpreter)
 # pral_library_entry(name what [arguments...]): one check of the built library's tables, or of the file after --library.
 function(pral_library_entry name what)
   add_test(NAME ${name} COMMAND "${Python3_EXECUTABLE}" "${PRAL_TESTS_DIR}/exports/check_library.py" ${what}
-    --library "$<TARGET_FILE:pral_core>" --header "${PROJECT_SOURCE_DIR}/src/boundary/core_api.h" "${PROJECT_SOURCE_DIR}/src/objects/objects.h"
+    --library "$<TARGET_FILE:pral_core>" --header "${PROJECT_SOURCE_DIR}/src/classic/core_api.h" "${PROJECT_SOURCE_DIR}/src/objects/objects.h"
     --compiler "${CMAKE_CXX_COMPILER}" --nm "${CMAKE_NM}" --objdump "${CMAKE_OBJDUMP}" ${ARGN})
   set_tests_properties(${name} PROPERTIES TIMEOUT 60)
 endfunction()

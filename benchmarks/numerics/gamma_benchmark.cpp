@@ -6,10 +6,10 @@
 #include <cmath>
 #include <vector>
 
-#include "numerics/gamma.h"
 #include "numerics/classical/gamma_quantile.h"
-#include "numerics/gamma_ratio.h"
 #include "numerics/classical/incomplete_gamma.h"
+#include "numerics/gamma.h"
+#include "numerics/gamma_ratio.h"
 #include "numerics/noncentral_chi_square.h"
 
 #if __has_include(<boost/math/special_functions/gamma.hpp>)

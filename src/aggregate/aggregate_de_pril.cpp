@@ -6,9 +6,9 @@
 #include <numeric>
 
 #include "aggregate/crc16.h"
-#include "boundary/core_api.h"
-#include "boundary/recently_used.h"
-#include "boundary/turn.h"
+#include "base/recently_used.h"
+#include "base/turn.h"
+#include "classic/core_api.h"
 #include "distributions/members.h"
 
 namespace pral {

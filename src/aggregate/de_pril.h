@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "boundary/error_text.h"
+#include "base/message.h"
 
 namespace pral {
 

@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <vector>
 
-#include "boundary/call.h"
-#include "boundary/core_api.h"
-#include "boundary/random.h"
+#include "classic/call.h"
+#include "classic/core_api.h"
+#include "classic/stream.h"
 #include "classic/vectors.h"
 #include "statistics/moments.h"
 #include "statistics/resampling.h"

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "boundary/core_api.h"
-#include "boundary/random.h"
 #include "classic/copulas.h"
+#include "classic/core_api.h"
+#include "classic/stream.h"
 #include "classic/vectors.h"
 #include "matrix/matrix.h"
 #include "multivariate/copula_fits.h"

@@ -2,10 +2,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "boundary/core_api.h"
-#include "boundary/random.h"
 #include "classic/copulas.h"
+#include "classic/core_api.h"
 #include "classic/factor_memory.h"
+#include "classic/stream.h"
 #include "classic/vectors.h"
 #include "distributions/continuous/uniform.h"
 #include "distributions/draws.h"

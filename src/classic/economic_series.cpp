@@ -1,5 +1,5 @@
 // The exported economic series: what they check and draw stands in timeseries/economic.h.
-#include "boundary/random.h"
+#include "classic/stream.h"
 #include "classic/vectors.h"
 #include "timeseries/economic.h"
 

@@ -5,7 +5,7 @@
 // have lines of their own, PRAL_EXPORT_FAMILY(DUniform, (const double* values, int n), (values, n)).
 #pragma once
 
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 #include "classic/members.h"
 
 namespace pral {

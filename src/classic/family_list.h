@@ -22,4 +22,4 @@
 
 #define PRAL_FAMILY(X, KIND, KIN, PARAMETERS, TEXT) \
     PRAL_CHOICE(PRAL_KIN_##KIN, PRAL_EXPORT_LISTED, PRAL_NOT_LISTED)(X, PARAMETERS)
-#include "boundary/core_api.h"
+#include "classic/core_api.h"

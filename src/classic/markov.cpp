@@ -2,9 +2,9 @@
 #include <cstdarg>
 #include <cstddef>
 
-#include "boundary/call.h"
-#include "boundary/core_api.h"
-#include "boundary/random.h"
+#include "classic/call.h"
+#include "classic/core_api.h"
+#include "classic/stream.h"
 #include "classic/vectors.h"
 #include "matrix/matrix.h"
 #include "statistics/markov.h"

@@ -1,8 +1,8 @@
 // The exported matrix functions. Nothing is written to the output before the last check has passed.
 #include <cstddef>
 
-#include "boundary/call.h"
-#include "boundary/core_api.h"
+#include "classic/call.h"
+#include "classic/core_api.h"
 #include "matrix/correlation_matrix.h"
 
 using pral::given;

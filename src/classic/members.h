@@ -5,8 +5,8 @@
 #include <cmath>
 #include <span>
 
-#include "boundary/call.h"
-#include "boundary/random.h"
+#include "classic/call.h"
+#include "classic/stream.h"
 #include "distributions/joint.h"
 
 namespace pral {

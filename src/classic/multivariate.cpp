@@ -3,9 +3,9 @@
 #include <cmath>
 #include <vector>
 
-#include "boundary/core_api.h"
-#include "boundary/random.h"
+#include "classic/core_api.h"
 #include "classic/factor_memory.h"
+#include "classic/stream.h"
 #include "classic/vectors.h"
 #include "distributions/members.h"
 #include "matrix/matrix.h"

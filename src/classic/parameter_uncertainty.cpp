@@ -1,8 +1,8 @@
 // What data tell of a binomial probability and of a Poisson rate.
-#include "boundary/call.h"
-#include "boundary/core_api.h"
-#include "boundary/random.h"
+#include "classic/call.h"
+#include "classic/core_api.h"
 #include "classic/members.h"
+#include "classic/stream.h"
 #include "distributions/discrete/binomial.h"
 #include "numerics/beta_quantile.h"
 #include "numerics/gamma_ratio.h"

@@ -1,5 +1,5 @@
 // The exported series of prices, log returns and populations: what they check and draw stands in timeseries/.
-#include "boundary/random.h"
+#include "classic/stream.h"
 #include "classic/vectors.h"
 #include "timeseries/autoregressive.h"
 #include "timeseries/brownian_motion.h"

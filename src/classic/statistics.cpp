@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <vector>
 
-#include "boundary/call.h"
-#include "boundary/core_api.h"
-#include "boundary/random.h"
+#include "classic/call.h"
+#include "classic/core_api.h"
 #include "classic/runtime_random.h"
+#include "classic/stream.h"
 #include "classic/vectors.h"
 #include "matrix/matrix.h"
 #include "statistics/comparison.h"

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "boundary/call.h"
-#include "boundary/core_api.h"
+#include "classic/call.h"
+#include "classic/core_api.h"
 
 #define PRAL_AFTER_COMMA(...) __VA_OPT__(, ) __VA_ARGS__
 

@@ -111,7 +111,7 @@ struct LogLocationScale {
     /// With a center that is exact.
     LogLocationScale(double center, double log_center_, double spread_, Standard standard_)
         : LogLocationScale(center, log_center_, spread_, standard_, numerics::divide({1, 0}, {spread_, 0})) {}
-    /// `rate` is 1/spread with the digits that spread itself may lack: far out they count several hundred times.
+    /// `rate` is 1/spread in double-double: far in the tail the rounding of spread is magnified several hundred times.
     LogLocationScale(double center, double log_center_, double spread_, Standard standard_,
                      numerics::DoubleDouble rate)
         : log_center(log_center_),

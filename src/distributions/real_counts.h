@@ -5,7 +5,7 @@
 
 namespace pral {
 
-/// The family without the check for an integer: its check_range() is all that is asked.
+/// The family without the check for an integer: only check_range() is applied.
 template <Family D>
 struct RealCounts : D {
     using D::D;

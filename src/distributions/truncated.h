@@ -30,7 +30,7 @@ struct Bound {
 /// Whether a family on the integers takes x for this one.
 inline bool counts_as(double x, double integer) { return std::fabs(x - integer) < 1e-8; }
 
-/// The integer that such a family takes x for: the one that is next to it, otherwise the one towards zero.
+/// x rounded to the nearest integer if within 1e-8 of it, otherwise truncated towards zero.
 inline double counted(double x) {
     const double nearest = std::round(x);
     return counts_as(x, nearest) ? nearest : std::trunc(x);
@@ -277,7 +277,7 @@ class Truncated {
         return tails(base_, x);
     }
 
-    /// What values are limited to: the support or the bounds, of an integer family the integers between them. Bounds without
+    /// The range to which values are clamped: support or bounds; for integer families the integers inside. Bounds without
     /// an integer between them leave their value as it is.
     void set_limits() {
         if (kOwnBounds && bounded_) return;

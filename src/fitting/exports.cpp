@@ -3,9 +3,9 @@
 #include <numeric>
 #include <string>
 
-#include "boundary/call.h"
-#include "boundary/core_api.h"
-#include "boundary/turn.h"
+#include "base/turn.h"
+#include "classic/call.h"
+#include "classic/core_api.h"
 #include "distributions/families.h"
 #include "distributions/real_counts.h"
 #include "fitting/catalogue.h"

@@ -9,7 +9,7 @@
 namespace pral::fitting {
 
 /// Stands for a bound, a percentile or a first parameter that is not given. The sampling functions have -DBL_MAX and null
-/// pointers for this; fits have always had their own number.
+/// pointers for this; 1e100 is a convention of the classic calls.
 inline constexpr double kNotGiven = 1e100;
 inline bool given(double bound) { return bound != kNotGiven; }
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "boundary/recently_used.h"
+#include "base/recently_used.h"
 #include "fitting/fitted_family.h"
 
 namespace pral::fitting {

@@ -3,7 +3,7 @@
 // return the message of the first failing check, or null; a matrix may be given by one triangle (matrix.h).
 #pragma once
 
-#include "boundary/error_text.h"
+#include "base/message.h"
 
 namespace pral::matrix {
 

@@ -22,8 +22,8 @@
 #include <span>
 #include <vector>
 
-#include "boundary/error_text.h"
-#include "boundary/random.h"
+#include "base/message.h"
+#include "base/random_stream.h"
 #include "numerics/constants.h"
 #include "numerics/elementary.h"
 

@@ -3,8 +3,8 @@
 
 #include <vector>
 
-#include "boundary/error_text.h"
-#include "boundary/random.h"
+#include "base/message.h"
+#include "base/random_stream.h"
 
 namespace pral::multivariate {
 

@@ -1,8 +1,8 @@
 // Samples of the Dirichlet distribution.
 #pragma once
 
-#include "boundary/error_text.h"
-#include "boundary/random.h"
+#include "base/message.h"
+#include "base/random_stream.h"
 #include "multivariate/densities.h"
 
 namespace pral::multivariate {

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "boundary/random.h"
+#include "base/random_stream.h"
 #include "multivariate/correlated_normals.h"
 
 namespace pral::multivariate {

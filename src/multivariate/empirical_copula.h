@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "boundary/random.h"
+#include "base/random_stream.h"
 
 namespace pral::multivariate {
 

@@ -4,18 +4,18 @@
 #include <cctype>
 #include <numeric>
 
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 
 namespace pral::objects {
 
 #define PRAL_FAMILY(X, KIND, KIN, PARAMETERS, TEXT) extern const FamilyRow row_of_##X;
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 
 namespace {
 
 constexpr const FamilyRow* kRows[] = {
 #define PRAL_FAMILY(X, KIND, KIN, PARAMETERS, TEXT) &row_of_##X,
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 };
 
 std::string lower_case(std::string_view text) {

@@ -71,9 +71,9 @@ Maker<D, T...> maker_of(void (*)(T...));
             return Make::object(#X, std::move(arguments), objection);                                \
         }};
 
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 namespace pral::objects {
 #define PRAL_FAMILY(X, KIND, KIN, PARAMETERS, TEXT) \
     PRAL_CHOICE(PRAL_KIN_##KIN, PRAL_ROW, PRAL_NO_ROW)(X, KIND, PARAMETERS, TEXT)
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 }  // namespace pral::objects

@@ -1,7 +1,7 @@
 // Two series or samples against each other, and a table read between its points.
 #pragma once
 
-#include "boundary/error_text.h"
+#include "base/message.h"
 #include "statistics/moments.h"
 
 namespace pral::statistics {

@@ -1,8 +1,8 @@
 // Discrete-time Markov chains: transition matrices of any number of steps, and populations moved by them.
 #pragma once
 
-#include "boundary/error_text.h"
-#include "boundary/random.h"
+#include "base/message.h"
+#include "base/random_stream.h"
 
 namespace pral::statistics {
 

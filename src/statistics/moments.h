@@ -29,7 +29,7 @@ Moments population_moments(Data x);
 
 /// The moments of the discrete distribution with values x and probabilities p, which are used as given: by their power
 /// sums, which are those of a distribution with what is missing of 1 at the value 0. A sum within 1e-15 of 1 for each
-/// probability is 1. Beyond the middle of the table the first probability 0 ends it.
+/// probability is 1. Summation stops at the first zero probability beyond the middle.
 Moments table_moments(Data x, Data p);
 
 }  // namespace pral::statistics

@@ -10,7 +10,7 @@
 
 #include "aggregate/crc16.h"
 #include "aggregate/de_pril.h"
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 #include "support/table.h"
 
 namespace {

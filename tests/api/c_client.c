@@ -4,12 +4,12 @@
 #include <stdio.h>
 #include <string.h>
 
-#include "boundary/automation.h"
-#include "boundary/core_api.h"
+#include "classic/automation.h"
+#include "classic/core_api.h"
 
 #define PRAL_FAMILY(X, KIND, KIN, PARAMETERS, TEXT) #X,
 static const char* const family_names[] = {
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 };
 
 static int failures = 0;

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <vector>
 
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 
 namespace {
 

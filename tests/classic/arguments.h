@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "boundary/automation.h"
+#include "classic/automation.h"
 #include "declaration.h"
 
 namespace pral::fingerprint {

@@ -96,7 +96,7 @@ def main():
     parser.add_argument("--build", default="build/release", help="a build folder, where the next two are found")
     parser.add_argument("--library")
     parser.add_argument("--program")
-    parser.add_argument("--header", default=os.path.join(HERE, "../../src/boundary/core_api.h"))
+    parser.add_argument("--header", default=os.path.join(HERE, "../../src/classic/core_api.h"))
     parser.add_argument("--compiler", default="c++")
     parser.add_argument("--against", metavar="OTHER.so")
     parser.add_argument("--update", action="store_true")

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 
 #undef PRAL_API
 #define PRAL_API  // defined here, not imported

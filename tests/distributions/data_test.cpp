@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "boundary/automation.h"
-#include "boundary/core_api.h"
+#include "classic/automation.h"
+#include "classic/core_api.h"
 #include "distributions/families.h"
 #include "support/exported_families.h"
 #include "support/table.h"

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 #include "distributions/families.h"
 #include "distributions/sample.h"
 #include "support/chi_square.h"

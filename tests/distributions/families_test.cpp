@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 #include "distributions/families.h"
 #include "distributions/members.h"
 #include "support/accuracy.h"
@@ -90,7 +90,7 @@ const std::map<std::string, Evaluate>& families() {
     static const auto all = [] {
         std::map<std::string, Evaluate> list;
 #define PRAL_FAMILY(X, KIND, KIN, PARAMETERS, TEXT) add<pral::X>(list, #X, Pral##X##_Core);
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
         return list;
     }();
     return all;

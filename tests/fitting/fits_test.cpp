@@ -10,7 +10,7 @@
 #include <set>
 #include <utility>
 
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 #include "fitting/catalogue.h"
 #include "fitting/fit.h"
 #include "support/table.h"

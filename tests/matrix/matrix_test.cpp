@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 #include "matrix/matrix.h"
 #include "support/table.h"
 

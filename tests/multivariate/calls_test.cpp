@@ -2,7 +2,7 @@
 // vectors as they are made of univariate draws, hostile arguments.
 #include "multivariate/exports.h"
 
-#include "boundary/random.h"
+#include "classic/stream.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include <numeric>
 #include <vector>
 
-#include "boundary/random.h"
+#include "classic/stream.h"
 #include "multivariate/copula_fits.h"
 #include "multivariate/count_samplers.h"
 #include "multivariate/densities.h"

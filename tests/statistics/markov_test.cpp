@@ -7,8 +7,8 @@
 #include <limits>
 #include <vector>
 
-#include "boundary/automation.h"
-#include "boundary/core_api.h"
+#include "classic/automation.h"
+#include "classic/core_api.h"
 #include "support/table.h"
 
 namespace {

@@ -7,8 +7,8 @@
 #include <random>
 #include <vector>
 
-#include "boundary/automation.h"
-#include "boundary/core_api.h"
+#include "classic/automation.h"
+#include "classic/core_api.h"
 #include "classic/runtime_random.h"
 
 namespace {

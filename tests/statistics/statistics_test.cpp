@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "boundary/automation.h"
-#include "boundary/core_api.h"
-#include "boundary/random.h"
+#include "classic/automation.h"
+#include "classic/core_api.h"
+#include "classic/stream.h"
 #include "statistics/ranks.h"
 #include "statistics/resampling.h"
 #include "support/table.h"

@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 
 namespace pral::test {
 
@@ -83,7 +83,7 @@ inline std::vector<ExportedFamily> exported_families() {
     std::vector<ExportedFamily> list;
 #define PRAL_FAMILY(X, KIND, KIN, PARAMETERS, TEXT) \
     add(list, #X, #KIND, Pral##X##_Core, Pral##X##Array_Core, Pral##X##Prob_Core, Pral##X##Prob10_Core);
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
     return list;
 }
 

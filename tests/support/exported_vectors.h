@@ -18,8 +18,8 @@
 #include <utility>
 #include <vector>
 
-#include "boundary/automation.h"
-#include "boundary/core_api.h"
+#include "classic/automation.h"
+#include "classic/core_api.h"
 #include "support/table.h"
 
 namespace pral::test {

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "boundary/random.h"
+#include "classic/stream.h"
 #include "support/exported_vectors.h"
 #include "timeseries/autoregressive.h"
 #include "timeseries/brownian_motion.h"

@@ -36,7 +36,7 @@ class Convolution {
     }
 
   private:
-    /// Both i and j = k - i are told; the smaller one has the digits.
+    /// Holds i and j = k - i; only the smaller is exact.
     struct Place {
         double i, j;
     };

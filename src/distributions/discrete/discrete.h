@@ -77,7 +77,7 @@ class InversionWalk {
     }
     [[gnu::noinline]] double mass_at(double k) const { return std::exp(d_.log_density(k)); }
     bool short_at(double k) const { return falls_short(tail_at(k)); }
-    /// So near that the rounding of the recurrence may have decided.
+    /// Within rounding error of the target: the comparison must be repeated with exactly computed tails.
     bool doubtful(double tail) const {
         const double target = lower_ ? p_ : q_;
         return std::fabs(tail - target) < 1e-11 * target;

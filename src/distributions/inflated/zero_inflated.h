@@ -26,7 +26,7 @@ struct BaseChecks {
     }
 };
 
-/// The checks of a variant's probability members: those of the sampling ones unless it tells others.
+/// The checks of a variant's probability members: the sampling checks unless Checks provides its own.
 template <class Checks, class Base>
 Message variant_check_probability(const Base& base) {
     if constexpr (requires { Checks::check_probability(base); })

@@ -42,8 +42,7 @@ struct ZeroTruncated {
     }
     std::optional<double> point_mass() const {
         const auto point = base.point_mass();
-        if (not_zero_ < DBL_MIN)
-            return 1;  // all but 0 is out of range; the least of it has nearly everything
+        if (not_zero_ < DBL_MIN) return 1;  // P(X > 0) underflows; given X > 0, nearly all mass is at 1
         return point ? std::optional(std::max(*point, 1.0)) : std::nullopt;
     }
 

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "boundary/error_text.h"
+#include "classic/error_text.h"
 
 #ifndef _WIN32
 #include <unistd.h>

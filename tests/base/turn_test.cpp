@@ -5,7 +5,7 @@
 #include <thread>
 #include <vector>
 
-#include "boundary/turn.h"
+#include "base/turn.h"
 
 namespace {
 

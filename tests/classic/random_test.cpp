@@ -1,5 +1,5 @@
 // The random stream against the C++ library's own Mersenne Twister.
-#include "boundary/random.h"
+#include "classic/stream.h"
 
 #include <gtest/gtest.h>
 

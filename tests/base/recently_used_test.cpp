@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "boundary/recently_used.h"
+#include "base/recently_used.h"
 
 namespace {
 

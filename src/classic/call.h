@@ -10,8 +10,8 @@
 #include <new>
 #include <string>
 
-#include "boundary/automation.h"
-#include "boundary/error_text.h"
+#include "classic/automation.h"
+#include "classic/error_text.h"
 
 // Windows' headers define these everyday words away.
 #undef near

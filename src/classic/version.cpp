@@ -1,4 +1,4 @@
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 
 #ifndef PRAL_VERSION
 #error "PRAL_VERSION must be defined by the build"

@@ -453,8 +453,8 @@ PRAL_API bool PralTimeDeathVB_Core(SAFEARRAY** out, double N0, double beta, doub
  * Linked annual series, out[0 .. n-1], of which out[0] is where they start. All stand on the logarithmic price
  * inflation
  *   I_0 = 0, I_t ~ Normal(QMU + QA (I_(t-1) - QMU), QSD)
- * which is simulated within the call, its draw standing where the recurrence names I_t; steps draw in the order of
- * their lines. In the A forms the caller gives I_0, I_1, ... as `inflation`, of which there must be n at least. Draws,
+ * which is simulated within the call. Each step draws its normals in the order in which its lines are listed; I_t is
+ * drawn at the line that shows it. In the A forms the caller gives I_0, I_1, ... as `inflation`, of which there must be n at least. Draws,
  * the VB forms, and what a refused draw or NaN leads to are as in Time series.
  *
  * A ...MU is a mean, a ...SD a standard deviation >= 0, a ...W a weight; QA, WA, YA, CA, CAA, CAAA and BA are
@@ -547,7 +547,7 @@ PRAL_API bool PralTimeShortTermInterestRateAVB_Core(SAFEARRAY** out, const doubl
 /* ----------------------------------------------------------------------------- Multivariate distributions
  *
  * Samplers write one vector of k values, elements beyond which are not touched; a failed call leaves zeros. They are made
- * of univariate draws, each one bare call of its distribution, in the order told. Probability functions give the joint
+ * of bare calls of univariate distributions, in the order given. Probability functions give the joint
  * density or probability, Prob10 its base-10 logarithm. Counts are whole numbers in doubles. The VB forms take an
  * automation array in place of `out` and its count.
  */
@@ -615,10 +615,10 @@ PRAL_API bool PralMultiHypergeoProb10_Core(double* result, const double* s, int 
  * groups of D[i] >= s[i] items, NegMultinomial in independent trials with probabilities p, which sum to 1 within 1e-15.
  * The first forms give the total number of draws; the forms 2 a vector, the items of each group beyond its quota s[i].
  *
- * The groups are taken in order. One that lacks m items draws the number of other items that come before its m-th
+ * The groups are taken in order. A group that still needs m items draws how many items of other groups precede its m-th
  * (InvHypergeo, NegBin; the first group also when its quota is 0), and these are shared among all other groups, those
- * that have their quota included, in order by conditional hypergeometrics or binomials of what is left. NegBin's cut-off
- * far in the tail (DBL_MAX) shows in the results.
+ * that have their quota included, in order by conditional hypergeometrics or binomials of what is left. A draw beyond
+ * NegBin's cut-off (0.9999999) makes the result DBL_MAX.
  * Urn: "Error: the number of elements in {s} and {d} must be equal", "Error: {s} values must be integers",
  * "Error: {s} values must be >=0", "Error: {d} values must be integers", "Error: {d} values must all be >0" (negative),
  * "Error: each s(i) must less than d(i)" (greater; form 2: "Error: each s(i) must be <= D(i)"), form 2:
@@ -797,8 +797,8 @@ PRAL_API bool PralCopulaMultiTFitPVB_Core(double* nu, SAFEARRAY** corr, const do
  *
  *   bool PralXFitP_Core(double* out, int outLen, const double* data, int n, int* uncertainty, double TruncMin,
  *                       double TruncMax, double* shift, int reserved1, int reserved2, const char* key, bool reserved)
- *       The fitted parameters in the order of PralX_Core, outLen of them. With a shift, that is fitted as well: from
- *       *shift on, or with TruncMin so that the distribution begins just below it; *shift receives it.
+ *       The fitted parameters in the order of PralX_Core, outLen of them. If shift is given it is fitted too,
+ *       starting at *shift (with TruncMin: where the distribution begins just below TruncMin), and *shift receives it.
  *
  *   bool PralXFitVB_Core(SAFEARRAY** out, const double* data, int n, int uncertainty, double TruncMin,
  *                        double TruncMax, double U)
@@ -813,7 +813,7 @@ PRAL_API bool PralCopulaMultiTFitPVB_Core(double* nu, SAFEARRAY** corr, const do
  *   U                    a percentile in [0,1]; 1e100 means draws of the stream
  *   uncertainty          other than 0: a replicate of the parameters in place of the fit, refitted to n draws from
  *                        the fitted distribution (parametric bootstrap); null counts as 0
- *   key                  null, or a name that takes the place of X in the memory of results
+ *   key                  null, or the name under which the result is cached (X by default)
  *   reserved             0
  *
  * A fit begins with an estimate from the data's moments or quantiles, which Newton's method takes to the maximum of the
@@ -821,7 +821,7 @@ PRAL_API bool PralCopulaMultiTFitPVB_Core(double* nu, SAFEARRAY** corr, const do
  * nmsimplex, steps 0.1, until its size is below 1e-5, 1,000 iterations are done or the likelihood around is level). The Normal without bounds is the
  * mean and standard deviation of the sample (divisor n - 1). Integer parameters are real numbers during the search;
  * those of BetaBinomial, Binomial, Chi, ChiSq, Erlang (truncated), NCChiSq, NegBin, Student, Student3, ZIBetaBinomial
- * and ZTBetaBinomial are rounded after it. The base of LognormalB is 10 to begin with: no data can tell it.
+ * and ZTBetaBinomial are rounded after it. The base of LognormalB is 10 to begin with: the likelihood does not depend on it.
  * The results of the 64 fits used last, with data and names of 32 MB (4,000,000 data) at most, are kept and found again
  * by equal requests. Fits with a shift and replicates are not kept.
  *
@@ -1019,8 +1019,8 @@ PRAL_DECLARE_LIKELIHOOD(BetaBinomial, (double n, double alpha, double beta))
 #undef PRAL_DECLARE_LIKELIHOOD
 
 /* Uncertainty about a parameter after data: one value at percentile *U, or at a draw of the stream when U is null or *U
- * is -1. `processExists` not 0: the process is known to exist. Otherwise, after no event, it is first decided with even
- * odds, by a draw of its own after that of the percentile, whether it does. */
+ * is -1. `processExists` not 0: the process is known to exist. Otherwise, after no event, a second draw, after
+ * that of the percentile, decides with probability 1/2 whether the process exists. */
 
 /* The success probability after 0 <= successes <= trials, trials > 0: Beta(successes + 1, trials - successes + 1); 0
  * for no process.

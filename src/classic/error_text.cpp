@@ -1,4 +1,4 @@
-#include "boundary/error_text.h"
+#include "classic/error_text.h"
 
 #include <algorithm>
 #include <charconv>
@@ -7,8 +7,8 @@
 #include <iterator>
 #include <system_error>
 
-#include "boundary/automation.h"
-#include "boundary/core_api.h"
+#include "classic/automation.h"
+#include "classic/core_api.h"
 #include "numerics/constants.h"
 
 namespace pral {

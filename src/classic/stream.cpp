@@ -1,6 +1,6 @@
-#include "boundary/random.h"
+#include "classic/stream.h"
 
-#include "boundary/core_api.h"
+#include "classic/core_api.h"
 
 namespace pral {
 
