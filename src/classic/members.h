@@ -155,7 +155,7 @@ bool probability_member(double* out, double* x, int count, const D& d, const int
     if (objection != nullptr) return fail(objection);
 
     const bool density = cumulative == nullptr || *cumulative == 0 || *cumulative == -1;
-    constexpr bool kWhole = requires { D::kIntegers; };
+    constexpr bool kWhole = IntegerFamily<D>;
     const auto size = static_cast<std::size_t>(std::max(count, 0));
     const JointValues x_taken({x, size}, kWhole, density);
     const double smallest = x_taken.smallest(), largest = x_taken.largest();

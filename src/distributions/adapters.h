@@ -38,10 +38,7 @@ struct LocationScale {
     double cumulative(double x) const { return standard.cumulative(standardised(x)); }
     double survival(double x) const { return standard.survival(standardised(x)); }
     double log_density(double x) const { return standard.log_density(standardised(x)) - log_scale_; }
-    double log_likelihood(std::span<const double> values) const requires requires(const Standard& z) {
-        z.log_likelihood(values);
-    }
-    {
+    double log_likelihood(std::span<const double> values) const requires HasLogLikelihood<Standard> {
         const double sum = numerics::sum_by_blocks(
             values, [this](double x) { return standardised(x); },
             [this](std::span<const double> z) { return standard.log_likelihood(z); });
@@ -52,10 +49,8 @@ struct LocationScale {
     double quantile_upper(double q) const { return location + scale * pral::quantile_upper(standard, q); }
     double log_cumulative(double x) const { return pral::log_cumulative(standard, standardised(x)); }
     double log_survival(double x) const { return pral::log_survival(standard, standardised(x)); }
-    double lower_rate() const requires requires(const Standard& z) { z.lower_rate(); }
-    { return standard.lower_rate() / scale; }
-    void quantiles(std::span<double> p) const requires requires(const Standard& z) { z.quantiles(p); }
-    {
+    double lower_rate() const requires HasLowerRate<Standard> { return standard.lower_rate() / scale; }
+    void quantiles(std::span<double> p) const requires HasQuantiles<Standard> {
         standard.quantiles(p);
         for (double& x : p) x = location + scale * x;
     }
@@ -68,23 +63,24 @@ struct LocationScale {
 
     double standardised(double x) const { return (x - location) / scale; }
 
-    auto moments() const requires requires(const Standard& z) { z.moments(); }
-    {
+    auto moments() const requires HasMoments<Standard> {
         const std::optional<Moments> of_standard = standard.moments();
         return of_standard ? std::optional(linear(*of_standard, scale, location)) : std::nullopt;
     }
-    double moment_limit(Side side) const requires requires(const Standard& z) { z.moment_limit(side); }
-    { return standard.moment_limit(side); }
-    double mode() const requires requires(const Standard& z) { z.mode(); }
-    { return location + scale * standard.mode(); }
-    double log_mgf(double t) const requires requires(const Standard& z) { z.log_mgf(t); }
-    { return location * t + standard.log_mgf(scale * t); }
-    double upper_rate() const requires requires(const Standard& z) { z.upper_rate(); }
-    { return standard.upper_rate() / scale; }
-    double tilted_mode(double t) const requires requires(const Standard& z) { z.tilted_mode(t); }
-    { return location + scale * standard.tilted_mode(scale * t); }
-    double normal_deviation() const requires requires(const Standard& z) { z.normal_deviation(); }
-    { return scale * standard.normal_deviation(); }
+    double moment_limit(Side side) const requires HasMomentLimit<Standard> {
+        return standard.moment_limit(side);
+    }
+    double mode() const requires HasMode<Standard> { return location + scale * standard.mode(); }
+    double log_mgf(double t) const requires HasLogMgf<Standard> {
+        return location * t + standard.log_mgf(scale * t);
+    }
+    double upper_rate() const requires HasUpperRate<Standard> { return standard.upper_rate() / scale; }
+    double tilted_mode(double t) const requires HasTiltedMode<Standard> {
+        return location + scale * standard.tilted_mode(scale * t);
+    }
+    double normal_deviation() const requires HasNormalDeviation<Standard> {
+        return scale * standard.normal_deviation();
+    }
 
   private:
     double log_scale_;
@@ -155,8 +151,7 @@ struct LogLocationScale {
     { return x.count() * (log_density(x.geometric_mean()) - 0.5 * (x.variance_log() / spread / spread)); }
     double quantile(double p) const { return value(standard.quantile(p)); }
     double quantile_upper(double q) const { return value(pral::quantile_upper(standard, q)); }
-    void quantiles(std::span<double> p) const requires requires(const Standard& z) { z.quantiles(p); }
-    {
+    void quantiles(std::span<double> p) const requires HasQuantiles<Standard> {
         standard.quantiles(p);
         if (!usable_ || std::ranges::any_of(p, [this](double z) { return !(std::fabs(spread * z) < 700); })) {
             for (double& x : p) x = value(x);
@@ -174,10 +169,8 @@ struct LogLocationScale {
             return side == Side::upper ? standard.upper_rate() / spread : HUGE_VAL;
         return HUGE_VAL;
     }
-    double mode() const requires requires(const Standard& z) { z.tilted_mode(0); }
-    { return value(standard.tilted_mode(spread)); }
-    std::optional<Moments> moments() const requires requires(const Standard& z) { z.log_mgf(1); }
-    {
+    double mode() const requires HasTiltedMode<Standard> { return value(standard.tilted_mode(spread)); }
+    std::optional<Moments> moments() const requires HasLogMgf<Standard> {
         const double log_mean = standard.log_mgf(spread);
         const auto relative = [this]() -> std::optional<Moments> {
             if constexpr (requires { standard.normal_deviation(); }) {
@@ -271,8 +264,7 @@ struct Transformed {
     std::optional<double> point_mass() const requires(!requires(const Base& b) { b.point_mass(); }) {
         return std::nullopt;
     }
-    std::optional<double> point_mass() const requires requires(const Base& b) { b.point_mass(); }
-    {
+    std::optional<double> point_mass() const requires HasPointMass<Base> {
         const auto y = base.point_mass();
         return y ? std::optional(map.forward(*y)) : std::nullopt;
     }
@@ -345,13 +337,9 @@ struct Shifted : Transformed<Base, Shift> {
         return of_base ? std::optional(linear(*of_base, 1, this->map.origin)) : std::nullopt;
     }
     double moment_limit(Side side) const { return this->base.moment_limit(side); }
-    double mode() const requires requires(const Base& y) { y.mode(); }
-    { return this->map.origin + this->base.mode(); }
+    double mode() const requires HasMode<Base> { return this->map.origin + this->base.mode(); }
 
-    double log_likelihood(std::span<const double> values) const requires requires(const Base& y) {
-        y.log_likelihood(values);
-    }
-    {
+    double log_likelihood(std::span<const double> values) const requires HasLogLikelihood<Base> {
         return numerics::sum_by_blocks(
             values, [this](double x) { return x - this->map.origin; },
             [this](std::span<const double> y) { return this->base.log_likelihood(y); });

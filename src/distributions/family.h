@@ -10,6 +10,7 @@
 #include "base/message.h"
 #include "base/random_stream.h"
 #include "distributions/moments.h"
+#include "distributions/optional_members.h"
 #include "numerics/constants.h"
 #include "numerics/elementary.h"
 #include "numerics/falling_sums.h"
@@ -128,7 +129,7 @@ double quantile_upper(const D& d, double q, bool exactly = false) {
     if constexpr (requires { d.exact_quantile_upper(q); }) {
         if (exactly) return d.exact_quantile_upper(q);
     }
-    if constexpr (requires { d.quantile_upper(q); })
+    if constexpr (HasUpperQuantile<D>)
         return d.quantile_upper(q);
     else
         return d.quantile(1 - q);
@@ -136,10 +137,7 @@ double quantile_upper(const D& d, double q, bool exactly = false) {
 
 /// quantile_upper() of each element, in place.
 template <Distribution D>
-void quantiles_upper(const D& d, std::span<double> q, bool exactly = false) requires requires {
-    d.quantiles_upper(q);
-}
-{
+void quantiles_upper(const D& d, std::span<double> q, bool exactly = false) requires HasUpperQuantiles<D> {
     if constexpr (requires { d.approximated(); }) {
         if (exactly && d.approximated()) {
             for (double& value : q) value = d.exact_quantile_upper(value);
@@ -166,11 +164,7 @@ inline constexpr double kFarTail = 1e-310;
 /// Distributions whose probabilities are integrals of the density, or sums of it over the integers; not those given by knots,
 /// where the density jumps.
 template <class D>
-concept HasFarTails = requires {
-    D::kIntegers;
-}
-|| !(
-       requires { D::kDiscrete; } || requires { D::kKnots; });
+concept HasFarTails = IntegerFamily<D> || !(CountableFamily<D> || HasKnots<D>);
 
 /// ln P(from < X <= to), both inside the support, from the density, which falls from the one to the other: from `to` down on
 /// the lower side, from `from` up on the upper one. It knows no range of doubles, and no tails that nearly cancel.
@@ -181,7 +175,7 @@ template <HasFarTails D>
     const auto from_place = [&](double place) {
         return [&d, place, outwards](double t) { return d.log_density(place + outwards * t); };
     };
-    if constexpr (requires { D::kIntegers; }) {
+    if constexpr (IntegerFamily<D>) {
         const double first = std::floor(from) + 1, last = std::floor(to);
         return numerics::log_falling_sum(from_place(lower ? last : first), last - first + 1);
     } else {
@@ -195,14 +189,14 @@ template <HasFarTails D>
 template <HasFarTails D>
 Support far_ends(const D& d) {
     auto [lower, upper] = d.support();
-    if constexpr (requires { D::kIntegers; }) lower -= 1;
+    if constexpr (IntegerFamily<D>) lower -= 1;
     return {lower, upper};
 }
 
 /// ln F(x) inside the support.
 template <Distribution D>
 double log_cumulative(const D& d, double x) {
-    if constexpr (requires { d.log_cumulative(x); }) {
+    if constexpr (HasLogCumulative<D>) {
         const double log = d.log_cumulative(x);
         if constexpr (HasFarTails<D>) {
             // May be the logarithm of a number in between that was denormal, or 0.
@@ -224,7 +218,7 @@ double log_cumulative(const D& d, double x) {
 /// ln(1 - F(x)) inside the support.
 template <Distribution D>
 double log_survival(const D& d, double x) {
-    if constexpr (requires { d.log_survival(x); }) {
+    if constexpr (HasLogSurvival<D>) {
         return d.log_survival(x);
     } else {
         const double lower = d.cumulative(x);
@@ -252,7 +246,7 @@ double sum_of_log_densities(const D& d, std::span<const double> values) {
 /// The sum of the log densities of values inside the support.
 template <Distribution D>
 double log_likelihood(const D& d, std::span<const double> values) {
-    if constexpr (requires { d.log_likelihood(values); })
+    if constexpr (HasLogLikelihood<D>)
         return d.log_likelihood(values);
     else
         return sum_of_log_densities(d, values);

@@ -85,8 +85,7 @@ double joint_cumulative(std::span<const double> x, double smallest, const Trunca
 /// Whether tabulating the distinct integers is cheaper than `size` masses.
 template <Family D>
 bool counts_repay(std::size_t size) {
-    if constexpr (requires { D::kIntegers; }) return size >= 32;
-    return false;
+    return IntegerFamily<D> && size >= 32;
 }
 
 }  // namespace pral

@@ -108,7 +108,7 @@ class Truncated {
             std::ranges::fill(u, nearest());
             return;
         }
-        if constexpr (requires { base_.quantiles(u); }) {
+        if constexpr (HasQuantiles<D>) {
             if (!bounded_) return base_.quantiles(u);
             if constexpr (kOwnBounds) {
                 base_.quantiles_within(u, window_);
@@ -116,13 +116,13 @@ class Truncated {
                 for (double& value : u) value = own_or_nearest(value);
                 return;
             }
-            if (requires { D::kDiscrete; } && !window_.above_median()) {
+            if (CountableFamily<D> && !window_.above_median()) {
                 for (double& value : u) value = window_.percentile(value);
                 base_.quantiles(u);
                 for (double& value : u) value = limited(value);
                 return;
             }
-            if constexpr (requires { base_.quantiles_upper(u); }) {
+            if constexpr (HasUpperQuantiles<D>) {
                 if (window_.above_median()) {
                     for (double& value : u) value = base_tail(value).probability;
                     pral::quantiles_upper(base_, u, window_.beyond_percentiles());
@@ -131,7 +131,7 @@ class Truncated {
                 }
             }
         }
-        if constexpr (requires { base_.quantile_table(); }) {
+        if constexpr (HasQuantileTable<D>) {
             constexpr std::size_t kTableFrom = 300;  // fewer values do not repay the bins
             if (u.size() >= kTableFrom) {
                 auto table = base_.quantile_table();
@@ -207,8 +207,7 @@ class Truncated {
     /// density. Those of counts agree so far next to extra zeros, where integers are few among very many, or where none
     /// lies between the bounds.
     [[gnu::noinline]] void measure_far_mass() {
-        constexpr double kAgreeing = requires { D::kIntegers; }
-        ? 1e-8 : 1e-12;
+        constexpr double kAgreeing = IntegerFamily<D> ? 1e-8 : 1e-12;
         if (min_.chosen || max_.chosen || !ordered()) return;
         const double larger = window_.above_median() ? min_.tails.upper : max_.tails.lower;
         const bool below_range = larger < kFarTail;
@@ -220,7 +219,7 @@ class Truncated {
         far_ = log_mass_ > -HUGE_VAL || !(window_.mass > 0);
     }
     double log_density_at(double x) const {
-        if constexpr (requires { D::kIntegers; }) return base_.log_density(counted(x));
+        if constexpr (IntegerFamily<D>) return base_.log_density(counted(x));
         return base_.log_density(x);
     }
 
@@ -229,8 +228,7 @@ class Truncated {
         return between(min_.x < support_.lower ? far_ends(base_).lower : lower_, x, side);
     }
     [[gnu::noinline]] double between(double from, double to, Side side) const {
-        if constexpr (requires { D::kIntegers; })
-            return log_probability(base_, counted(from), counted(to), side);
+        if constexpr (IntegerFamily<D>) return log_probability(base_, counted(from), counted(to), side);
         return log_probability(base_, from, to, side);
     }
     [[gnu::noinline]] double far_log_cumulative(double x) const {
@@ -248,9 +246,9 @@ class Truncated {
 
     /// Percentile 0 < u < 1 of what is kept as a tail of the whole, where possible the smaller one.
     Tail base_tail(double u) const {
-        if (!bounded_ && requires { D::kDiscrete; }) return {Side::lower, u};
+        if (!bounded_ && CountableFamily<D>) return {Side::lower, u};
         const double p = window_.percentile(u);
-        if (p <= 0.5 || (requires { D::kDiscrete; } && !window_.above_median()))
+        if (p <= 0.5 || (CountableFamily<D> && !window_.above_median()))
             return {Side::lower, std::max(p, kLeastTail)};
         return {Side::upper, std::max(window_.upper_tail(1 - u), kLeastTail)};
     }
@@ -273,7 +271,7 @@ class Truncated {
 
     /// The tails that the family's probability members give to any x.
     Tails tails_at(double x) const {
-        if constexpr (requires { D::kIntegers; }) x = counted(x);
+        if constexpr (IntegerFamily<D>) x = counted(x);
         return tails(base_, x);
     }
 
@@ -282,7 +280,7 @@ class Truncated {
     void set_limits() {
         if (kOwnBounds && bounded_) return;
         double least = lower_, most = upper_;
-        if constexpr (requires { D::kIntegers; }) {
+        if constexpr (IntegerFamily<D>) {
             const auto inwards = [](double end, double integer) {
                 return counts_as(end, std::round(end)) ? std::round(end) : integer;
             };

@@ -32,7 +32,7 @@ bool fail_fit(const std::string& message) {
 double natural_log_likelihood(const FittedFamily& family, const Parameters& parameters, const Sample& x,
                               const Bounds& bounds) {
     ++evaluation_count;
-    const double log = family.log_likelihood(parameters.data(), x, bounds.modifiers());
+    const double log = family.log_likelihood(parameters.data(), x, bounds.modifiers().limits());
     return log > -numerics::kInfinity && log < numerics::kInfinity ? log : -HUGE_VAL;
 }
 

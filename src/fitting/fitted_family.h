@@ -102,7 +102,7 @@ struct FittedFamily : Peculiarities {
     /// The likelihood needs statistics of the data, or counts, not the values one by one.
     bool summarised;
     /// The natural log-likelihood of values within the bounds; -inf where parameters are refused.
-    double (*log_likelihood)(const double* parameters, const Sample&, const Modifiers&);
+    double (*log_likelihood)(const double* parameters, const Sample&, const Limits&);
     bool (*values)(std::span<double> out, const double* parameters, const Modifiers&);
 };
 
@@ -117,19 +117,19 @@ template <Family D, int N>
 struct Member {
     static D of(const double* parameters) { return made_of<D>(parameters, std::make_index_sequence<N>()); }
 
-    static double log_likelihood(const double* parameters, const Sample& x, const Modifiers& given) {
+    static double log_likelihood(const double* parameters, const Sample& x, const Limits& limits) {
         const D d = of(parameters);
         if (pral::check_probability(d) != nullptr) return -HUGE_VAL;
-        if (const auto log_mass = log_window_mass(d, given); log_mass && within(x, d.support(), given))
+        if (const auto log_mass = log_window_mass(d, limits); log_mass && within(x, d.support(), limits))
             return pral::log_likelihood(d, x) - x.count() * *log_mass;
-        const Truncated<D> kept(d, true, given.limits());
+        const Truncated<D> kept(d, true, limits);
         if (!kept.ordered() || x.min() < kept.lower()) return -HUGE_VAL;
         return joint_density(x, x.min(), x.max(), kept, Scale::natural_log);
     }
     /// Whether the data lie between bounds that are values, of which the lower may be missing.
-    static bool within(const Sample& x, const Support& support, const Modifiers& given) {
-        const double lower = given.min_is_percentile() ? support.lower : std::max(support.lower, *given.min);
-        return x.min() >= lower && x.max() <= std::min(support.upper, *given.max);
+    static bool within(const Sample& x, const Support& support, const Limits& limits) {
+        const double lower = limits.min_is_percentile ? support.lower : std::max(support.lower, limits.min);
+        return x.min() >= lower && x.max() <= std::min(support.upper, limits.max);
     }
     static bool values(std::span<double> out, const double* parameters, const Modifiers& given) {
         return array_member(out, of(parameters), given);
@@ -142,11 +142,15 @@ struct Member {
 template <Family D, int N>
 constexpr FittedFamily fitted(std::string_view name, const std::array<Range, 4>& ranges,
                               Starts (*starts)(const StartData&), const Peculiarities& peculiarities = {}) {
-    return {peculiarities, name, N, ranges, starts, requires(const D& d, const Sample& x){d.log_likelihood(x);
-}
-|| requires { D::kIntegers; }
-, detail::Member<D, N>::log_likelihood, detail::Member<D, N>::values
-};  // namespace pral::fitting
+    constexpr bool kSummarised = SummarisedLikelihood<D> || IntegerFamily<D>;
+    return {peculiarities,
+            name,
+            N,
+            ranges,
+            starts,
+            kSummarised,
+            detail::Member<D, N>::log_likelihood,
+            detail::Member<D, N>::values};
 }
 
 /// The families by kin.

@@ -69,13 +69,13 @@ double log_sum_of_masses(const D& d, double first, double last) {
 /// ln(F(upper) - F(lower)) of a family for which a sum over the integers between is the quickest way to it; nothing for others,
 /// or where there are too many integers between the bounds, or none.
 template <Family D>
-std::optional<double> log_window_mass(const D& d, const Modifiers& given) {
+std::optional<double> log_window_mass(const D& d, const Limits& limits) {
     if constexpr (detail::SumsByRatio<D> || detail::SumsByMasses<D>) {
         constexpr double kMost = detail::SumsByMasses<D> ? 256 : 4096;
-        if (!given.bounded() || given.max_is_percentile() || d.point_mass()) return std::nullopt;
+        if (!limits.given || limits.max_is_percentile || d.point_mass()) return std::nullopt;
         const auto [least, most] = d.support();
-        const double after = given.min_is_percentile() ? -HUGE_VAL : counted(*given.min) + 1;
-        const double first = std::max(after, least), last = counted(*given.max);
+        const double after = limits.min_is_percentile ? -HUGE_VAL : counted(limits.min) + 1;
+        const double first = std::max(after, least), last = counted(limits.max);
         if (!(first <= last && last <= most && last - first < kMost && std::fabs(first) < 0x1p52))
             return std::nullopt;
         double log_mass = 0;

@@ -194,8 +194,8 @@ TEST(Families, ArraysEqualSingleCalls) {
     const double shift = 3, low = 0.2, high = 0.9999999, not_given = -1, quarter = 0.25;
     std::vector<Instance> all = instances();
     for (const char* name : {"Gamma", "Pearson5", "Beta", "Pearson6", "F", "LogGamma", "Weibull", "Burr"}) {
-        const ExportedFamily& f =
-            family(name);  // small shapes: most values are nearly 0, and none is negative
+        // Small shapes: most values are nearly 0, and none is negative.
+        const ExportedFamily& f = family(name);
         for (const double shape : {0.02, 0.003, 1e-4}) {
             all.push_back({&f, Parameters(f.parameters, 1.0)});
             all.back().parameters[f.name == "Burr" ? 2 : 0] = shape;

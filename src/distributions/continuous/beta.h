@@ -37,8 +37,8 @@ template <class Map, class Ratio = numerics::BetaRatio>
 struct OfUnitVariable {
     Ratio ratio;
     Map map;
-    bool
-        rounding_counts;  // with large parameters the rounding of B would cost their square root in ulps, or more
+    /// With large parameters the rounding of B would cost their square root in ulps, or more.
+    bool rounding_counts;
 
     Support support() const { return map.support(); }
     std::optional<double> point_mass() const { return std::nullopt; }

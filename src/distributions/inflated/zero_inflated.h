@@ -74,18 +74,15 @@ struct ZeroInflated {
     }
     std::optional<double> point_mass() const { return std::nullopt; }
 
-    std::optional<Moments> moments() const requires requires(const Base& b) { b.moments(); }
-    {
+    std::optional<Moments> moments() const requires HasMoments<Base> {
         const auto point = base.point_mass();
         const std::optional<Moments> of_base =
             point ? std::optional(Moments{*point, 0, 0, 0}) : base.moments();
         if (!of_base) return std::nullopt;
         return mixed(std::array{*of_base, Moments{0, 0, 0, 0}}, std::array{pi, 1 - pi});
     }
-    double moment_limit(Side side) const requires requires(const Base& b) { b.moment_limit(side); }
-    { return base.moment_limit(side); }
-    std::optional<double> mode() const requires requires(const Base& b) { b.mode(); }
-    {
+    double moment_limit(Side side) const requires HasMomentLimit<Base> { return base.moment_limit(side); }
+    std::optional<double> mode() const requires HasMode<Base> {
         const double of_base = base.point_mass().value_or(base.mode());
         return log_density(of_base) > log_density(0) ? of_base : 0;
     }

@@ -48,9 +48,8 @@ struct ZeroTruncated {
 
     /// The powers about the mean t of what is left are those of the base but for the zeros, (-t)^k each. With little left
     /// that cancels.
-    std::optional<Moments> moments() const requires requires(const Base& b) { b.moments(); }
-    {
-        constexpr bool heavy = requires { base.moment_limit(Side::upper); };
+    std::optional<Moments> moments() const requires HasMoments<Base> {
+        constexpr bool heavy = HasMomentLimit<Base>;
         if (not_zero_ < 0.05 && !heavy) return std::nullopt;
         const std::optional<Moments> of = base.moments();
         if (!of || zero_ == 0) return of;
@@ -62,10 +61,8 @@ struct ZeroTruncated {
             (m4 + 4 * d * m3 + 6 * d * d * v + d * d * d * d - zero_ * t * t * t * t) / not_zero_;
         return Moments{t, second, third / (second * std::sqrt(second)), fourth / (second * second) - 3};
     }
-    double moment_limit(Side side) const requires requires(const Base& b) { b.moment_limit(side); }
-    { return base.moment_limit(side); }
-    std::optional<double> mode() const requires requires(const Base& b) { b.mode(); }
-    {
+    double moment_limit(Side side) const requires HasMomentLimit<Base> { return base.moment_limit(side); }
+    std::optional<double> mode() const requires HasMode<Base> {
         const double of_base = std::max(base.mode(), 1.0), last = base.support().upper;
         const bool rises = last < numerics::kInfinity && log_density(last) > log_density(of_base);
         return rises ? last : of_base;
