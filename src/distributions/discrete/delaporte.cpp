@@ -30,8 +30,9 @@ class Convolution {
         if (!(log_unit_ > kLogWithoutDigits)) return log_unit_;  // what the others add would not show
         if (is_long) peak.j < kFewCounts ? one_by_one(std::floor(peak.j)) : by_panels(peak);
         double i = edge_ - 1;
-        while (i >= 0 && counts(term(i, k_ - i))) --i;
-        for (double first = 0; first < i && counts(term(first, k_ - first));) ++first;
+        while (i >= 0 && add(term(i, k_ - i))) --i;
+        double first = 0;
+        while (first < i && add(term(first, k_ - first))) ++first;
         return log_unit_ + std::log(sum_);
     }
 
@@ -47,8 +48,8 @@ class Convolution {
         return b_.log_density(count) + slope * rest + log_other_(i);
     }
     double term(double i, double j) const { return std::exp(log_term(i, j) - log_unit_); }
-    /// Adds a term and tells whether such a one matters.
-    bool counts(double term) {
+    /// Adds a term; true while such terms matter.
+    bool add(double term) {
         sum_ += term;
         return term > kNegligible * sum_;
     }
@@ -76,8 +77,8 @@ class Convolution {
     /// For few Poisson counts: one by one, from j on in both directions.
     void one_by_one(double j) {
         const double last = std::min(k_ - edge_, j + kMostTerms);
-        for (double up = j; up <= last && counts(term(k_ - up, up));) ++up;
-        for (double down = j - 1; down >= 0 && counts(term(k_ - down, down));) --down;
+        for (double up = j; up <= last && add(term(k_ - up, up));) ++up;
+        for (double down = j - 1; down >= 0 && add(term(k_ - down, down));) --down;
     }
 
     /// The integral over unit intervals around the integers from the peak on in both directions, in panels that are resolved
@@ -90,7 +91,7 @@ class Convolution {
                 const double length = std::min(panel_length(at, direction, stretch), left);
                 const double part = numerics::integrate(
                     length, 1, [&](double t) { return term(at.i + direction * t, at.j - direction * t); });
-                if (!counts(part)) break;
+                if (!add(part)) break;
                 at = {at.i + direction * length, at.j - direction * length};
                 left -= length;
             }

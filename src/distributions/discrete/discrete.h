@@ -83,61 +83,87 @@ class InversionWalk {
         return std::fabs(tail - target) < 1e-11 * target;
     }
 
+    /// Where the result lies: not below `low`, nor above `high`, and which of them the steps have found.
+    struct Bracket {
+        double low, high;
+        bool seen_low = false, seen_high = false;
+
+        void narrow(double k, bool is_short) {
+            (is_short ? low : high) = k;
+            (is_short ? seen_low : seen_high) = true;
+        }
+        bool complete() const { return seen_low && seen_high; }
+        bool contains(double k) const { return k > low && k < high; }
+    };
+    /// Newton's step at a place: the tail that guides it, how far that is from its target, and how far to go.
+    struct Newton {
+        double tail, log_ratio, distance;
+        bool is_short;
+
+        double size() const { return std::fabs(log_ratio); }
+        bool walkable() const { return std::fabs(distance) <= (size() < kStraight ? kWalk : 1); }
+    };
+    struct Pace {
+        double before = HUGE_VAL;  ///< the size of the last step
+        double stretch = 1;        ///< how much longer than Newton's the next one is
+    };
+    enum class Step { result, walk, next };
+
     /// Newton steps on the logarithm of the smaller tail, within the bracket that they leave, until the walk can do the
     /// rest; one that is no better than the one before is followed by a longer one, or by a halving. True when k is the
     /// result, as near as the tails themselves tell: with masses below their rounding no walk could settle it.
     bool approach(double& k, double& tail) const {
-        double low = bottom_, high = top_;  // the result is not below low, nor above high
-        double before = HUGE_VAL, stretch = 1;
-        bool seen_low = false, seen_high = false;
+        Bracket bracket{bottom_, top_};
+        Pace pace;
         for (int step = 0; step < kApproach; ++step) {
             if (step == kEndsFrom && at_an_end(k, tail)) return false;
-            const double target = lower_ ? p_ : q_;
-            // The side of the smaller tail guides the steps.
-            const bool mirrored = tail > kSmaller;
-            const double newton_tail = !mirrored ? tail : tail < kNearOne ? 1 - tail : other_tail_at(k);
-            const double log_ratio = std::log((mirrored ? 1 - target : target) / newton_tail);
-            const bool is_short = falls_short(tail);
-            const double next_mass = d_.log_density(is_short ? std::min(k + 1, top_) : k);
-            const double distance =
-                (lower_ != mirrored ? log_ratio : -log_ratio) * std::exp(std::log(newton_tail) - next_mass);
-            const bool walkable = std::fabs(distance) <= (std::fabs(log_ratio) < kStraight ? kWalk : 1);
-            const bool countable = std::fabs(k) < 0x1p53;
-            if ((walkable && countable) || std::isnan(tail)) return false;
-            const bool no_better = !(std::fabs(log_ratio) < 0.9 * before);
-            if (std::fabs(log_ratio) < (!no_better               ? kRounding
-                                        : std::fabs(k) < kFarOut ? kNoise
-                                                                 : kNoiseFarOut))
-                return true;
-            before = std::fabs(log_ratio);
-            if (newton_tail == 0 && !is_short && short_at(neighbour_below(k))) return true;
-            (is_short ? low : high) = k;
-            (is_short ? seen_low : seen_high) = true;
-            if (high - low <= kWalk) return false;
-            stretch = no_better ? kStretch * stretch * stretch : 1;
-            double next = moved(k, stretch * distance);
-            if (next == k) {  // beyond 2^53 integers have no neighbours
-                if (is_short) k = std::nextafter(k, top_);
-                return true;
-            }
-            if (next >= top_ && high == top_ && short_at(neighbour_below(top_))) {
-                k = top_;
-                return true;
-            }
-            const bool bracketed = seen_low && seen_high;
-            if (newton_tail == 0 && !bracketed) {  // a tail without digits has no slope
-                const double length = stretch * std::max<double>(kWalk, std::fabs(k) * 0x1p-50);
-                next = is_short ? k + length : k - length;
-            }
-            if ((no_better && bracketed) || !(next > low && next < high)) next = middle(low, high);
-            if (next <= low || next >= high) {
-                k = high;
-                return true;
-            }
-            k = next;
+            const Step outcome = advance(k, tail, bracket, pace);
+            if (outcome != Step::next) return outcome == Step::result;
             tail = tail_at(k);
         }
         return false;
+    }
+    Newton newton_at(double k, double tail) const {
+        const double target = lower_ ? p_ : q_;
+        // The side of the smaller tail guides the steps.
+        const bool mirrored = tail > kSmaller, is_short = falls_short(tail);
+        const double guide = !mirrored ? tail : tail < kNearOne ? 1 - tail : other_tail_at(k);
+        const double log_ratio = std::log((mirrored ? 1 - target : target) / guide);
+        const double next_mass = d_.log_density(is_short ? std::min(k + 1, top_) : k);
+        const double towards = lower_ != mirrored ? log_ratio : -log_ratio;
+        return {guide, log_ratio, towards * std::exp(std::log(guide) - next_mass), is_short};
+    }
+    /// One step of approach(): leaves k at the result, or at the next place.
+    Step advance(double& k, double tail, Bracket& bracket, Pace& pace) const {
+        const Newton newton = newton_at(k, tail);
+        const bool countable = std::fabs(k) < 0x1p53;
+        if ((newton.walkable() && countable) || std::isnan(tail)) return Step::walk;
+        const bool no_better = !(newton.size() < 0.9 * pace.before);
+        const double noise = std::fabs(k) < kFarOut ? kNoise : kNoiseFarOut;
+        if (newton.size() < (no_better ? noise : kRounding)) return Step::result;
+        if (newton.tail == 0 && !newton.is_short && short_at(neighbour_below(k))) return Step::result;
+        bracket.narrow(k, newton.is_short);
+        if (bracket.high - bracket.low <= kWalk) return Step::walk;
+        pace.before = newton.size();
+        pace.stretch = no_better ? kStretch * pace.stretch * pace.stretch : 1;
+        double next = moved(k, pace.stretch * newton.distance);
+        if (next == k) {  // beyond 2^53 integers have no neighbours
+            if (newton.is_short) k = std::nextafter(k, top_);
+            return Step::result;
+        }
+        if (next >= top_ && bracket.high == top_ && short_at(neighbour_below(top_))) {
+            k = top_;
+            return Step::result;
+        }
+        if (newton.tail == 0 && !bracket.complete()) {  // a tail without digits has no slope
+            const double length = pace.stretch * std::max<double>(kWalk, std::fabs(k) * 0x1p-50);
+            next = newton.is_short ? k + length : k - length;
+        }
+        if ((no_better && bracket.complete()) || !bracket.contains(next))
+            next = middle(bracket.low, bracket.high);
+        const bool exhausted = next <= bracket.low || next >= bracket.high;
+        k = exhausted ? bracket.high : next;
+        return exhausted ? Step::result : Step::next;
     }
     /// k moved by Newton's step. Long steps are those of the logarithm of the distance from the end of the support that k
     /// is nearer to: tails and masses there are like powers of it, if not of its exponential.
@@ -254,8 +280,8 @@ class InversionWalk {
     static constexpr double kStraight = 2;
     /// Steps after which the ends are tried, where most of the mass may be.
     static constexpr int kEndsFrom = 1;
-    /// Tails are not known better than to this relative error; steps that end within the next one go to and fro,
-    /// far out those within the last.
+    /// Tails are not known better than to this relative error; below kNoise (kNoiseFarOut beyond kFarOut) successive Newton
+    /// steps oscillate.
     static constexpr double kRounding = 4e-15, kNoise = 1e-12, kNoiseFarOut = 1e-9, kFarOut = 0x1p46;
     /// A larger tail is so flat that the other one guides Newton's steps.
     static constexpr double kSmaller = 0.7;
@@ -283,43 +309,23 @@ class InversionTable {
     static constexpr double kMostIntegers = 1 << 17, kMostForEach = 64;
     static constexpr std::size_t kFineness = 8;
 
-    /// For `count` percentiles from `begin` to `end`, tails that ascend in the integers, which the walk serves where they lie
-    /// beyond the table's end; valid() tells whether a table is worth while.
-    InversionTable(const D& d, Side side, double begin, double end, std::size_t count, bool least = false)
-        : d_(d), side_(side), least_(least), begin_(begin), first_(walk(begin)) {
-        double last = walk(end);
+    /// For `count` percentiles from `begin` to `end`, tails that ascend in the integers; the walk serves those that lie beyond
+    /// the table's end. None where a table is not worth while.
+    static std::optional<InversionTable> make(const D& d, Side side, double begin, double end,
+                                              std::size_t count, bool least = false) {
+        InversionTable table(d, side, begin, least);
+        double last = table.walk(end);
+        const double first = table.first_;
         const double room = std::min(kMostIntegers, kMostForEach * static_cast<double>(count));
-        if (!(last - first_ < room)) {
-            last = first_ + (room - 1);
+        if (!(last - first < room)) {
+            last = first + (room - 1);
             const double reached = side == Side::lower ? d.cumulative(last) : d.survival(last);
-            if (!(last - first_ < room && (reached - begin) / (end - begin) > 0.5)) return;
+            if (!(last - first < room && (reached - begin) / (end - begin) > 0.5)) return std::nullopt;
         }
-        tails_.resize(static_cast<std::size_t>(last - first_) + 1);
-        std::vector<double> mass(tails_.size());
-        if constexpr (requires { d.masses(first_, std::span(mass)); })
-            d.masses(first_, mass);
-        else
-            recur(mass);
-        // Each tail is summed inwards from its own end: sums of positive terms that lose nothing.
-        tails_.front().lower = d.cumulative(first_);
-        for (std::size_t i = 1; i < tails_.size(); ++i) tails_[i].lower = tails_[i - 1].lower + mass[i];
-        tails_.back().upper = d.survival(last);
-        for (std::size_t i = tails_.size() - 1; i > 0; --i) tails_[i - 1].upper = tails_[i].upper + mass[i];
-        // Where there are many percentiles a finer guide saves comparisons, whose outcome is hard to predict.
-        guide_.resize(std::bit_ceil(std::max(tails_.size(), std::min(kFineness * tails_.size(), count))));
-        per_unit_ = (static_cast<double>(guide_.size()) - 0.5) / (end - begin);
-        std::size_t i = 0;
-        for (std::size_t g = 0; g < guide_.size(); ++g) {
-            const double t = begin + static_cast<double>(g) / per_unit_;
-            const auto short_of = [&](std::size_t j) {
-                return side == Side::lower ? tails_[j].lower < t : tails_[j].upper > t;
-            };
-            while (i + 1 < tails_.size() && short_of(i)) ++i;
-            guide_[g] = static_cast<std::uint32_t>(i > 0 ? i - 1 : 0);  // one back: the guide rounds, too
-        }
+        table.sum_tails(last);
+        table.make_guide(end, count);
+        return table;
     }
-
-    bool valid() const { return !guide_.empty(); }
 
     double operator()(double t) const {
         // Up to here sums of lower tails tell percentiles apart as well as upper ones would, for one comparison less.
@@ -341,6 +347,37 @@ class InversionTable {
     }
 
   private:
+    InversionTable(const D& d, Side side, double begin, bool least)
+        : d_(d), side_(side), least_(least), begin_(begin), first_(walk(begin)) {}
+
+    void sum_tails(double last) {
+        tails_.resize(static_cast<std::size_t>(last - first_) + 1);
+        std::vector<double> mass(tails_.size());
+        if constexpr (requires { d_.masses(first_, std::span(mass)); })
+            d_.masses(first_, mass);
+        else
+            recur(mass);
+        // Each tail is summed inwards from its own end: sums of positive terms that lose nothing.
+        tails_.front().lower = d_.cumulative(first_);
+        for (std::size_t i = 1; i < tails_.size(); ++i) tails_[i].lower = tails_[i - 1].lower + mass[i];
+        tails_.back().upper = d_.survival(last);
+        for (std::size_t i = tails_.size() - 1; i > 0; --i) tails_[i - 1].upper = tails_[i].upper + mass[i];
+    }
+    void make_guide(double end, std::size_t count) {
+        // Where there are many percentiles a finer guide saves comparisons, whose outcome is hard to predict.
+        guide_.resize(std::bit_ceil(std::max(tails_.size(), std::min(kFineness * tails_.size(), count))));
+        per_unit_ = (static_cast<double>(guide_.size()) - 0.5) / (end - begin_);
+        std::size_t i = 0;
+        for (std::size_t g = 0; g < guide_.size(); ++g) {
+            const double t = begin_ + static_cast<double>(g) / per_unit_;
+            const auto short_of = [&](std::size_t j) {
+                return side_ == Side::lower ? tails_[j].lower < t : tails_[j].upper > t;
+            };
+            while (i + 1 < tails_.size() && short_of(i)) ++i;
+            guide_[g] = static_cast<std::uint32_t>(i > 0 ? i - 1 : 0);  // one back: the guide rounds, too
+        }
+    }
+
     double walk(double t) const {
         return side_ == Side::lower ? InversionWalk<D>(d_, t, least_)()
                                     : InversionWalk<D>(d_, 1 - t, t, false, least_)();
@@ -423,8 +460,8 @@ struct OnIntegers {
             const auto [least, most] = std::ranges::minmax(tails);
             const double begin = lower ? least : most, end = lower ? std::min(most, D::kLastPercentile)
                                                                    : std::max(least, 1 - D::kLastPercentile);
-            if (const InversionTable<D> table(self(), side, begin, end, tails.size()); table.valid()) {
-                for (double& t : tails) t = beyond_last(t) ? self().support().upper : table(t);
+            if (const auto table = InversionTable<D>::make(self(), side, begin, end, tails.size())) {
+                for (double& t : tails) t = beyond_last(t) ? self().support().upper : (*table)(t);
                 return;
             }
         }

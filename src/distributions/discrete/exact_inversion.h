@@ -105,10 +105,9 @@ void exact_inverses(const D& d, Side side, std::span<double> tails) {
         if (tails.size() >= kWorthATable) {
             const auto [least, most] = std::ranges::minmax(tails);
             const bool lower = side == Side::lower;
-            if (const InversionTable<D> table(d, side, lower ? least : most, lower ? most : least,
-                                              tails.size(), true);
-                table.valid()) {
-                for (double& t : tails) t = table(t);
+            const double begin = lower ? least : most, end = lower ? most : least;
+            if (const auto table = InversionTable<D>::make(d, side, begin, end, tails.size(), true)) {
+                for (double& t : tails) t = (*table)(t);
                 return;
             }
         }
