@@ -1,4 +1,4 @@
-// The aggregate claim amount of a portfolio as a distribution family, and the store of those already computed.
+// The aggregate claim amount of a portfolio as a distribution family.
 #pragma once
 
 #include <cstddef>
@@ -25,11 +25,20 @@ struct ComputedPortfolio {
     bool is_of(const Portfolio& portfolio, std::size_t of_order) const;
 };
 
+/// The objection to probabilities and numbers of policies that are none, or null.
+Message object_to_tables(const Portfolio& portfolio);
+
+/// By the recursion of that order; of a portfolio without objections.
+std::shared_ptr<const ComputedPortfolio> computed_portfolio(const Portfolio& portfolio, std::size_t order);
+
+inline constexpr Message kBaseMessage = "Error: base must be >0";
+
 /// The amount in money: `base` for each unit.
 class AggregateDePril {
   public:
-    /// The arguments as the library's callers give them.
-    AggregateDePril(const double* q, const double* policies, int m, int c, double base, const int* K);
+    AggregateDePril(std::shared_ptr<const ComputedPortfolio> computed, double base);
+    /// Of arguments that have been refused.
+    explicit AggregateDePril(Message objection) : objection_(objection), base_(1) {}
 
     Message check() const { return objection_; }
     Support support() const;
@@ -47,7 +56,7 @@ class AggregateDePril {
     double money(double units) const { return (units + computed_->certain) * base_; }
     double units(double x) const;
 
-    Message objection_ = nullptr;
+    Message objection_;
     double base_;
     std::shared_ptr<const ComputedPortfolio> computed_;
 };

@@ -7,7 +7,7 @@
 #include "classic/factor_memory.h"
 #include "classic/stream.h"
 #include "classic/vectors.h"
-#include "distributions/members.h"
+#include "classic/members.h"
 #include "matrix/matrix.h"
 #include "multivariate/count_samplers.h"
 #include "multivariate/densities.h"

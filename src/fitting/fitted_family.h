@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "distributions/members.h"
+#include "classic/members.h"
 #include "distributions/sample.h"
 #include "fitting/maximise.h"
 #include "fitting/window_sum.h"

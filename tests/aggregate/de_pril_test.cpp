@@ -8,9 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "aggregate/crc16.h"
-#include "aggregate/de_pril.h"
 #include "classic/core_api.h"
+#include "classic/crc16.h"
 #include "support/table.h"
 
 namespace {

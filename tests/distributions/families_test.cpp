@@ -11,7 +11,7 @@
 
 #include "classic/core_api.h"
 #include "distributions/families.h"
-#include "distributions/members.h"
+#include "classic/members.h"
 #include "support/accuracy.h"
 #include "support/table.h"
 
