@@ -3,7 +3,7 @@
 
 #include <fmt/format.h>
 
-#include <cfloat>
+#include <charconv>
 #include <cmath>
 
 #include "csv.h"
@@ -26,6 +26,13 @@ double parse_real(std::string_view text, std::string_view what) {
     return value;
 }
 
+std::optional<std::uint64_t> whole_number(std::string_view text) {
+    std::uint64_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
+    return value;
+}
+
 std::vector<double> parse_numbers(const std::string& text, std::string_view what) {
     if (text.starts_with('@')) {
         const auto colon = text.rfind(':');
@@ -41,13 +48,8 @@ std::vector<double> parse_numbers(const std::string& text, std::string_view what
 }
 
 std::string unmistakable(std::string argument) {
-    for (const std::string_view infinity : {"-infinity", "-inf"}) {
-        if (lower_case(argument).starts_with(infinity)) {
-            return argument.replace(0, infinity.size(), fmt::format("{}", -DBL_MAX));
-        }
-    }
-    if (argument.starts_with("-.")) argument.insert(1, "0");
-    return argument;
+    const bool number = argument.starts_with("-.") || lower_case(argument).starts_with("-inf");
+    return number ? ' ' + argument : argument;
 }
 
 }  // namespace cli

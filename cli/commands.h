@@ -1,15 +1,15 @@
-// The commands of pral: what each is told, and the function that carries it out. A command has a file of its own; main.cpp
-// alone knows how the options are spelt.
+// The commands of pral: what each is told, and the function that carries it out. A command has a file of its own;
+// command_line.cpp alone knows how the options are spelt.
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "csv.h"
-#include "families.h"
+#include "distribution.h"
 #include "output.h"
+#include "values.h"
 
 namespace cli {
 
@@ -19,26 +19,35 @@ struct ListOptions {
 };
 void list(const ListOptions& options);
 
-struct DescribeOptions {
-    std::string family;
+struct DescribeOptions : DistributionOptions {
+    std::vector<std::string> limits;  // of limited means
     Format format = Format::table;
 };
+/// A family by its name alone, otherwise a distribution.
 void describe(const DescribeOptions& options);
+void describe_family(const Family& family, Format format);
+void describe_distribution(const DescribeOptions& options);
 
-struct SampleOptions : FamilyOptions {
+struct SampleOptions : DistributionOptions {
     double count = 1;
     std::optional<double> seed;
+    std::optional<std::string> stream;
+    bool latin_hypercube = false;
+    Format format = Format::table;
 };
 void sample(const SampleOptions& options);
 
-struct QuantileOptions : FamilyOptions {
-    std::vector<std::string> percentiles;
+struct QuantileOptions : DistributionOptions {
+    ValueOptions percentiles;
+    bool upper = false, log = false;
+    Format format = Format::table;
 };
 void quantile(const QuantileOptions& options);
 
-struct ProbabilityOptions : FamilyOptions {
-    std::vector<std::string> values;
-    bool cumulative = false, log10 = false, joint = false;
+struct ProbabilityOptions : DistributionOptions {
+    ValueOptions values;
+    bool cumulative = false, survival = false, log = false, log10 = false, joint = false;
+    Format format = Format::table;
 };
 void probability(const ProbabilityOptions& options);
 

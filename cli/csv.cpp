@@ -209,7 +209,7 @@ bool first_row_has_names(const Row& first, const CsvRequest& request, const std:
     throw UsageError(
         fmt::format("{}: does the first row hold names or data? Not all of its cells are numbers, or none; "
                     "give the column "
-                    "by its name, or use --header yes or no with pral fit",
+                    "by its name, or use --header yes or no (not for tables @FILE)",
                     where));
 }
 
@@ -285,7 +285,7 @@ class Cells {
     }
 
     void end(const std::string& file) {
-        if (request_.purpose == Purpose::data && column_.missing > 0 && !request_.skip_missing)
+        if (request_.purpose != Purpose::table && column_.missing > 0 && !request_.skip_missing)
             throw UsageError(fmt::format("{}; {} of {} cells are missing (--skip-missing leaves them out)",
                                          gap_, column_.missing, column_.missing + column_.values.size()));
         if (column_.values.empty())
@@ -326,14 +326,14 @@ class Cells {
         std::string advice;
         if (grouping_of(cell) != Grouping::none) advice = "; thousands separators are not read";
         if (marked_number(cell, DecimalMark::comma))
-            advice += "; pral fit --decimal comma reads decimal commas";
+            advice += "; --decimal comma reads decimal commas (not in tables @FILE)";
         throw UsageError(fmt::format("{}: \"{}\" is not a number, or beyond the range of numbers{}", where,
                                      shown(cell), advice));
     }
 
     [[noreturn]] static void refuse_doubt(const Mark& mark) {
         throw UsageError(fmt::format(
-            "{} and its like may be decimals or thousands; pral fit --decimal comma or point reads decimals",
+            "{} and its like may be decimals or thousands; --decimal comma or point reads decimals",
             mark.example));
     }
 
@@ -367,9 +367,12 @@ std::string read_file(const std::string& file) {
     }
     std::istream& in = file == "-" ? std::cin : opened;
     std::string text;
+    constexpr std::size_t kLargest = std::size_t{1} << 31;
     std::vector<char> block(1 << 16);
-    while (in && in.read(block.data(), static_cast<std::streamsize>(block.size())).gcount() > 0)
+    while (in && in.read(block.data(), static_cast<std::streamsize>(block.size())).gcount() > 0) {
         text.append(block.data(), static_cast<std::size_t>(in.gcount()));
+        if (text.size() > kLargest) throw UsageError(fmt::format("{} is larger than 2 GB", shown(file)));
+    }
     if (!in.eof() || in.bad()) throw UsageError(fmt::format("cannot read the file {}", shown(file)));
     return text;
 }

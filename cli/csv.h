@@ -11,9 +11,9 @@ namespace cli {
 /// What stands before the digits behind the one.
 enum class DecimalMark { point, comma };
 
-/// What the column is for. Data are finite, and a cell that is empty or NA is missing. A table may hold "inf" and end
+/// What the column is for. In data and values a cell that is empty or NA is missing, and data are finite. A table may end
 /// before other columns do, but has no gaps.
-enum class Purpose { data, table };
+enum class Purpose { data, values, table };
 
 struct CsvRequest {
     std::string column =
@@ -34,7 +34,8 @@ struct CsvColumn {
     DecimalMark decimal = DecimalMark::point;
 };
 
-/// The text of a file, or of the standard input when it is "-". Read once, so that a pipe will do.
+/// The text of a file, or of the standard input when it is "-". Read once, so that a pipe will do; one without an end is
+/// refused.
 std::string read_file(const std::string& file);
 
 /// A column of a text whose fields are separated by commas, semicolons or tabs, in double quotes where needed (RFC 4180).

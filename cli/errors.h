@@ -1,9 +1,9 @@
 // The two ways in which a command fails, and their exit codes.
 #pragma once
 
-#include <stdexcept>
+#include <pral_core/core_api.h>
 
-#include "classic/core_api.h"
+#include <stdexcept>
 
 namespace cli {
 
@@ -14,7 +14,7 @@ struct UsageError : std::runtime_error {
     using runtime_error::runtime_error;
 };
 
-/// Turns the library's failure flag into an exception that holds its error text.
+/// Turns the failure flag of a classic call into an exception that holds its error text.
 inline void require(bool success) {
     if (!success) throw std::runtime_error(PralCoreError());
 }

@@ -1,5 +1,6 @@
 // pral fit: candidate families fitted to a column of numbers, the best first.
 #include <fmt/format.h>
+#include <pral_core/core_api.h>
 
 #include <algorithm>
 #include <array>
@@ -11,7 +12,7 @@
 #include <map>
 
 #include "arguments.h"
-#include "classic/core_api.h"
+#include "classic_table.h"
 #include "commands.h"
 #include "errors.h"
 #include "fit_table.h"
@@ -166,7 +167,7 @@ void fit(const FitOptions& options) {
     if (least == greatest && !std::ranges::all_of(candidates, discrete))
         throw UsageError(fmt::format("{}: all values are {}, too few for a continuous family",
                                      shown(options.file), number_text(least)));
-    if (options.timeout) PralSetFitTimeout(*options.timeout);
+    if (options.timeout) PralSetFitTimeout(classic_number(*options.timeout));
 
     Results results = fit_all(candidates, data);
     const auto& refused = results.refused;

@@ -1,8 +1,10 @@
 // The fits of the public header's list.
 #include "fit_table.h"
 
+#include <pral_core/automation.h>
+#include <pral_core/core_api.h>
+
 #include <algorithm>
-#include <cfloat>
 #include <cmath>
 #include <functional>
 #include <map>
@@ -10,8 +12,7 @@
 #include <new>
 #include <string>
 
-#include "classic/automation.h"
-#include "classic/core_api.h"
+#include "classic_table.h"
 #include "errors.h"
 
 namespace cli {
@@ -48,7 +49,7 @@ const std::map<std::string, FitFunction, std::less<>>& fit_functions() {
 /// To the fits a bound of 1e100 is one that was not given; `none` is the infinity that bounds nothing.
 double bound_or_none(const std::optional<double>& bound, double none) {
     constexpr double kNone = 1e100;
-    return bound.value_or(none) == none ? kNone : *bound;
+    return bound.value_or(none) == none ? kNone : classic_number(*bound);
 }
 
 }  // namespace
@@ -64,7 +65,7 @@ int free_parameters(const Family& family) {
 Fitted fit(const Family& family, const FitData& data) {
     const FitFunction function = fit_functions().at(family.name);
     const int n = static_cast<int>(data.values.size()), count = static_cast<int>(family.parameters.size());
-    const double min = bound_or_none(data.min, -DBL_MAX), max = bound_or_none(data.max, DBL_MAX);
+    const double min = bound_or_none(data.min, -INFINITY), max = bound_or_none(data.max, INFINITY);
     Fitted fitted = {std::vector<double>(family.parameters.size()), std::nullopt, 0};
     if (data.shift && function != fit_student3) fitted.shift = 0;
     double* const shift = fitted.shift ? &*fitted.shift : nullptr;

@@ -6,6 +6,7 @@
 
 #include "commands.h"
 #include "errors.h"
+#include "terminal.h"
 #include "text.h"
 
 namespace cli {
@@ -18,7 +19,7 @@ void list(const ListOptions& options) {
                                      joined(kinds, ", ", [](const std::string& kind) { return kind; })));
     }
     const std::string word = lower_case(options.search);
-    Rows rows(options.format, {"family", "kind", "parameters", "text"});
+    Rows rows(options.format, {"family", "kind", "parameters", "text"}, screen_width());
     for (const Family& family : families()) {
         const std::string names = parameter_names(family);
         const bool right_kind = options.kind.empty() || options.kind == family.kind;

@@ -76,7 +76,8 @@ void write(std::string_view text) {
     }
 }
 
-Rows::Rows(Format format, std::vector<std::string> columns) : format_(format), columns_(std::move(columns)) {
+Rows::Rows(Format format, std::vector<std::string> columns, std::size_t line_width)
+    : format_(format), columns_(std::move(columns)), line_width_(line_width) {
     if (format_ == Format::csv) add_csv({columns_.begin(), columns_.end()});
     for (const auto& column : columns_) widths_.push_back(column.size());
 }
@@ -135,6 +136,9 @@ void Rows::add_table(const std::vector<std::string>& row) {
         const bool right = i < is_number_.size() && is_number_[i];
         line += right ? fmt::format("{:>{}}", row[i], widths_[i]) : fmt::format("{:<{}}", row[i], widths_[i]);
     }
+    constexpr std::string_view kCut = "...";
+    if (line_width_ > kCut.size() && line.size() > line_width_)
+        line = line.substr(0, line_width_ - kCut.size()).append(kCut);
     line.erase(line.find_last_not_of(' ') + 1);
     line += '\n';
     buffer_.append(line);
@@ -153,6 +157,16 @@ void Rows::flush_table() {
 void Rows::write_buffer() {
     write({buffer_.data(), buffer_.size()});
     buffer_.clear();
+}
+
+void write_fields(Format format, const nlohmann::ordered_json& object) {
+    if (format == Format::json) return write(object.dump(2) + "\n");
+    Rows rows(format, {"field", "value"});
+    const auto flat = object.flatten();
+    for (const auto& [path, value] : flat.items())
+        rows.add(
+            {path.substr(1), value.is_number() ? Cell(value.get<double>()) : Cell(value.get<std::string>())});
+    rows.end();
 }
 
 }  // namespace cli

@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -30,6 +31,9 @@ std::string number_text(double value);
 /// The JSON text of a string.
 std::string json_text(const std::string& text);
 
+/// How wide a page of text is.
+inline constexpr std::size_t kPageWidth = 80;
+
 /// Writes to the standard output; a failure to write is an exception.
 void write(std::string_view text);
 
@@ -37,7 +41,8 @@ void write(std::string_view text);
 /// header. JSON: an array with one object a row; since JSON has no infinities, they are the strings "inf" and "-inf".
 class Rows {
   public:
-    Rows(Format format, std::vector<std::string> columns);
+    /// `line_width`: where the lines of a table are cut off, unless 0.
+    Rows(Format format, std::vector<std::string> columns, std::size_t line_width = 0);
     void add(const std::vector<Cell>& row);
     void end();
 
@@ -50,11 +55,15 @@ class Rows {
 
     Format format_;
     std::vector<std::string> columns_;
+    std::size_t line_width_;
     std::vector<bool> is_number_;
     std::vector<std::size_t> widths_;
     std::vector<std::vector<std::string>> waiting_;  // rows of a table whose widths are not settled
     bool settled_ = false, any_ = false;
     fmt::memory_buffer buffer_;
 };
+
+/// An object, as JSON, or as CSV with a row for each field.
+void write_fields(Format format, const nlohmann::ordered_json& object);
 
 }  // namespace cli

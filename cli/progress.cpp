@@ -6,27 +6,11 @@
 #include <algorithm>
 #include <cstdio>
 
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
+#include "terminal.h"
 
 namespace cli {
 
-namespace {
-
-bool standard_error_is_terminal() {
-#ifdef _WIN32
-    return _isatty(_fileno(stderr)) != 0;
-#else
-    return isatty(STDERR_FILENO) != 0;
-#endif
-}
-
-}  // namespace
-
-Progress::Progress(std::size_t steps) : steps_(steps), watched_(standard_error_is_terminal()) {}
+Progress::Progress(std::size_t steps) : steps_(steps), watched_(is_terminal(stderr)) {}
 
 Progress::~Progress() {
     draw("");

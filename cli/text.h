@@ -3,9 +3,7 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cfloat>
 #include <charconv>
-#include <cmath>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -37,17 +35,24 @@ inline std::string lower_case(std::string_view text) {
     return lower;
 }
 
-/// The number that a whole text is, none otherwise; "inf" and "-inf" are the library's DBL_MAX and -DBL_MAX.
+/// The number that a whole text is, none otherwise; "inf" and "nan" are numbers.
 inline std::optional<double> number(std::string_view text) {
     text = trimmed(text);
     if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
     double value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error != std::errc{} || end != text.data() + text.size()) return std::nullopt;
-    return std::isinf(value) ? std::copysign(DBL_MAX, value) : value;
+    return value;
 }
 
-/// Foreign text as a message shows it: its beginning, cut between two UTF-8 characters, nothing that drives a terminal.
+/// Foreign text without what drives a terminal.
+inline std::string printable(std::string text) {
+    std::ranges::replace_if(
+        text, [](unsigned char c) { return c < ' ' || c == 0x7F; }, '?');
+    return text;
+}
+
+/// The same as a message shows it: its beginning, cut between two UTF-8 characters.
 inline std::string shown(std::string_view text) {
     constexpr std::size_t longest = 60;
     const bool cut = text.size() > longest;
@@ -56,10 +61,29 @@ inline std::string shown(std::string_view text) {
         while (end > longest - 4 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
         text = text.substr(0, end);
     }
-    std::string plain(text);
-    std::ranges::replace_if(
-        plain, [](unsigned char c) { return c < ' ' || c == 0x7F; }, '?');
-    return plain + (cut ? "..." : "");
+    return printable(std::string(text)) + (cut ? "..." : "");
+}
+
+/// The text in lines that end before column `width`, broken at blanks, or where `glue` is another, such as ", ", behind it.
+/// All of them begin at column `indent`; the first has come so far already. `mark` ends every line that is broken.
+inline std::string wrapped(std::string_view text, std::size_t width, std::size_t indent = 0,
+                           std::string_view glue = " ", std::string_view mark = "") {
+    std::string all;
+    std::size_t column = indent;
+    for (const std::string_view part : split(text, glue.front())) {
+        if (column > indent && column + glue.size() + part.size() + 1 + mark.size() > width) {
+            all += trimmed(glue);
+            all += mark;
+            all += '\n' + std::string(indent, ' ');
+            column = indent;
+        } else if (!all.empty()) {
+            all += glue;
+            column += glue.size();
+        }
+        all += part;
+        column += part.size();
+    }
+    return all;
 }
 
 /// Joins what `text_of` makes of each element.

@@ -1,7 +1,7 @@
 """The companion as its users meet it: runs pral with the command lines below and looks at what it writes.
 
 check_pral.py PROGRAM...: PROGRAM may begin with an emulator. Works in tests/, where the CSV file is found.
-Expected values are known in closed form or were computed by mpmath with 40 digits.
+Expected values are known in closed form or were computed by mpmath with 40 digits; streams by NumPy.
 """
 
 import csv
@@ -39,8 +39,56 @@ VALUES = [
     ("prob Uniform 0 4 -x -8,-7 --shift -10 --cumulative", "x", [-8, -7]),
     (f"prob Uniform -4 4 -x {COLUMN}3", "density", [0.125] * 4),
     (f"prob Uniform 0 10 -x {COLUMN}few", "x", [7, 8]),  # a table may end before others
+    ("prob Normal 0 1 10 --survival", "survival", [7.619853024160526066e-24]),
+    ("prob Normal 0 1 40 -inf --survival --log", "log_survival", [-804.60844201375378817, 0]),
+    ("prob Normal 0 1 -x 1,2,3 --survival --joint", "joint_survival", [4.8723597001514137951e-6]),
+    ("prob Normal 0 1 -x 1 -x 2 --joint --log", "log_joint_density", [-4.3378770664093454836]),
+    ("prob Normal 0 1e-200 0,0,1e-198,1e-199 --joint", "joint_density", [0]),
+    ("prob Uniform 0 1e-200 -x 0,0,0 --joint --log10", "log10_joint_density", [600]),
+    ("prob 'Gamma(2, 3) within [1, 9] + 10' 12 15", "x", [12, 15]),
+    ("prob 'Gamma(2, 3) within [1, 9] + 10' 12 15 --cumulative", "cumulative", [0.13181215134932313363, 0.59731657510017887036]),
+    ("prob gamma 2 3 12 15 --min 1 --max 9 --shift 10 --survival", "survival", [0.86818784865067686637, 0.40268342489982112964]),
+    ("prob Poisson 3 2 --min 2", "density", [0.27975441674645920805]),  # both ends are kept
+    ("prob Uniform 0 4 --csv cli/losses.csv --column few --skip-missing --shift 5 --cumulative", "cumulative", [0.5, 0.75]),
+    ("quantile uniform 0 1 --csv cli/losses.csv --column probability", "quantile", [0.2, 0.4, 0.6, 0.8]),
+    ("quantile Normal 0 1 1e-20,1e-300 --upper", "quantile", [9.2623400897984075737, 37.047096299361199237]),
+    ("quantile Normal 0 1 -1000 --log", "quantile", [-44.61574773196940302]),
+    ("quantile Normal 0 1 -1000 -inf 0 --log --upper", "quantile", [44.61574773196940302, math.inf, -math.inf]),
+    ("sample Uniform 0 1 -n 3 --stream 42", "value", [0.08607763073528474, 0.14155732377913244, 0.27009303504774695]),
+    ("sample Uniform 0 1 -n 3 --stream 42/7", "value", [0.014469002847556589, 0.07336110440150223, 0.0565375011336019]),
+    ("sample 'Uniform(0, 1) + 0' -n 2 --stream 42/7/9", "value", [0.9561481682965401, 0.319656625179105]),
+    ("sample Uniform 0 1 --stream 18446744073709551615/4294967294", "value", [0.41223745940801015]),
     ("sample Uniform 3 3 -n 2", "value", [3, 3]),
+    ("sample Uniform 3 4 -n 0 --latin-hypercube", "value", []),
     ("sample Uniform 3 4 -n 0", "value", []),
+]
+
+# What stands on the standard input; command line; the values of x.
+PIPED = [
+    ("1 2\n3\n", "prob Normal 0 1", [1, 2, 3]),
+    ("value\n  -1.5\n 2\n", "prob Normal 0 1 -", [-1.5, 2]),
+    ("4\n", "prob 'Normal(0, 1)' -inf -", [-math.inf, 4]),
+    ("a;b\n1,5;2,5\n3,75;4,5\n", "prob Normal 0 1 --column b", [2.5, 4.5]),
+    ("5\n\n6\n", "prob Normal 0 1 -x 3,4 -x - --header no --skip-missing", [3, 4, 5, 6]),
+    ("inf 1e999\n", "prob Normal 0 1", None),
+    (" \n", "prob Normal 0 1", None),
+]
+
+# Distribution; fields of its description.
+DESCRIBED = [
+    ("Gamma 2 3", {"distribution": "Gamma(2, 3)", "kind": "continuous", "parameters/beta": 3, "support/upper": math.inf,
+                   "mean": 6, "variance": 18, "skewness": 2**0.5, "excess_kurtosis": 3, "mode": 3, "median": 5.0350409700499819602,
+                   "risk/0/value_at_risk": 0.44566422075979784792, "risk/0/expected_shortfall": 0.29339543580294687077,
+                   "risk/1/value_at_risk": 1.0660845320959861901, "risk/1/expected_shortfall": 0.68919345098301241506,
+                   "risk/2/value_at_risk": 14.231593555171731901, "risk/2/expected_shortfall": 17.753889996947937958,
+                   "risk/3/value_at_risk": 19.915056203981433742, "risk/3/expected_shortfall": 23.307811077453499348}),
+    ("'Gamma(2, 3) within [1, 9]' --limit 5,9", {
+        "mean": 4.5382598645277840062, "variance": 4.5661856910633794261, "standard_deviation": 2.1368635171819887257,
+        "skewness": 0.27049444737785394739, "excess_kurtosis": -0.97415356068350167822, "support/lower": 1,
+        "limited_means/0/mean": 3.8318150431370656461, "limited_means/1/mean": 4.5382598645277840062}),
+    ("Cauchy 0 1", {"mean": math.nan, "variance": math.nan, "risk/1/expected_shortfall": -math.inf, "median": 0}),
+    ("Pareto 1.5 2 --shift 1", {"mean": 7, "variance": math.inf, "standard_deviation": math.inf, "skewness": math.nan}),
+    ("Discrete 1,2,3 0.25,0.5,0.25", {"parameters/values/2": 3, "mean": 2, "variance": 0.5, "mode": 2, "skewness": 0}),
 ]
 
 # Command line; the best families; numbers of the first. Closed forms; LognormalE as R's fitdistrplus 1.1.8 has it.
@@ -60,10 +108,11 @@ FITS = [
 
 # Command line; exit code; what stands on the standard error.
 REFUSALS = [
-    ("sample Normal 0 -1", 1, "Error: sigma must be >= 0\n"),
-    ("prob Normal 0 nan -x 1", 1, "Error: sigma must be >= 0\n"),
-    ("quantile Normal 0 1 -u 1.5", 1, "Error: U must be between [0,1]\n"),
-    ("sample Normal 0 1 --min 1 --max 0", 1, "PralXBounds error: MinX(1) must be <= MaxX(0)\n"),
+    ("sample Normal 0 -1", 1, "Normal: sigma must be >= 0\n"),
+    ("sample Normal 0 -1 --seed 1", 1, "Error: sigma must be >= 0\n"),
+    ("prob Normal 0 nan -x 1", 1, "Normal: sigma must be >= 0\n"),
+    ("quantile Normal 0 1 -u 1.5", 2, "between 0 and 1, not at 1.5"),
+    ("sample Normal 0 1 --min 1 --max 0", 1, "no probability lies between the bounds\n"),
     ("", 2, "a command is wanted"),
     ("frobnicate", 2, "there is no command frobnicate"),
     ("sample Norml 0 1", 2, 'there is no family "Norml"; did you mean Normal?'),
@@ -73,7 +122,30 @@ REFUSALS = [
     ("sample Normal 0 1 --seed -1", 2, "a whole number"),
     ("sample Normal 0 1 --format xml", 2, "table, csv or json"),
     ("sample Normal 0 1 --min 0 --min-percentile 0.1", 2, "not both"),
-    ("quantile Normal 0 1", 2, "--percentile is required"),
+    ("quantile Normal 0 1", 2, "the standard input is empty"),
+    ("quantile Normal 0 1 nan", 2, "not at nan"),
+    ("quantile Normal 0 1 0.5 --log", 2, "is 0 at most, not 0.5"),
+    ("prob 'Gamma(2, 3' 1", 2, "expected ')' at character 11"),
+    ("prob 'Gamna(2, 3)' 1", 2, 'there is no family "Gamna"; did you mean Gamma'),
+    ("prob 'Gamma(2, -3)' 1", 1, "Gamma: beta must be >= 0\n"),
+    ("prob 'No\x1b[1m(2)' 1", 2, "expected"),
+    ("prob Normal 0 1 1 -x 1", 2, "in one place only"),
+    ("prob Normal 0 1 1 --column 2", 2, "are for --csv FILE and the standard input"),
+    ("prob Normal 0 1 1 --cumulative --survival", 2, "only one of them"),
+    ("prob Normal 0 1 1 --log --log10", 2, "only one of them"),
+    ("prob Normal 0 1 --csv cli/losses.csv --column few", 2, "(--skip-missing leaves them out)"),
+    ("sample 'Normal(0, 1)' 2", 2, "is the whole distribution"),
+    ("sample Normal 0 1 2", 2, "Normal takes 2 parameters (mu, sigma), not 3"),
+    ("sample 'Normal(0, 1)' --seed 1", 2, "--stream draws from any distribution"),
+    ("sample Normal 0 1 --seed 1 --stream 1", 2, "only one of them"),
+    ("sample Normal 0 1 --stream worker", 2, "a seed"),
+    ("sample Normal 0 1 --stream 18446744073709551616", 2, "a seed"),
+    ("sample Normal 0 1 --stream 1//2", 2, 'not ""'),
+    ("sample Normal 0 1 --stream 1/-2", 2, 'not "-2"'),
+    ("sample Normal 0 1 --stream 1/4294967295", 2, "below 4294967295"),
+    ("sample Normal 0 1 -n 1e12 --latin-hypercube", 2, "100000000 values are the most"),
+    ("sample Normal 0 1 -n 1e99", 2, "a whole number"),
+    ("describe Gamma --limit 5", 2, "Gamma takes 2 parameters (alpha, beta), not 0"),
     ("quantile Normal 0 1 -u -1", 2, "between 0 and 1"),
     ("prob Normal 0 1 -x @cli/absent.csv", 2, "cannot read the file cli/absent.csv"),
     (f"prob Normal 0 1 -x {COLUMN}gain", 2, "has no column gain"),
@@ -188,6 +260,57 @@ def check_refusal(line, code, text):
     assert (error == text) if code == 1 else (error.startswith("pral: ") and text in error), error
 
 
+def check_piped(text, line, expected):
+    code, output, error = run(f"{line} --format csv", text)
+    if expected is None:
+        assert (code, output) == (2, "") and error.startswith("pral: "), (code, output, error)
+    else:
+        assert code == 0 and [float(row["x"]) for row in read_back(output, "csv")] == expected, (output, error)
+
+
+def check_described(line, expected):
+    """JSON and CSV have all digits and one name a field; the page has words for what is no number."""
+    object = json.loads(output_of(f"describe {line} --format json"))
+    fields = {row["field"]: row["value"] for row in read_back(output_of(f"describe {line} --format csv"), "csv")}
+    for path, value in expected.items():
+        found = object
+        for key in path.split("/"):
+            found = found[int(key) if key.isdigit() else key]
+        assert str(found) == fields[path] or float(found) == float(fields[path]) or found == "nan", (path, fields[path])
+        if isinstance(value, str):
+            assert found == value, (path, found)
+        else:
+            same = math.isclose(float(found), value, rel_tol=1e-12, abs_tol=1e-15)
+            assert same or (math.isnan(value) and found == "nan"), (path, found)
+    page = output_of(f"describe {line}")
+    moments = dict(re.findall(r"^  (mean|variance) +(.*)$", page, re.M))
+    for name, word in moments.items():
+        value = float(object[name])
+        assert word == ("undefined" if math.isnan(value) else "infinite" if math.isinf(value) else f"{value:.10g}"), page
+    assert max(map(len, page.splitlines())) <= 80, page
+
+
+def check_streams():
+    """Names of children are kept apart; a Latin hypercube has one value in each slice, in an order that is drawn."""
+    draw = lambda options: output_of(f"sample Uniform 0 1 -n 40 --format csv {options}").split()[1:]
+    names = "1", "1/1", "1/a", "1/b", "1/a/1", "1/1/a", "2"
+    assert len({draw(f"--stream {name}")[0] for name in names}) == len(names)
+    assert draw("--stream 1/a") == draw("--stream 1/a") and draw("") != draw("")
+    slices = [int(40 * float(value)) for value in draw("--stream 1/a --latin-hypercube")]
+    assert sorted(slices) == list(range(40)) and slices != sorted(slices), slices
+    assert draw("--latin-hypercube") != draw("--latin-hypercube")
+
+
+def check_broken_pipe():
+    """A reader that has seen enough ends an endless sample."""
+    sample = subprocess.Popen(PROGRAM + "sample Normal 0 1 -n 1e15 --format csv".split(), stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE)
+    assert sample.stdout.readline().strip() == b"value"
+    sample.stdout.close()
+    assert sample.wait(timeout=60) != 0
+    sample.stderr.close()
+
+
 def fitted(line, form, text=""):
     """The rows of a fit, and the line before them: beside what programs read it is on the standard error."""
     code, output, error = run(f"{line} --format {form}", text)
@@ -281,7 +404,8 @@ def check_list_and_describe():
         'Declare PtrSafe Function PralNormal_Core Lib "pral_core.dll" (ByRef out As Double, ByVal mu As Double, '
         "ByVal sigma As Double, ByRef U As Any, ByRef boundsMode As Any, ByRef boundsMin As Any, "
         "ByRef boundsMax As Any, ByRef shift As Any) As Byte"), normal["visual_basic"]
-    assert normal["prototypes"][0] in output_of("describe Normal")
+    assert normal["prototypes"][0] in " ".join(output_of("describe Normal").split())
+    assert max(map(len, output_of("describe Normal").splitlines())) <= 80
     assert ["support", "all reals"] in list(csv.reader(io.StringIO(output_of("describe Normal --format csv"))))
 
 
@@ -312,15 +436,17 @@ def check_version_and_help():
     assert re.fullmatch(r"pral_core \d+\.\d+\.\d+\n", output_of("--version"))
     assert output_of("version") == output_of("--version")
     for command in ("", "list ", "describe ", "sample ", "quantile ", "prob ", "fit "):
-        assert f"Usage: pral {command}[OPTIONS]" in output_of(command + "--help")
+        text = output_of(command + "--help")
+        assert f"Usage: pral {command}[OPTIONS]" in text and max(map(len, text.splitlines())) <= 80, text
 
 
 def main():
     checks = [(check_values, row) for row in VALUES] + [(check_refusal, row) for row in REFUSALS]
     checks += [(check_fits, row) for row in FITS] + [(check_column, row) for row in COLUMNS]
-    checks += [(check_unreadable, row) for row in UNREADABLE]
+    checks += [(check_unreadable, row) for row in UNREADABLE] + [(check_piped, row) for row in PIPED]
+    checks += [(check_described, row) for row in DESCRIBED]
     checks += [(check, ()) for check in (check_criteria, check_ranking, check_progress, check_list_and_describe, check_search,
-                                         check_samples, check_version_and_help)]
+                                         check_samples, check_streams, check_broken_pipe, check_version_and_help)]
     failures = 0
     for check, row in checks:
         try:

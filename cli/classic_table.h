@@ -1,5 +1,4 @@
-// The families as data: what the public header's list says of each, and its functions behind one signature, so that the
-// commands can call any of them with what stands on the command line.
+// The classic calls of the families behind one signature: the samples that a seed gives, and the declarations in C.
 #pragma once
 
 #include <cfloat>
@@ -15,12 +14,6 @@
 
 namespace cli {
 
-/// A parameter of a family: a number, or a table (a pointer and a count in C).
-struct Parameter {
-    std::string name;
-    bool is_table;
-};
-
 /// One element per parameter: the number alone, or all of the table.
 using Arguments = std::vector<std::vector<double>>;
 
@@ -31,19 +24,17 @@ struct Modifiers {
     std::optional<double> shift;
 };
 
-struct Family {
-    std::string name, kind, text;
-    std::vector<Parameter> parameters;
+struct ClassicFamily {
+    std::string name;
     std::vector<std::string> prototypes;  // of the five members, in C
-    std::function<bool(double* out, const Arguments&, const double* U, const Modifiers&)> value;
     std::function<bool(double* out, int count, const Arguments&, const Modifiers&)> array;
-    using Probability = std::function<bool(double* out, double* x, int count, const Arguments&,
-                                           const int* cumulative, const Modifiers&)>;
-    Probability probability, log10_probability;
 };
 
-/// "(double Min, const double* values, int n)" -> Min, and the table values.
-std::vector<Parameter> parse_parameters(std::string_view list);
+/// The classic calls of the family of that name; null when it has none.
+const ClassicFamily* find_classic(std::string_view name);
+
+/// What a number is to the classic calls: their infinities are DBL_MAX and -DBL_MAX.
+double classic_number(double value);
 
 /// The declarations of a family, as the header's macro makes them, one by one.
 std::vector<std::string> split_prototypes(std::string_view declarations);
@@ -91,44 +82,22 @@ bool call(bool (*function)(Types...), const Lead& lead, const Arguments& argumen
     (std::make_index_sequence<sizeof...(Types) - first - std::tuple_size_v<Tail>>());
 }
 
-template <class Value, class Array, class Probability>
-Family make_family(std::string_view name, std::string_view kind, std::string_view text,
-                   std::string_view parameters, std::string_view declarations, Value value, Array array,
-                   Probability probability, Probability log10_probability) {
-    const auto probability_caller = [](Probability function) {
-        return [function](double* out, double* x, int count, const Arguments& arguments,
-                          const int* cumulative, const Modifiers& modifiers) {
-            return call(function, std::tuple(out, x, count), arguments,
-                        std::tuple_cat(std::tuple(cumulative), modifier_tail(modifiers)));
-        };
-    };
-    Family family;
-    family.name = name;
-    family.kind = kind;
-    family.text = text;
-    family.parameters = parse_parameters(parameters);
-    family.prototypes = split_prototypes(declarations);
-    family.value = [value](double* out, const Arguments& arguments, const double* U,
-                           const Modifiers& modifiers) {
-        return call(value, std::tuple(out), arguments,
-                    std::tuple_cat(std::tuple(U), modifier_tail(modifiers)));
-    };
-    family.array = [array](double* out, int count, const Arguments& arguments, const Modifiers& modifiers) {
+template <class Array>
+ClassicFamily make_classic(std::string_view name, std::string_view declarations, Array array) {
+    const auto sample = [array](double* out, int count, const Arguments& arguments,
+                                const Modifiers& modifiers) {
         const double* const drawn = nullptr;
         return call(array, std::tuple(out, count), arguments,
                     std::tuple_cat(std::tuple(drawn), modifier_tail(modifiers)));
     };
-    family.probability = probability_caller(probability);
-    family.log10_probability = probability_caller(log10_probability);
-    return family;
+    return {std::string(name), split_prototypes(declarations), sample};
 }
 
 /// A PRAL_FAMILY that makes one element of a list of families. The prototypes are the header's own declarations as text.
 #define PRAL_LITERAL(...) #__VA_ARGS__
 #define PRAL_EXPANDED(...) PRAL_LITERAL(__VA_ARGS__)
-#define PRAL_FAMILY_ELEMENT(X, KIND, KIN, PARAMETERS, TEXT)                                              \
-    cli::make_family(#X, #KIND, TEXT, #PARAMETERS,                                                       \
-                     PRAL_EXPANDED(PRAL_DECLARE_FAMILY(X, KIND, KIN, PARAMETERS, TEXT)), Pral##X##_Core, \
-                     Pral##X##Array_Core, Pral##X##Prob_Core, Pral##X##Prob10_Core),
+#define PRAL_FAMILY_ELEMENT(X, KIND, KIN, PARAMETERS, TEXT)                                   \
+    cli::make_classic(#X, PRAL_EXPANDED(PRAL_DECLARE_FAMILY(X, KIND, KIN, PARAMETERS, TEXT)), \
+                      Pral##X##Array_Core),
 
 }  // namespace cli
