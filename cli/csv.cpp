@@ -367,11 +367,11 @@ std::string read_file(const std::string& file) {
     }
     std::istream& in = file == "-" ? std::cin : opened;
     std::string text;
-    constexpr std::size_t kLargest = std::size_t{1} << 31;
+    constexpr std::size_t kLargest = std::size_t{1} << 30;
     std::vector<char> block(1 << 16);
     while (in && in.read(block.data(), static_cast<std::streamsize>(block.size())).gcount() > 0) {
         text.append(block.data(), static_cast<std::size_t>(in.gcount()));
-        if (text.size() > kLargest) throw UsageError(fmt::format("{} is larger than 2 GB", shown(file)));
+        if (text.size() > kLargest) throw UsageError(fmt::format("{} is larger than 1 GB", shown(file)));
     }
     if (!in.eof() || in.bad()) throw UsageError(fmt::format("cannot read the file {}", shown(file)));
     return text;

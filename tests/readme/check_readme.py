@@ -5,6 +5,7 @@ Usage: check_readme.py README.md C_COMPILER CXX_COMPILER INCLUDE_DIR LIBRARY_DIR
 import math
 import os
 import re
+import shlex
 import subprocess
 import sys
 import tempfile
@@ -57,7 +58,7 @@ def main():
     commands = re.findall(r"^    \$ pral (.*)\n((?:    [^$].*\n)*)", text, re.M)
     assert commands, "README.md shows no command line of pral"
     for arguments, told in commands:
-        printed = run([pral, *arguments.split()], cwd=os.path.dirname(readme)).strip()
+        printed = run([pral, *shlex.split(arguments)], cwd=os.path.dirname(readme)).strip()
         assert printed and (not told or same(printed, told)), f"pral {arguments} printed\n{printed}"
 
 
