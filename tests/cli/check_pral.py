@@ -18,7 +18,7 @@ PROGRAM = sys.argv[1:]
 COLUMN = "@cli/losses.csv:"
 LOSSES, KICKS, FIRES = "fit cli/losses.csv", "fit ../examples/horse_kicks.csv", "fit ../examples/danish_fire_losses.csv"
 
-# Command line; column that is looked at; its values.
+# Command line; column that is looked at; its values; how far they may be off, unless 2e-15.
 VALUES = [
     ("quantile Normal 0 1 -u 0.975", "quantile", [1.9599639845400542]),
     ("quantile Normal 0 1 -u 0.975 --min 0", "quantile", [2.2414027276049454]),
@@ -43,7 +43,8 @@ VALUES = [
     ("prob Normal 0 1 40 -inf --survival --log", "log_survival", [-804.60844201375378817, 0]),
     ("prob Normal 0 1 -x 1,2,3 --survival --joint", "joint_survival", [4.8723597001514137951e-6]),
     ("prob Normal 0 1 -x 1 -x 2 --joint --log", "log_joint_density", [-4.3378770664093454836]),
-    ("prob Normal 0 1e-200 0,0,1e-198,1e-199 --joint", "joint_density", [0]),
+    # Densities of 1e200 come from their logarithms, which have three digits less behind the point.
+    ("prob 'Mixture(0.5: Uniform(0, 1e-200), 0.5: Uniform(1, 1e200))' 0,0,2,2 --joint", "joint_density", [0.0625], 2e-13),
     ("prob Uniform 0 1e-200 -x 0,0,0 --joint --log10", "log10_joint_density", [600]),
     ("prob 'Gamma(2, 3) within [1, 9] + 10' 12 15", "x", [12, 15]),
     ("prob 'Gamma(2, 3) within [1, 9] + 10' 12 15 --cumulative", "cumulative", [0.13181215134932313363, 0.59731657510017887036]),
@@ -247,11 +248,11 @@ def read_back(output, form):
     return [dict(zip(columns, line.split(maxsplit=len(columns) - 1), strict=True)) for line in lines]
 
 
-def check_values(line, column, expected):
+def check_values(line, column, expected, tolerance=2e-15):
     for form in ("csv", "json", "table"):
         found = [float(row[column]) for row in read_back(output_of(f"{line} --format {form}"), form)]
         assert len(found) == len(expected), (form, found)
-        assert all(math.isclose(a, b, rel_tol=2e-15) for a, b in zip(found, expected)), (form, found)
+        assert all(math.isclose(a, b, rel_tol=tolerance) for a, b in zip(found, expected)), (form, found)
 
 
 def check_refusal(line, code, text):
