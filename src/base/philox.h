@@ -28,7 +28,7 @@ class PhiloxStream {
     /// As many successive uniforms as `out` has elements.
     void fill(std::span<double> out);
 
-    /// Where the stream stands: how many words have been drawn, as 256 + 2 bits would count them.
+    /// Where the stream stands: the counter of the last block made, and the place in it.
     struct Position {
         std::array<std::uint64_t, 4> counter;
         std::uint64_t next;

@@ -8,9 +8,9 @@
 
 namespace pral {
 
-/// Trials whose probability p, 0 < p < 1, is a/2^m with integers a and m, as that of every double is (another p has no exact
-/// sums). The probability of up
-/// to k successes among n is the integer sum of C(n, j) a^j b^(n - j) over j <= k, b = 2^m - a, in units of 2^(-m n).
+/// Trials whose probability p, 0 < p < 1, is a/2^m with integers a and m, as that of every double is (another p has no
+/// exact sums). The probability of up to k successes among n is the integer sum of C(n, j) a^j b^(n - j) over j <= k,
+/// b = 2^m - a, in units of 2^(-m n).
 class DyadicTrials {
   public:
     explicit DyadicTrials(double p) {
