@@ -42,7 +42,7 @@ double InvGauss::upper_ratio(double a, double gap) const {
 
 double InvGauss::cumulative(double x) const {
     const double a = score_.inverse(x), b = reflected_score(x);
-    const double reflected = normal_density(a) * normal_mills_ratio(b);
+    const double density = normal_density(a), reflected = density > 0 ? density * normal_mills_ratio(b) : 0;
     return normal_cumulative(a) + reflected;
 }
 
@@ -64,6 +64,7 @@ double InvGauss::log_cumulative(double x) const {
 double InvGauss::log_survival(double x) const {
     const double a = score_.inverse(x);
     if (a < -3) return log1p_fn(-cumulative(x));
+    if (a > 1e8) return -0.5 * a * a;  // beyond all else
     return -0.5 * a * a - kLnSqrt2Pi + std::log(upper_ratio(a, gap(x)));
 }
 

@@ -110,7 +110,7 @@ class InvGauss {
 };
 
 /// The absolute value of a standard normal variable.
-struct HalfNormal {
+struct StandardHalfNormal {
     Support support() const { return kPositiveReals; }
     double cumulative(double y) const {
         return y < 1 ? numerics::erf(y * std::numbers::sqrt2 / 2) : 1 - survival(y);
@@ -123,6 +123,21 @@ struct HalfNormal {
     double log_density(double y) const { return numerics::kLn2 - numerics::kLnSqrt2Pi - 0.5 * y * y; }
     double quantile(double p) const { return numerics::normal_quantile_from_median(0.5 * p); }
     double quantile_upper(double q) const { return numerics::normal_quantile_upper(0.5 * q); }
+    Moments moments() const {
+        constexpr double kPi = numerics::kPi;
+        return {std::sqrt(2 / kPi), 1 - 2 / kPi, std::numbers::sqrt2 * (4 - kPi) / std::pow(kPi - 2, 1.5),
+                8 * (kPi - 3) / ((kPi - 2) * (kPi - 2))};
+    }
+    double mode() const { return 0; }
+};
+
+/// Scale sigma >= 0, 0 being a point mass at 0; support [0, inf): the absolute value of Normal(0, sigma).
+struct HalfNormal : LocationScale<StandardHalfNormal> {
+    explicit HalfNormal(double sigma) : LocationScale(0, sigma) {}
+    Message check() const {
+        if (!(scale >= 0)) return "Error: sigma must be >= 0";
+        return nullptr;
+    }
 };
 
 /// x = a + c/y^2.
@@ -139,7 +154,7 @@ struct LevyMap {
 
 /// Scale c >= 0, 0 being a point mass at a, location a; support [a, inf). F = erfc(sqrt(c/(2 (x - a)))): the first passage
 /// without drift, sqrt(c/(x - a)) being half normal.
-struct Levy : Transformed<HalfNormal, LevyMap> {
+struct Levy : Transformed<StandardHalfNormal, LevyMap> {
     Levy(double c, double a) : Transformed{{}, {c, a}} {}
     Message check() const {
         if (!(map.c >= 0)) return "Error: c must be >=0";

@@ -125,8 +125,12 @@ struct Lifetime3 : Transformed<StandardExponential, QuadraticHazard> {
 struct ExponentialHazard {
     double A, B;
 
-    ExponentialHazard(double A_, double B_) : A(A_), B(B_), start_(std::exp(A_)) {
-        if (B_ > 0 && B_ <= DBL_MAX) log_B_ = numerics::extended_log({B_, 0});
+    ExponentialHazard(double A_, double B_) : ExponentialHazard(A_, B_, std::exp(A_), 0) {}
+    /// Of the rate `start` at 0.
+    static ExponentialHazard from(double start, double B) {
+        if (!(start > 0 && start <= DBL_MAX)) return {std::log(start), B, start, 0};
+        const numerics::DoubleDouble log = numerics::extended_log({start, 0});
+        return {log.hi, B, start, log.lo};
     }
 
     double inverse(double t) const {
@@ -146,7 +150,7 @@ struct ExponentialHazard {
                 : numerics::DoubleDouble{
                       growth < 1e-17 ? std::log(B) + std::log(t) : std::log(numerics::expm1_fn(growth)), 0};
         return numerics::scaled_exp(
-            1, numerics::add(numerics::add({A, 0}, log_growth), numerics::negated(log_B_)));
+            1, numerics::add(numerics::add({A, A_rest_}, log_growth), numerics::negated(log_B_)));
     }
     double forward(double y) const {
         if (start_ > DBL_MAX) return std::exp(std::log(y) - A);  // nothing outlives so high a rate for long
@@ -158,7 +162,12 @@ struct ExponentialHazard {
     double log_slope(double t) const { return A + B * t; }
 
   private:
-    double start_;
+    ExponentialHazard(double A_, double B_, double start, double A_rest)
+        : A(A_), B(B_), start_(start), A_rest_(A_rest) {
+        if (B_ > 0 && B_ <= DBL_MAX) log_B_ = numerics::extended_log({B_, 0});
+    }
+
+    double start_, A_rest_;
     numerics::DoubleDouble log_B_ = {numerics::kNaN, 0};
 };
 
@@ -171,6 +180,21 @@ struct LifetimeExp : Transformed<StandardExponential, ExponentialHazard> {
     }
     double mode() const { return std::max((std::log(map.B) - map.A) / map.B, 0.0); }
     Support support() const { return kPositiveReals; }
+};
+
+/// Hazard rate a e^(b x), a > 0, b > 0; support [0, inf). F = 1 - exp(-a (e^(b x) - 1)/b).
+struct Gompertz : Transformed<StandardExponential, ExponentialHazard> {
+    Gompertz(double a, double b) : Transformed{{}, ExponentialHazard::from(a, b)}, rate_(a) {}
+    Message check() const {
+        if (!(rate_ > 0)) return "Error: a must be > 0";
+        if (!(map.B > 0)) return "Error: b must be > 0";
+        return nullptr;
+    }
+    double mode() const { return rate_ < map.B ? numerics::log_ratio(map.B, rate_) / map.B : 0; }
+    Support support() const { return kPositiveReals; }
+
+  private:
+    double rate_;
 };
 
 }  // namespace pral

@@ -39,6 +39,64 @@ struct ScaledExpm1 {
     }
 };
 
+/// Map: x = beta (e^(xi y) - 1)/xi, beta y for xi = 0.
+struct ExcessMap {
+    double beta, xi;
+
+    double forward(double y) const {
+        const double exponent = xi * y;
+        if (is_straight(exponent)) return beta * y;
+        if (exponent < 700) return beta * (numerics::expm1_fn(exponent) / xi);
+        return std::exp(numerics::log_ratio(beta, xi) + exponent);
+    }
+    double inverse(double x) const {
+        const double growth = xi * (x / beta);
+        if (is_straight(growth)) return x / beta;
+        return log_growth(x) / xi;
+    }
+    double log_slope(double x) const { return -std::log(beta) - log_growth(x); }
+
+  private:
+    /// So small that the curve is straight to the last digit.
+    static bool is_straight(double growth) { return std::fabs(growth) < 1e-17; }
+    /// ln(1 + xi x/beta); next to the upper end of a support, where that is a small difference, from its exact value.
+    double log_growth(double x) const {
+        const double growth = xi * (x / beta);
+        if (growth > DBL_MAX) return std::log(xi) + numerics::log_ratio(x, beta);
+        if (growth > -0.5) return numerics::log1p_fn(growth);
+        const numerics::DoubleDouble product = numerics::two_product(xi, x);
+        const double left = std::isfinite(product.lo) ? (beta + product.hi) + product.lo : beta + xi * x;
+        return left > 0 ? numerics::log_ratio(left, beta) : -HUGE_VAL;
+    }
+};
+
+/// Scale beta >= 0, 0 being a point mass at 0, shape xi; support [0, inf), up to -beta/xi for xi < 0. F = 1 - (1 + xi
+/// x/beta)^(-1/xi), the exponential for xi = 0: the excesses over a high threshold (Pickands 1975).
+struct GPD : Transformed<StandardExponential, ExcessMap> {
+    GPD(double beta, double xi) : Transformed{{}, {beta, xi}} {}
+    Message check() const {
+        if (!(map.beta >= 0)) return "Error: beta must be >= 0";
+        if (!(std::fabs(map.xi) <= DBL_MAX)) return "Error: xi must be a finite number";
+        return nullptr;
+    }
+    Support support() const {
+        return {0, map.xi < 0 ? numerics::finite_or_limit(-map.beta / map.xi) : numerics::kInfinity};
+    }
+    std::optional<double> point_mass() const { return map.beta == 0 ? std::optional(0.0) : std::nullopt; }
+    /// f = (1 + xi x/beta)^(-1/xi - 1)/beta.
+    double log_density(double x) const {
+        return (map.xi == -1 ? 0 : -(1 + map.xi) * map.inverse(x)) - std::log(map.beta);
+    }
+    Moments moments() const {
+        const double xi = map.xi, deviation = map.beta / ((1 - xi) * std::sqrt(1 - 2 * xi));
+        return {map.beta / (1 - xi), deviation * deviation,
+                2 * (1 + xi) * std::sqrt(1 - 2 * xi) / (1 - 3 * xi),
+                6 * (1 + xi - xi * xi * (6 + 2 * xi)) / ((1 - 3 * xi) * (1 - 4 * xi))};
+    }
+    double moment_limit(Side side) const { return side == Side::upper && map.xi > 0 ? 1 / map.xi : HUGE_VAL; }
+    double mode() const { return map.xi < -1 ? support().upper : 0; }
+};
+
 /// Scale b >= 0, 0 being a point mass at 0, shape q > 0; support [0, inf). F = 1 - (b/(x + b))^q (Lomax):
 /// q ln(1 + x/b) is exponential.
 struct Pareto2 : Transformed<StandardExponential, ScaledExpm1> {
