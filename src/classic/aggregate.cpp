@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "aggregate/aggregate_de_pril.h"
-#include "classic/core_api.h"
 #include "base/recently_used.h"
 #include "base/turn.h"
+#include "classic/core_api.h"
 #include "classic/crc16.h"
 #include "classic/members.h"
 

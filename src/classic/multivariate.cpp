@@ -5,9 +5,9 @@
 
 #include "classic/core_api.h"
 #include "classic/factor_memory.h"
+#include "classic/members.h"
 #include "classic/stream.h"
 #include "classic/vectors.h"
-#include "classic/members.h"
 #include "matrix/matrix.h"
 #include "multivariate/count_samplers.h"
 #include "multivariate/densities.h"

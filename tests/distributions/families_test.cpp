@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "classic/core_api.h"
-#include "distributions/families.h"
 #include "classic/members.h"
+#include "distributions/families.h"
 #include "support/accuracy.h"
 #include "support/table.h"
 
