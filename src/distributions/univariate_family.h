@@ -24,10 +24,13 @@ using FamilyArguments = std::vector<std::vector<double>>;
 std::string family_text(const char* name, const FamilyArguments& arguments,
                         const std::vector<bool>& is_table);
 
-/// What is objected to when integers may be real numbers where the mathematics lets them.
+/// What is objected to when integers may be real numbers where the mathematics lets them: not the trials of a family whose
+/// support ends with them (kWholeTrials).
 template <Family D>
 Message check_real(const D& d) {
-    if constexpr (requires { d.check_range(); })
+    if constexpr (requires { D::kWholeTrials; })
+        return d.check();
+    else if constexpr (requires { d.check_range(); })
         return d.check_range();
     else
         return d.check();

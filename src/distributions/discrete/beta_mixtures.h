@@ -39,6 +39,7 @@ std::optional<double> sum_to_limit(const D& d, double k, double most) {
 
 /// n >= 0 trials, an integer, with a probability that is Beta(alpha, beta), both > 0. n = 0 is a point mass at 0.
 struct BetaBinomial : SummedTails<BetaBinomial> {
+    static constexpr bool kWholeTrials = true;
     double n, alpha, beta;
 
     BetaBinomial(double n_, double alpha_, double beta_)

@@ -12,6 +12,7 @@ namespace pral {
 /// Trials n >= 0, an integer, probability 0 <= p <= 1. F(k) = 1 - I_p(k + 1, n - k), DLMF 8.17.5. n = 0, p = 0 and p = 1
 /// are point masses at n p.
 struct Binomial : OnIntegers<Binomial> {
+    static constexpr bool kWholeTrials = true;
     double n, p;
 
     Binomial(double n_, double p_) : n(n_), p(p_) {}

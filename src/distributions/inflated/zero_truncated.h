@@ -112,11 +112,18 @@ struct ZeroTruncated {
 
   private:
     void complete() {
-        if (base.check() != nullptr || base.point_mass()) return;
+        if (!in_range() || base.point_mass()) return;
         const auto [lower, upper] = tails(base, 0);
         zero_ = lower;
         not_zero_ = upper;
         log_not_zero_ = not_zero_ > 0.5 ? numerics::log1p_fn(-zero_) : std::log(not_zero_);
+    }
+    /// Of any real parameters, where the base family has functions of those.
+    bool in_range() const {
+        if constexpr (requires { base.check_range(); })
+            return base.check_range() == nullptr;
+        else
+            return base.check() == nullptr;
     }
     double at(double p, double q) const {
         return std::max(p <= 0.5 ? pral::quantile(base, p) : pral::quantile_upper(base, q), 1.0);
