@@ -51,10 +51,10 @@ class Draw {
     bool wide() const { return wide_; }
 
     double hostile() {
-        constexpr double kNumbers[] = {NAN,     INFINITY, -INFINITY, DBL_MAX, -DBL_MAX, -0.0,
-                                       0.0,     5e-324,   -5e-324,   1e-310,  1e300,    -1e300,
-                                       1e-300,  0x1p53,   -1e8,      -1,      1,        1 - 0x1p-53,
-                                       0x1p-60, 0.5,      2,         5001.5,  1e100,    1e-17};
+        constexpr double kNumbers[] = {NAN,    INFINITY, -INFINITY, DBL_MAX,     -DBL_MAX, -0.0,   0.0,
+                                       5e-324, -5e-324,  1e-310,    1e300,       -1e300,   1e-300, 0x1p53,
+                                       -1e8,   -1,       1,         1 - 0x1p-53, 0x1p-60,  0.5,    2,
+                                       5001.5, 1e100,    1e-17,     1e17,        -1e17};
         return kNumbers[below(std::size(kNumbers))];
     }
     /// For searches, whose time must stay small.
