@@ -336,6 +336,64 @@ TEST(Families, WhatOverflowsIsTheLargestDouble) {
                 "far out");
 }
 
+/// Wider than the largest double: all that a distribution on [-1, 1.5] gives, 2^1023 times as large, to the last bit.
+TEST(Families, WideRangesAreNarrowOnesScaled) {
+    const struct {
+        const char* name;
+        Parameters narrow;
+        std::size_t first, last;  // of the parameters that are places
+    } rows[] = {
+        {"Uniform", {-1, 1.5}, 0, 1},
+        {"Triangle", {-1, 0.5, 1.5}, 0, 2},
+        {"TriangleAlt", {-0.5, 0.25, 0.75, 0.2, 0.8}, 0, 2},
+        {"SplitTriangle", {-0.5, 0.25, 0.75, 0.2, 0.5, 0.8}, 0, 2},
+        {"GTU", {-1, -0.5, 0.5, 1.5, 2, 3}, 0, 3},
+        {"Bradford", {3, -1, 1.5}, 1, 2},
+        {"Kumaraswamy4", {2, 3, -1, 1.5}, 2, 3},
+        {"Kumaraswamy4", {0.01, 0.1, -1, 1.5}, 2, 3},
+        {"Beta4", {2, 3, -1, 1.5}, 2, 3},
+        {"Beta4", {0.5, 0.01, -1, 1.5}, 2, 3},
+        {"Beta4", {300, 2e4, -1, 1.5}, 2, 3},
+        {"BetaSubj", {-1, 0.2, 0.3, 1.5}, 0, 3},
+        {"PERT", {-1, -1, 1.5}, 0, 2},
+        {"ModPERT", {-1, 0.5, 1.5, 7}, 0, 2},
+        {"PERTAlt", {-0.5, 0.25, 0.75, 0.2, 0.8}, 0, 2},
+        {"JohnsonB", {1, 2, -1, 1.5}, 2, 3},
+        {"JohnsonB", {20, 30, -1, 1.5}, 2, 3},
+    };
+    constexpr double kScale = 0x1p1023;
+    const double low = -0.75, high = 1.25, wide_low = low * kScale, wide_high = high * kScale;
+    const Given inside{.min = &low, .max = &high}, wide_inside{.min = &wide_low, .max = &wide_high};
+    for (const auto& [name, parameters, first, last] : rows) {
+        Instance narrow{&family(name), parameters}, wide = narrow;
+        for (std::size_t i = first; i <= last; ++i) wide.parameters[i] *= kScale;
+        for (const double u : {0.0, 1e-300, 1e-12, 0.01, 0.3, 0.5, 0.55, 0.99, 1 - 1e-12, 1.0}) {
+            EXPECT_EQ(wide.quantile(u), narrow.quantile(u) * kScale) << wide.label() << " at " << u;
+            EXPECT_EQ(wide.quantile(u, wide_inside), narrow.quantile(u, inside) * kScale) << wide.label();
+        }
+        std::vector<double> places, wide_places;
+        for (int i = 0; i < 40; ++i) {
+            places.push_back(-0.9 + 0.05 * i);
+            wide_places.push_back(places.back() * kScale);
+            const double x = places.back(), wide_x = wide_places.back();
+            for (const bool log10 : {false, true})
+                EXPECT_EQ(wide.probability({wide_x}, true, log10), narrow.probability({x}, true, log10))
+                    << wide.label() << " at " << x;
+            EXPECT_EQ(wide.probability({wide_high}, true, true, {.min = &wide_low}),
+                      narrow.probability({high}, true, true, {.min = &low}));
+        }
+        const double densities = narrow.probability(places, false, true) - 40 * 1023 * std::log10(2.0);
+        expect_near(wide.probability(wide_places, false, true), densities, 1e-14, wide.label());
+        std::vector<double> values(400), wide_values(400);
+        PralSetRandomSeed(5);
+        EXPECT_TRUE(narrow.family->array(values, narrow.parameters, {}));
+        PralSetRandomSeed(5);
+        EXPECT_TRUE(wide.family->array(wide_values, wide.parameters, {}));
+        for (std::size_t i = 0; i < values.size(); ++i)
+            expect_near(wide_values[i] / kScale, values[i], 1e-12, wide.label());
+    }
+}
+
 /// Counts between bounds of all four forms: the percentile is rescaled to those of the bounds. Between two values (the lower
 /// one not included) the masses sum to 1, and up to each value to its cumulative probability.
 TEST(Families, TruncatedCountsFollowThePercentilesOfTheirBounds) {
@@ -467,7 +525,8 @@ TEST(Families, BoundsOutsideTheSupportGiveItsNearerEnd) {
 }
 
 /// Counts whose percentiles are taken from a nearly normal variable keep to their own tails where those percentiles have no
-/// digits. Expected values from the exact tails, by mpmath.
+/// digits. Expected values by mpmath: the least k with P(X > k) <= (1 - u) P(X > min), masses summed downwards in 50 digits;
+/// P(X > min), for the percentile of a lower bound is that of the bound itself. The inflated family has the Poisson's 2 u - 1.
 TEST(Families, LargeCountsFarInTheUpperTail) {
     const double max = DBL_MAX, half = 0.5;
     const struct {

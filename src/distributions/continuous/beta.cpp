@@ -9,7 +9,7 @@ double BetaOnInterval::log_likelihood(std::span<const double> values) const {
     // For large shapes the sums cancel; a term of its own is exact then.
     constexpr double kLargestShapes = 100;
     const double a = ratio.a(), b = ratio.b();
-    if (a + b < kLargestShapes) {
+    if (a + b < kLargestShapes && map.axis.is_plain()) {
         const double per_width = 1 / map.width;
         const auto logs = [&](double power, auto distance) {
             return power == 0 ? 0 : power * numerics::sum_of_logs(values, distance);

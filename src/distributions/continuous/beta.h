@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "distributions/continuous/linear_axis.h"
 #include "distributions/family.h"
 #include "distributions/quantile_table.h"
 #include "distributions/sample.h"
@@ -129,29 +130,37 @@ struct OfBeta : OfUnitVariable<Map> {
 
 /// X = min + (max - min) B.
 struct UnitInterval {
-    double min, max, width;
-    double log_width;
+    double min, max;
+    LinearAxis axis;
+    double width, log_width;  // on the axis
 
     UnitInterval(double min_, double max_)
-        : min(min_), max(max_), width(std::min(max_ - min_, DBL_MAX)), log_width(std::log(width)) {}
+        : min(min_),
+          max(max_),
+          axis(LinearAxis::over(min_, max_)),
+          width(std::min(axis.distance(min_, max_), DBL_MAX)),
+          log_width(std::log(width)) {}
 
     Support support() const { return {min, max}; }
     ExactUnitPoint point(double x) const {
-        const numerics::DoubleDouble below = numerics::two_sum(x, -min), above = numerics::two_sum(max, -x);
+        const auto distance = [this](double from, double to) {
+            return numerics::two_sum(to * axis.per_unit, -from * axis.per_unit);
+        };
+        const numerics::DoubleDouble below = distance(min, x), above = distance(x, max);
         const bool near_zero = below.hi <= above.hi;
-        return ExactUnitPoint::from(
-            numerics::exact_quotient(near_zero ? below : above, numerics::two_sum(max, -min)), near_zero);
+        return ExactUnitPoint::from(numerics::exact_quotient(near_zero ? below : above, distance(min, max)),
+                                    near_zero);
     }
     double forward(numerics::UnitPoint at) const {
-        return at.x <= at.y ? min + width * at.x : max - width * at.y;
+        return at.x <= at.y ? axis.move(min, width * at.x) : axis.move(max, -(width * at.y));
     }
-    double log_slope(double) const { return -log_width; }
+    double log_slope(double x) const { return axis.log_slope(x) - log_width; }
     double log_distance(bool near_zero, double x) const {
-        return std::log(near_zero ? x - min : max - x) - log_width;
+        return std::log(near_zero ? axis.distance(min, x) : axis.distance(x, max)) - log_width;
     }
     double from_log_distance(bool near_zero, double log) const {
         const double distance = std::exp(log + log_width);
-        return near_zero ? min + distance : max - distance;
+        return near_zero ? axis.move(min, distance) : axis.move(max, -distance);
     }
 };
 
@@ -169,11 +178,14 @@ struct BetaOnInterval : OfBeta<UnitInterval> {
         : OfBeta(alpha1, alpha2, UnitInterval(min, max)) {}
     Moments moments() const {
         const double a = ratio.a(), b = ratio.b();
-        Moments all = linear(beta_moments(a, b), map.width, map.min);
-        if (a > b) all.mean = map.max - map.width * (b / (a + b));
+        Moments all = map.axis.moments(beta_moments(a, b), map.min, map.width);
+        if (a > b) all.mean = map.axis.move(map.max, -(map.width * (b / (a + b))));
         return all;
     }
-    double peak() const { return beta_mode(ratio.a(), ratio.b(), map.min, map.max); }
+    double peak() const {
+        const LinearAxis& axis = map.axis;
+        return beta_mode(ratio.a(), ratio.b(), map.min * axis.per_unit, map.max * axis.per_unit) * axis.unit;
+    }
     double log_likelihood(std::span<const double> values) const;
     /// By the distance from the end nearer to 0, which the sum keeps best.
     auto quantile_table() const {
@@ -182,7 +194,9 @@ struct BetaOnInterval : OfBeta<UnitInterval> {
             from_max ? LinearPlace{map.max, -map.width} : LinearPlace{map.min, map.width};
         const StandardBeta standard =
             from_max ? StandardBeta(ratio.b(), ratio.a()) : StandardBeta(ratio.a(), ratio.b());
-        return QuantileTable(standard, place, place.cancels_below(), from_max);
+        // Beyond the range of a double the table leaves all to the family.
+        return QuantileTable(standard, place, map.axis.is_plain() ? place.cancels_below() : HUGE_VAL,
+                             from_max);
     }
 };
 

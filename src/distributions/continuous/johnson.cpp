@@ -36,16 +36,18 @@ double JohnsonScore::of(DoubleDouble y) const {
 }
 
 double JohnsonBMap::forward(double z) const {
-    const double y = score.inverse(z), width = std::min(max - min, kInfinity);
+    const double y = score.inverse(z), width = std::min(axis.distance(min, max), kInfinity);
     if (std::fabs(y) < 0.5) {  // from the middle, which may be 0
         const double e = expm1_fn(y);
-        return 0.5 * min + 0.5 * max + 0.5 * width * (e / (e + 2));
+        return 0.5 * min + 0.5 * max + 0.5 * width * (e / (e + 2)) * axis.unit;
     }
-    return y < 0 ? min + width / (1 + std::exp(-y)) : max - width / (1 + std::exp(y));
+    return y < 0 ? axis.move(min, width / (1 + std::exp(-y))) : axis.move(max, -(width / (1 + std::exp(y))));
 }
 
 double JohnsonBMap::inverse(double x) const {
-    const DoubleDouble lower = two_sum(x, -min), upper = two_sum(max, -x);
+    const double place = x * axis.per_unit;
+    const DoubleDouble lower = two_sum(place, -min * axis.per_unit),
+                       upper = two_sum(max * axis.per_unit, -place);
     if (!score.moderate() && lower.hi > 0 && upper.hi > 0) {
         const DoubleDouble ratio = divide(lower, upper);
         if (usable(ratio)) return score.of(extended_log(ratio));
@@ -56,9 +58,9 @@ double JohnsonBMap::inverse(double x) const {
 }
 
 double JohnsonBMap::log_slope(double x) const {
-    const double lower = x - min, upper = max - x;
-    return std::log(score.alpha2) + std::log((max - min) / std::max(lower, upper)) -
-           std::log(std::min(lower, upper));
+    const double lower = axis.distance(min, x), upper = axis.distance(x, max);
+    return std::log(score.alpha2) + std::log(axis.distance(min, max) / std::max(lower, upper)) -
+           std::log(std::min(lower, upper)) + axis.log_slope(x);
 }
 
 double JohnsonUMap::forward(double z) const {
@@ -101,7 +103,7 @@ double sum_of_squares(std::span<const double> values) {
 }  // namespace
 
 double JohnsonB::log_likelihood(std::span<const double> values) const {
-    if (map.score.moderate()) {
+    if (map.score.moderate() && map.axis.is_plain()) {
         const double per_width = 1 / (map.max - map.min);
         const double squares = sum_by_blocks(
             values, [this](double x) { return (x - map.min) / (map.max - x); },

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "distributions/adapters.h"
+#include "distributions/continuous/linear_axis.h"
 #include "distributions/continuous/normal.h"
 #include "numerics/double_double.h"
 
@@ -22,6 +23,7 @@ struct JohnsonScore {
 struct JohnsonBMap {
     JohnsonScore score;
     double min, max;
+    LinearAxis axis = LinearAxis::over(min, max);
 
     double forward(double z) const;
     double inverse(double x) const;

@@ -7,7 +7,8 @@ namespace pral {
 double Kumaraswamy4::log_likelihood(std::span<const double> values) const {
     constexpr double kNearMax = 0.01,
                      kLargestShape = 100;  // larger ones would multiply the rounding of 1 - y^alpha
-    if (std::fmax(alpha, beta) > kLargestShape) return sum_of_log_densities(*this, values);
+    if (std::fmax(alpha, beta) > kLargestShape || !axis_.is_plain())
+        return sum_of_log_densities(*this, values);
     const double per_width = 1 / (max - min);
     const double total = numerics::sum_by_blocks(
         values, [](double x) { return x; },

@@ -5,6 +5,7 @@
 #include <cfloat>
 #include <cmath>
 
+#include "distributions/continuous/linear_axis.h"
 #include "distributions/family.h"
 #include "numerics/gamma.h"
 
@@ -22,7 +23,9 @@ struct Kumaraswamy4 {
           max(max_),
           log_alpha_(std::log(alpha_)),
           log_beta_(std::log(beta_)),
-          log_width_(std::log(max_ - min_)) {}
+          axis_(LinearAxis::over(min_, max_)),
+          width_(axis_.distance(min_, max_)),
+          log_width_(std::log(width_) + axis_.log_unit) {}
     Message check() const {
         if (!(alpha > 0)) return "Error: alpha must be > 0";
         if (!(beta > 0)) return "Error: beta must be > 0";
@@ -56,17 +59,17 @@ struct Kumaraswamy4 {
         };
         const auto relative = exponential_moments(log_power);
         if (!relative) return std::nullopt;
-        return linear(*relative, (max - min) * std::exp(log_power(1)), min);
+        return axis_.moments(*relative, min, width_ * std::exp(log_power(1)));
     }
     double mode() const {
-        if (!(alpha > 1 && beta > 1)) return beta_mode(alpha, beta, min, max);
-        return min + (max - min) * std::exp(std::log((alpha - 1) / (alpha * beta - 1)) / alpha);
+        if (!(alpha > 1 && beta > 1)) return beta_mode(alpha, beta, min, max);  // an end
+        return axis_.move(min, width_ * std::exp(std::log((alpha - 1) / (alpha * beta - 1)) / alpha));
     }
 
   private:
     double log_y(double x) const {
-        const double y = (x - min) / (max - min);
-        return y < 0.5 ? std::log(y) : numerics::log1p_fn(-((max - x) / (max - min)));
+        const double y = axis_.distance(min, x) / width_;
+        return y < 0.5 ? std::log(y) : numerics::log1p_fn(-(axis_.distance(x, max) / width_));
     }
     /// ln(1 - y^alpha).
     double log_rest(double log_y) const { return numerics::log1m_exp(-alpha * log_y); }
@@ -76,11 +79,13 @@ struct Kumaraswamy4 {
         const double part = hazard / beta;
         const double log_power = part < 1e-20 ? std::log(hazard) - log_beta_ : numerics::log1m_exp(part);
         const double log_y = log_power / alpha;
-        return log_y < -numerics::kLn2 ? min + (max - min) * std::exp(log_y)
-                                       : max + (max - min) * numerics::expm1_fn(log_y);
+        return log_y < -numerics::kLn2 ? axis_.move(min, width_ * std::exp(log_y))
+                                       : axis_.move(max, width_ * numerics::expm1_fn(log_y));
     }
 
-    double log_alpha_, log_beta_, log_width_;
+    double log_alpha_, log_beta_;
+    LinearAxis axis_;
+    double width_, log_width_;
 };
 
 /// Shapes alpha > 0 and beta > 0; support [0, 1]. F = 1 - (1 - x^alpha)^beta.
@@ -101,7 +106,9 @@ struct Bradford {
               std::clamp(theta_, 1e-100, DBL_MAX)),  // below, the distribution is uniform to every digit
           log_(numerics::log1p_fn(curvature_)),
           slope_(curvature_ / log_),
-          log_peak_(std::log(slope_) - std::log(max_ - min_)) {}
+          axis_(LinearAxis::over(min_, max_)),
+          width_(axis_.distance(min_, max_)),
+          log_peak_(std::log(slope_) - std::log(width_) - axis_.log_unit) {}
     Message check() const {
         if (!(theta > 0)) return "Error: theta must be > 0";
         if (!(min < max)) return "Error: minimum must be < Maximum";
@@ -111,14 +118,16 @@ struct Bradford {
     std::optional<double> point_mass() const { return std::nullopt; }
 
     double cumulative(double x) const { return part(position(x)); }
-    double survival(double x) const { return part((max - x) / (max - min) / (1 + curvature_ * position(x))); }
+    double survival(double x) const {
+        return part(axis_.distance(x, max) / width_ / (1 + curvature_ * position(x)));
+    }
     double log_density(double x) const { return log_peak_ - numerics::log1p_fn(curvature_ * position(x)); }
     double quantile(double p) const { return from_tails(p, 1 - p); }
     double quantile_upper(double q) const { return from_tails(1 - q, q); }
     double mode() const { return min; }
 
   private:
-    double position(double x) const { return (x - min) / (max - min); }
+    double position(double x) const { return axis_.distance(min, x) / width_; }
     double part(double y) const {
         const double rise = curvature_ * y;
         return rise < 1e-17 ? slope_ * y : numerics::log1p_fn(rise) / log_;
@@ -129,12 +138,14 @@ struct Bradford {
     }
     double from_tails(double p, double q) const {
         const double y = inverse_part(p);
-        if (y < 0.5) return min + (max - min) * y;
+        if (y < 0.5) return axis_.move(min, width_ * y);
         const double rest = inverse_part(q);
-        return max - (max - min) * (rest * (1 + curvature_) / (1 + curvature_ * rest));
+        return axis_.move(max, -(width_ * (rest * (1 + curvature_) / (1 + curvature_ * rest))));
     }
 
-    double curvature_, log_, slope_, log_peak_;
+    double curvature_, log_, slope_;
+    LinearAxis axis_;
+    double width_, log_peak_;
 };
 
 }  // namespace pral

@@ -7,8 +7,10 @@ namespace pral {
 /// the first over the second grows with s and must be (Mode - Low)/(High - Mode).
 Support PERTAlt::ends(const ModeAndPercentiles& points) {
     if (points.check() != nullptr) return {numerics::kNaN, numerics::kNaN};
-    const double total = points.High - points.Low;
-    const double below = (points.Mode - points.Low) / total, above = (points.High - points.Mode) / total;
+    const LinearAxis along = LinearAxis::with_reciprocal(points.Low, points.High);
+    const double total = along.distance(points.Low, points.High);
+    const double below = along.distance(points.Low, points.Mode) / total;
+    const double above = along.distance(points.Mode, points.High) / total;
     struct Standard {
         double from_low, from_high, width;  // of the mode from the two points, and between these
     };
@@ -47,7 +49,7 @@ Support PERTAlt::ends(const ModeAndPercentiles& points) {
     }
     const double s = left ? t : 1 - t, rest = left ? 1 - t : t;
     const double width = total / standard(s, rest).width;
-    return {points.Mode - s * width, points.Mode + rest * width};
+    return {along.move(points.Mode, -(s * width)), along.move(points.Mode, rest * width)};
 }
 
 }  // namespace pral

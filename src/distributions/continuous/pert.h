@@ -13,10 +13,7 @@ struct WeightedPERT : BetaOnInterval {
     static constexpr bool kEndsFirst = true;
 
     WeightedPERT(double min, double mode_, double max, double gamma_)
-        : BetaOnInterval(1 + gamma_ * ((mode_ - min) / (max - min)),
-                         1 + gamma_ * ((max - mode_) / (max - min)), min, max),
-          mode(mode_),
-          gamma(gamma_) {}
+        : WeightedPERT(min, mode_, max, gamma_, LinearAxis::over(min, max)) {}
     Message check() const {
         if (!(mode >= map.min && mode <= map.max)) return "Error: mode must be between min and max";
         if (!(map.min <= map.max)) return "Error: min must be <max";
@@ -25,6 +22,13 @@ struct WeightedPERT : BetaOnInterval {
     std::optional<double> point_mass() const {
         return map.min == map.max ? std::optional(map.min) : std::nullopt;
     }
+
+  private:
+    WeightedPERT(double min, double mode_, double max, double gamma_, const LinearAxis& along)
+        : BetaOnInterval(1 + gamma_ * (along.distance(min, mode_) / along.distance(min, max)),
+                         1 + gamma_ * (along.distance(mode_, max) / along.distance(min, max)), min, max),
+          mode(mode_),
+          gamma(gamma_) {}
 };
 
 /// WeightedPERT of weight 4.
@@ -49,7 +53,10 @@ struct PERTAlt : PERT {
 
     PERTAlt(double Low, double Mode, double High, double LowP, double HighP)
         : PERTAlt(ModeAndPercentiles{Low, Mode, High, LowP, HighP}) {}
-    Message check() const { return given.check(); }
+    Message check() const {
+        const Message objection = given.check();
+        return objection != nullptr ? objection : object_to_ends(map.min, map.max);
+    }
 
   private:
     explicit PERTAlt(const ModeAndPercentiles& points) : PERTAlt(points, ends(points)) {}
@@ -79,7 +86,7 @@ struct BetaSubj : BetaOnInterval {
 
   private:
     BetaSubj(double min, double mode_, double mean_, double max, double shape1)
-        : BetaSubj(min, mode_, mean_, max, shape1, shape1 * ((max - mean_) / (mean_ - min))) {}
+        : BetaSubj(min, mode_, mean_, max, shape1, shape1 * ratio_of_distances(min, mean_, max)) {}
     BetaSubj(double min, double mode_, double mean_, double max, double shape1, double shape2)
         : BetaOnInterval(shape1, shape2, min, max),
           mode(mode_),
@@ -94,8 +101,14 @@ struct BetaSubj : BetaOnInterval {
         if (mode == mid && mean == mid) return 3;
         const numerics::DoubleDouble above = numerics::two_sum(0.5 * max, -0.5 * mode);
         const numerics::DoubleDouble below = numerics::two_sum(0.5 * mode, -0.5 * min);
-        const double beyond_mode = numerics::add(above, numerics::negated(below)).hi;
-        return 2 * ((mean - min) / (max - min)) * (beyond_mode / (mean - mode));
+        const LinearAxis along = LinearAxis::over(min, max);
+        const double beyond_mode = numerics::add(above, numerics::negated(below)).hi * along.per_unit;
+        return 2 * (along.distance(min, mean) / along.distance(min, max)) *
+               (beyond_mode / along.distance(mode, mean));
+    }
+    static double ratio_of_distances(double min, double mean, double max) {
+        const LinearAxis along = LinearAxis::over(min, max);
+        return along.distance(mean, max) / along.distance(min, mean);
     }
 
     double shape1_, shape2_;

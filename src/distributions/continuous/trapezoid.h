@@ -7,39 +7,15 @@
 #include <cmath>
 #include <type_traits>
 
+#include "distributions/continuous/linear_axis.h"
 #include "distributions/family.h"
 #include "numerics/sums.h"
 
 namespace pral {
 
-/// Of a point from the ends of the support.
-struct Distances {
-    double below, above;
-};
-
-/// Distances on the variable itself, in a unit in which the width of the support and its reciprocal are in the range of a
-/// double.
-struct LinearAxis {
-    double unit = 1, per_unit = 1, log_unit = 0;
-
-    static LinearAxis over(double min, double max) {
-        return max - min > 0x1p960 ? LinearAxis{0x1p64, 0x1p-64, 64 * numerics::kLn2} : LinearAxis{};
-    }
-    double distance(double from, double to) const { return to * per_unit - from * per_unit; }
-    double move(double from, double by) const { return (from * per_unit + by) * unit; }
-    Distances distances(double min, double x, double max, double) const {
-        return {distance(min, x), distance(x, max)};
-    }
-    /// ln of what one unit of x is on the axis.
-    double log_slope(double) const { return -log_unit; }
-    double sum_of_log_slopes(std::span<const double> values) const {
-        return -static_cast<double>(values.size()) * log_unit;
-    }
-};
-
 /// Distances on its logarithm, with the digits that the difference of two logarithms loses.
 struct LogAxis {
-    static LogAxis over(double, double) { return {}; }
+    static LogAxis with_reciprocal(double, double) { return {}; }
     static double distance(double from, double to) { return numerics::log_ratio(to, from); }
     static double move(double from, double by) {
         const double half = std::exp(by / 2);  // e^by alone may be beyond the range
@@ -155,11 +131,11 @@ struct Trapezoid {
     /// Of a mixture of the stages; the distance of a stage's values from its end is a beta variable.
     Moments moments() const requires std::is_same_v<Axis, LinearAxis> {
         const auto stage = [](const Stage& s) {
-            return linear(beta_moments(s.power, 1), s.direction * s.width, s.end);
+            return s.axis.moments(beta_moments(s.power, 1), s.end, s.direction * s.width);
         };
-        const double level = right.mode - left.mode;
-        return mixed(std::array{stage(left), Moments{left.mode + 0.5 * level, level * level / 12, 0, -1.2},
-                                stage(right)},
+        const Moments level =
+            axis.moments({0.5, 1.0 / 12, 0, -1.2}, left.mode, axis.distance(left.mode, right.mode));
+        return mixed(std::array{stage(left), level, stage(right)},
                      std::array{left.mass, level_mass_, right.mass});
     }
     double peak() const requires std::is_same_v<Axis, LinearAxis> {

@@ -47,16 +47,20 @@ double solve_gap(const Flank& here, const Flank& beyond, double total) {
 
 }  // namespace
 
-TriangleAlt::Widths TriangleAlt::widths(const ModeAndPercentiles& points) {
-    const Flank left = {points.Mode - points.Low, points.LowP};
-    const Flank right = {points.High - points.Mode, 1 - points.HighP};
+Support TriangleAlt::ends(const ModeAndPercentiles& points) {
+    const LinearAxis along = LinearAxis::with_reciprocal(points.Low, points.High);
+    const Flank left = {along.distance(points.Low, points.Mode), points.LowP};
+    const Flank right = {along.distance(points.Mode, points.High), 1 - points.HighP};
+    const auto around_mode = [&](double below, double above) {
+        return Support{along.move(points.Mode, -below), along.move(points.Mode, above)};
+    };
     const double total = points.HighP - points.LowP, half = 0.5 * total;
     if (right.distance * left.reach(half) > left.distance * right.reach(half)) {
         const double gap = solve_gap(left, right, total);
-        return {left.width(gap), right.width(total - gap)};
+        return around_mode(left.width(gap), right.width(total - gap));
     }
     const double gap = solve_gap(right, left, total);
-    return {left.width(total - gap), right.width(gap)};
+    return around_mode(left.width(total - gap), right.width(gap));
 }
 
 }  // namespace pral

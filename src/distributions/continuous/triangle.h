@@ -15,7 +15,7 @@ struct TriangleOn : Trapezoid<Axis> {
     static constexpr bool kEndsFirst = true;
 
     TriangleOn(double min_, double mode_, double max_)
-        : TriangleOn(min_, mode_, max_, Axis::over(min_, max_)) {}
+        : TriangleOn(min_, mode_, max_, Axis::with_reciprocal(min_, max_)) {}
 
     /// The lower of the two lines is the density; a flank of width 0 has none (fmin passes over 0/0).
     double log_likelihood(std::span<const double> values) const {
@@ -67,17 +67,17 @@ struct TriangleAlt : Triangle {
 
     TriangleAlt(double Low, double Mode, double High, double LowP, double HighP)
         : TriangleAlt(ModeAndPercentiles{Low, Mode, High, LowP, HighP}) {}
-    Message check() const { return given.check(); }
+    Message check() const {
+        const Message objection = given.check();
+        return objection != nullptr ? objection : object_to_ends(min, max);
+    }
 
   private:
-    explicit TriangleAlt(const ModeAndPercentiles& points) : TriangleAlt(points, widths(points)) {}
-    struct Widths {
-        double left, right;
-    };
-    TriangleAlt(const ModeAndPercentiles& points, Widths width)
-        : Triangle(points.Mode - width.left, points.Mode, points.Mode + width.right), given(points) {}
+    explicit TriangleAlt(const ModeAndPercentiles& points) : TriangleAlt(points, ends(points)) {}
+    TriangleAlt(const ModeAndPercentiles& points, Support ends)
+        : Triangle(ends.lower, points.Mode, ends.upper), given(points) {}
 
-    static Widths widths(const ModeAndPercentiles& points);
+    static Support ends(const ModeAndPercentiles& points);
 };
 
 /// Two triangles that meet at Medium, with cumulative MediumP there: below, F = MediumP ((x - min)/(Medium - min))^2, and
@@ -86,17 +86,8 @@ struct SplitTriangle : Trapezoid<LinearAxis> {
     double Low, Medium, High, LowP, MediumP, HighP;
 
     SplitTriangle(double Low_, double Medium_, double High_, double LowP_, double MediumP_, double HighP_)
-        : Trapezoid(
-              {Medium_ - width(Medium_ - Low_, LowP_, MediumP_, MediumP_ - LowP_), Medium_, 1, 2, MediumP_},
-              0,
-              {Medium_ + width(High_ - Medium_, 1 - HighP_, 1 - MediumP_, HighP_ - MediumP_), Medium_, -1, 2,
-               1 - MediumP_}),
-          Low(Low_),
-          Medium(Medium_),
-          High(High_),
-          LowP(LowP_),
-          MediumP(MediumP_),
-          HighP(HighP_) {}
+        : SplitTriangle(Low_, Medium_, High_, LowP_, MediumP_, HighP_,
+                        ends(Low_, Medium_, High_, LowP_, MediumP_, HighP_)) {}
     Message check() const {
         if (!(Low < Medium)) return "Error: Low must be < Medium";
         if (!(Low < High)) return "Error: Low must be < High";
@@ -107,10 +98,31 @@ struct SplitTriangle : Trapezoid<LinearAxis> {
         if (!(HighP >= 0 && HighP < 1)) return "Error: highP must be between [0..1)";
         if (!(MediumP >= 0 && MediumP < 1)) return "Error: mediumP must be between [0..1)";
         if (!(LowP >= 0 && LowP < 1)) return "Error: lowP must be between [0..1)";
-        return nullptr;
+        return object_to_ends(left.end, right.end);
     }
 
   private:
+    SplitTriangle(double Low_, double Medium_, double High_, double LowP_, double MediumP_, double HighP_,
+                  Support ends)
+        : SplitTriangle(Low_, Medium_, High_, LowP_, MediumP_, HighP_, ends,
+                        LinearAxis::with_reciprocal(ends.lower, ends.upper)) {}
+    SplitTriangle(double Low_, double Medium_, double High_, double LowP_, double MediumP_, double HighP_,
+                  Support ends, const LinearAxis& along)
+        : Trapezoid({ends.lower, Medium_, 1, 2, MediumP_, along}, 0,
+                    {ends.upper, Medium_, -1, 2, 1 - MediumP_, along}),
+          Low(Low_),
+          Medium(Medium_),
+          High(High_),
+          LowP(LowP_),
+          MediumP(MediumP_),
+          HighP(HighP_) {}
+
+    static Support ends(double Low, double Medium, double High, double LowP, double MediumP, double HighP) {
+        const LinearAxis along = LinearAxis::with_reciprocal(Low, High);
+        const double left = width(along.distance(Low, Medium), LowP, MediumP, MediumP - LowP);
+        const double right = width(along.distance(Medium, High), 1 - HighP, 1 - MediumP, HighP - MediumP);
+        return {along.move(Medium, -left), along.move(Medium, right)};
+    }
     /// The width of a triangle of probability `mass` in which `tail` lies further than `distance` from the mode and
     /// `rest` nearer.
     static double width(double distance, double tail, double mass, double rest) {
@@ -123,7 +135,7 @@ struct SplitTriangle : Trapezoid<LinearAxis> {
 /// min = max is a point mass.
 struct GTU : Trapezoid<LinearAxis> {
     GTU(double min, double leftmode, double rightmode, double max, double m, double n)
-        : GTU(min, leftmode, rightmode, max, m, n, LinearAxis::over(min, max)) {}
+        : GTU(min, leftmode, rightmode, max, m, n, LinearAxis::with_reciprocal(min, max)) {}
     Message check() const {
         if (!(left.end <= left.mode)) return "Error: min must be <= leftmode";
         if (!(left.mode <= right.mode)) return "Error: leftmode must be <= rightmode";
