@@ -23,24 +23,56 @@ bool is_inverse(Function function) {
     return function == Function::quantile || function == Function::upper_quantile;
 }
 
+/// The least x in [low, high] with F(x) >= p, or with S(x) <= p on the upper side, 0 < p < 1; `high` has it. Newton's steps
+/// inside the bracket, halvings of the doubles in it where they do not help, to the first double (or integer) that reaches p.
+double first_reaching(const Univariate& d, Side side, double p, double low, double high) {
+    constexpr int kSteps = 200;
+    const bool by_lower = side == Side::lower ? p <= 0.5 : p > 0.5;
+    const double target = (side == Side::lower) == by_lower ? p : 1 - p;
+    const auto tail = [&](double x) { return d(by_lower ? Function::cumulative : Function::survival, x); };
+    const auto reaches = [&](double at) { return by_lower ? at >= target : at <= target; };
+    if (!(low < high) || reaches(tail(low))) return low;
+    const bool integers = d.values() == Values::integers, smooth = d.values() == Values::continuous;
+    const auto middle = [&] {
+        if (integers && high - low < 0x1p53) return std::floor(low / 2 + high / 2);
+        const double between = numerics::middle_double(low, high);
+        return integers ? std::floor(between) : between;
+    };
+    double x = middle();
+    for (int step = 0; step < kSteps && x > low && x < high; ++step) {
+        const double at = tail(x);
+        (reaches(at) ? high : low) = x;
+        double next = middle();
+        if (smooth && step % 3 != 2) {
+            const double density = std::exp(d(Function::log_density, x));
+            const double newton = x + (by_lower ? target - at : at - target) / density;
+            if (newton > low && newton < high) next = newton;
+            if (std::fabs(newton - x) <= 0x1p-52 * std::fabs(x)) return x;
+        }
+        if (next == x) break;
+        x = next;
+    }
+    return high;
+}
+
 // ------------------------------------------------------------------------------------------------- Truncation
 
 class Truncation final : public Univariate {
   public:
     Truncation(Shared base, End lower, End upper) : base_(std::move(base)), ends_{lower, upper} {
         const Support all = base_->support();
-        below_ = below(lower);
-        above_ = above(upper);
+        window_ = {below(lower), above(upper)};
         support_ = {std::max(all.lower, lower.is_percentile ? quantile_at(lower.number) : lower.number),
                     std::min(all.upper, upper.is_percentile ? quantile_at(upper.number) : upper.number)};
         if (base_->values() == Values::integers)
             support_ = {std::ceil(support_.lower), std::floor(support_.upper)};
-        // Both ends above the median: the upper tails have the digits.
-        by_upper_ = below_.lower > 0.5;
-        mass_ = by_upper_ ? below_.upper - above_.upper : above_.lower - below_.lower;
-        log_mass_ = mass_ > 0.5 ? numerics::log1p_fn(-(below_.lower + above_.upper)) : std::log(mass_);
+        const bool by_percentile =
+            base_->values() == Values::continuous && (lower.is_percentile || upper.is_percentile);
+        log_mass_ = by_percentile ? window_.log_mass() : base_->log_within(support_.lower, support_.upper);
+        resolved_ = by_percentile || window_.share() >= kResolved;
+        invertible_ = by_percentile || window_.share() >= kInvertible;
     }
-    bool empty() const { return !(mass_ > 0) || !(support_.lower <= support_.upper); }
+    bool empty() const { return !(log_mass_ > -HUGE_VAL) || !(support_.lower <= support_.upper); }
 
     Values values() const override { return base_->values(); }
     Support support() const override { return support_; }
@@ -56,8 +88,12 @@ class Truncation final : public Univariate {
             return;
         }
         const std::vector<double> x(in.begin(), in.end());
+        if (!resolved_) {
+            for (std::size_t i = 0; i < out.size(); ++i) out[i] = unresolved_tail(function, x[i]);
+            return;
+        }
         if (function == Function::cumulative) {
-            base_->evaluate(by_upper_ ? Function::survival : Function::cumulative, x, out);
+            base_->evaluate(window_.by_upper ? Function::survival : Function::cumulative, x, out);
             for (std::size_t i = 0; i < out.size(); ++i) out[i] = tail(function, x[i], {out[i], out[i]});
             return;
         }
@@ -72,7 +108,13 @@ class Truncation final : public Univariate {
         const Tails at = base_->tails_below(x);
         if (x <= support_.lower) return {0, 1};
         if (x > support_.upper) return {1, 0};
+        if (values() == Values::integers) return tails(std::ceil(x) - 1);
+        if (!resolved_ && values() == Values::continuous) return tails(x);
         return {part_below(at), part_above(at)};
+    }
+    double log_within(double lower, double upper) const override {
+        return base_->log_within(std::max(lower, support_.lower), std::min(upper, support_.upper)) -
+               log_mass_;
     }
     std::optional<double> mode() const override {
         const auto of_base = base_->mode();
@@ -111,11 +153,13 @@ class Truncation final : public Univariate {
         return {end.number, 1 - end.number};
     }
     double part_below(const Tails& at) const {
-        return std::clamp((by_upper_ ? below_.upper - at.upper : at.lower - below_.lower) / mass_, 0.0, 1.0);
+        const double below =
+            window_.by_upper ? window_.below.upper - at.upper : at.lower - window_.below.lower;
+        return std::clamp(below / window_.mass, 0.0, 1.0);
     }
     double part_above(const Tails& at) const {
-        const double above = at.lower > 0.5 ? at.upper - above_.upper : above_.lower - at.lower;
-        return std::clamp(above / mass_, 0.0, 1.0);
+        const double above = at.lower > 0.5 ? at.upper - window_.above.upper : window_.above.lower - at.lower;
+        return std::clamp(above / window_.mass, 0.0, 1.0);
     }
     double tail(Function function, double x, const Tails& at) const {
         if (std::isnan(x)) return x;
@@ -125,14 +169,34 @@ class Truncation final : public Univariate {
         const double here = upper ? part_above(at) : part_below(at);
         if (!logarithm) return here;
         // Where nothing is left out on this side, the logarithm of the whole has what the tail itself loses.
-        const bool open = (upper ? above_.upper : below_.lower) == 0;
+        const bool open = (upper ? window_.above.upper : window_.below.lower) == 0;
         if (open && here < kFewDigits) return std::min((*base_)(function, x) - log_mass_, 0.0);
         return here < 0.5 ? std::log(here) : numerics::log1p_fn(-(upper ? part_below(at) : part_above(at)));
     }
     static constexpr double kFewDigits = 1e-290;
+    /// The tails of the whole differ too little: from the probability between an end and x.
+    double unresolved_tail(Function function, double x) const {
+        if (std::isnan(x)) return x;
+        const bool upper = is_upper(function), logarithm = is_logarithm(function);
+        if (x < support_.lower) return logarithm ? (upper ? 0 : -HUGE_VAL) : upper;
+        if (x >= support_.upper) return logarithm ? (upper ? -HUGE_VAL : 0) : !upper;
+        const bool integers = values() == Values::integers;
+        const double below = integers ? std::floor(x) : x, above = integers ? below + 1 : x;
+        const auto log_of = [&](bool of_upper) {
+            return std::min(of_upper ? log_within(above, support_.upper) : log_within(support_.lower, below),
+                            0.0);
+        };
+        const double log = log_of(upper);
+        if (!logarithm) return std::exp(log);
+        return log < -numerics::kLn2 ? log : numerics::log1p_fn(-std::exp(log_of(!upper)));
+    }
 
     /// The percentiles of what is kept as tails of the whole, each the smaller one.
     void invert(Side side, std::span<const double> in, std::span<double> out) const {
+        if (!invertible_) {
+            for (std::size_t i = 0; i < in.size(); ++i) out[i] = searched(side, in[i]);
+            return;
+        }
         std::vector<double> tails[2];
         std::vector<std::size_t> places[2];
         std::vector<double> given(in.begin(), in.end());
@@ -161,17 +225,27 @@ class Truncation final : public Univariate {
     };
     BaseTail base_tail(Side side, double t) const {
         const double u = side == Side::lower ? t : 1 - t, v = side == Side::lower ? 1 - t : t;
-        const double p = below_.lower + u * mass_;
+        const double p = window_.below.lower + u * window_.mass;
         if (p <= 0.5) return {Side::lower, p};
-        return {Side::upper, above_.upper + v * mass_};
+        return {Side::upper, window_.above.upper + v * window_.mass};
     }
+    /// Between ends whose tails hardly differ, or are beyond doubles.
+    double searched(Side side, double t) const {
+        if (!(t >= 0 && t <= 1)) return numerics::kNaN;
+        if (t == 0 || t == 1) return (t == 0) == (side == Side::lower) ? support_.lower : support_.upper;
+        const double low = std::max(support_.lower, -numerics::kInfinity),
+                     high = std::min(support_.upper, numerics::kInfinity);
+        return first_reaching(*this, side, t, low, high);
+    }
+    /// With less of the tail between the ends, its percentiles are too few.
+    static constexpr double kInvertible = 1e-9;
 
     Shared base_;
     End ends_[2];
-    Tails below_, above_;
+    Difference window_ = {};
     Support support_;
-    bool by_upper_;
-    double mass_, log_mass_;
+    double log_mass_;
+    bool resolved_, invertible_;  ///< the tails of the whole have the digits; its percentiles are enough
 };
 
 // ---------------------------------------------------------------------------------------------- Affine mapping
@@ -217,6 +291,10 @@ class Affine final : public Univariate {
         if (factor_ > 0) return base_->tails_below(base_x);
         const Tails at = base_->tails(base_x);
         return {at.upper, at.lower};
+    }
+    double log_within(double lower, double upper) const override {
+        const double a = inverse(lower), b = inverse(upper);
+        return factor_ > 0 ? base_->log_within(a, b) : base_->log_within(b, a);
     }
     std::optional<Moments> moments() const override {
         const auto of_base = base_->moments();
@@ -348,6 +426,9 @@ class Mixture final : public Univariate {
         }
         return {std::min(sum.lower, 1.0), std::min(sum.upper, 1.0)};
     }
+    double log_within(double lower, double upper) const override {
+        return log_sum([&](std::size_t i) { return components_[i]->log_within(lower, upper); });
+    }
     std::optional<Moments> moments() const override;
     double integrated_tail(Side side, double from, double to) const override {
         double sum = 0;
@@ -433,49 +514,12 @@ class Mixture final : public Univariate {
             low = std::min(low, x);
             high = std::max(high, x);
         }
-        const bool by_lower = side == Side::lower ? p <= 0.5 : p > 0.5;
-        const double target = (side == Side::lower) == by_lower ? p : 1 - p;
-        const auto reached = [&](double x) {
-            return by_lower ? (*this)(Function::cumulative, x) >= target
-                            : (*this)(Function::survival, x) <= target;
-        };
-        if (!(low < high) || reached(low)) return low;
-        return first(low, high, by_lower, target, reached);
+        return first_reaching(*this, side, p, low, high);
     }
-    /// Newton's steps inside the bracket, halvings of the doubles in it where they do not help, to the first double (or
-    /// integer) that reaches the percentile.
-    template <class Reached>
-    double first(double low, double high, bool by_lower, double target, Reached reached) const;
 
     std::vector<Shared> components_;
     std::vector<double> weights_;
 };
-
-template <class Reached>
-double Mixture::first(double low, double high, bool by_lower, double target, Reached reached) const {
-    constexpr int kSteps = 200;
-    const bool integers = values() == Values::integers, smooth = values() == Values::continuous;
-    const auto middle = [&] {
-        if (integers && high - low < 0x1p53) return std::floor(low / 2 + high / 2);
-        const double between = numerics::middle_double(low, high);
-        return integers ? std::floor(between) : between;
-    };
-    double x = middle();
-    for (int step = 0; step < kSteps && x > low && x < high; ++step) {
-        (reached(x) ? high : low) = x;
-        double next = middle();
-        if (smooth && step % 3 != 2) {
-            const double tail = (*this)(by_lower ? Function::cumulative : Function::survival, x);
-            const double density = std::exp((*this)(Function::log_density, x));
-            const double newton = x + (by_lower ? target - tail : tail - target) / density;
-            if (newton > low && newton < high) next = newton;
-            if (std::fabs(newton - x) <= 0x1p-52 * std::fabs(x)) return x;
-        }
-        if (next == x) break;
-        x = next;
-    }
-    return high;
-}
 
 std::optional<Moments> Mixture::moments() const {
     std::vector<Moments> of;

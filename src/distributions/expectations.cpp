@@ -110,7 +110,11 @@ std::array<double, N> atom_powers(const Univariate& d, Side side, double least, 
         taken += atoms.size();
         if (above <= least) break;
         // The next value; far out its power no longer counts.
+        const double before_x = x;
         x = integers ? x + direction * kBlock : d(quantile_of(side), std::nextafter(above, 0));
+        if (x == before_x)
+            x = d(quantile_of(side), std::max(above - DBL_EPSILON, 0.0));  // 1 - tail has changed
+        if (x == before_x) break;
         const auto next = powers<N>(x, centre, unit);
         const bool negligible =
             std::fabs(next[N - 1]) * above <= 1e-18 * std::fabs(sums[N - 1]) && before > 4 * above;
@@ -309,14 +313,22 @@ double log_quantile(const Univariate& d, Side side, double log_p) {
     if (log_p > -numerics::kLn2) return d(quantile_of(other(side)), -std::expm1(log_p));
     constexpr double kLeast = -700;  // of normal numbers
     if (log_p >= kLeast) return d(quantile_of(side), std::exp(log_p));
-    const double inner = d(quantile_of(side), std::exp(kLeast)), outer = end_of(d, side);
+    const double inner = d(quantile_of(side), std::exp(kLeast));
+    double outer = end_of(d, side);
     const auto limited = [](double x) { return std::clamp(x, -numerics::kInfinity, numerics::kInfinity); };
-    double low = limited(std::min(inner, outer)), high = limited(std::max(inner, outer));
     // The least x with ln F(x) >= log_p, or with ln S(x) <= log_p.
     const auto reached = [&](double x) {
         const double log = d(log_tail_of(side), x);
         return side == Side::lower ? log >= log_p : log <= log_p;
     };
+    // From inside out in steps that grow: far beyond the answer some tails are costly.
+    const double direction = side == Side::lower ? -1 : 1;
+    for (double step = std::max(std::fabs(inner), DBL_MIN); std::isinf(outer) && step <= numerics::kInfinity;
+         step *= 16) {
+        const double place = inner + direction * step;
+        if (reached(place) == (side == Side::upper)) outer = place;
+    }
+    double low = limited(std::min(inner, outer)), high = limited(std::max(inner, outer));
     if (reached(low)) return low > -numerics::kInfinity ? low : outer;
     if (!reached(high)) return outer;
     for (int step = 0; step < 64; ++step) {

@@ -1,6 +1,8 @@
 #include "distributions/univariate.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cmath>
 
 #include "distributions/univariate_family.h"
 
@@ -13,19 +15,9 @@ std::string shortest(double value) {
     return {text, std::to_chars(text, text + sizeof text, value).ptr};
 }
 
-std::string family_text(const char* name, const FamilyArguments& arguments,
-                        const std::vector<bool>& is_table) {
-    std::string text = std::string(name) + "(";
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        if (i > 0) text += ", ";
-        if (is_table[i]) text += "{";
-        for (std::size_t j = 0; j < arguments[i].size(); ++j) {
-            if (j > 0) text += ", ";
-            text += shortest(arguments[i][j]);
-        }
-        if (is_table[i]) text += "}";
-    }
-    return text + ")";
+double Univariate::log_within(double lower, double upper) const {
+    if (!(lower <= upper)) return -HUGE_VAL;
+    return Difference{tails_below(lower), tails(upper)}.log_mass();
 }
 
 void detail::evaluate_point(double point, Function function, std::span<const double> in,
@@ -33,7 +25,7 @@ void detail::evaluate_point(double point, Function function, std::span<const dou
     const double no =
         function == Function::log_cumulative || function == Function::log_survival ? -HUGE_VAL : 0;
     const double yes = no == 0 ? 1 : 0;
-    for_each(in, out, [&](double x) {
+    const auto value = [&](double x) {
         if (std::isnan(x)) return x;
         switch (function) {
             case Function::log_density:
@@ -47,7 +39,224 @@ void detail::evaluate_point(double point, Function function, std::span<const dou
             default:
                 return x >= 0 && x <= 1 ? point : numerics::kNaN;
         }
-    });
+    };
+    for (std::size_t i = 0; i < in.size(); ++i) out[i] = value(in[i]);
+}
+
+void FamilyObject::complete(Values values, const Support& support, const std::optional<double>& point) {
+    point_ = point;
+    values_ = point && values == Values::continuous ? Values::countable : values;
+    support_ = point ? Support{*point, *point}
+                     : Support{detail::infinite_again(support.lower), detail::infinite_again(support.upper)};
+}
+
+void FamilyObject::evaluate(Function function, std::span<const double> in, std::span<double> out) const {
+    if (point_) return detail::evaluate_point(*point_, function, in, out);
+    const auto [lower, upper] = support_;
+    const bool integers = values_ == Values::integers;
+    const auto density_at = [&, lower = lower, upper = upper](double& x, double& answer) {
+        answer = std::isnan(x) ? x : -HUGE_VAL;
+        x += 0.0;  // -0.0 is 0
+        return x >= lower && x <= upper && !std::isinf(x) && !(integers && x != std::floor(x));
+    };
+    // A tail is known below the support and above it.
+    const auto tail_at = [&, lower = lower, upper = upper](double below, double above) {
+        return [=](double& x, double& answer) {
+            answer = std::isnan(x) ? x : x < upper ? below : above;
+            if (integers) x = std::floor(x);
+            x += 0.0;
+            return x >= lower && x < upper && x != -HUGE_VAL;
+        };
+    };
+    const auto tails = [&](double below, double above) {
+        detail::evaluate_inside(in, out, tail_at(below, above), [&](std::span<double> x) {
+            inside(function, x);
+            for (double& p : x) p = std::clamp(p, 0.0, 1.0) + 0.0;  // no -0.0
+        });
+    };
+    const auto logs = [&](Side side, double below, double above) {
+        detail::evaluate_inside(in, out, tail_at(below, above), [&](std::span<double> x) {
+            log_tails(side, x);
+            for (double& log : x) log = detail::infinite_again(std::min(log, 0.0));
+        });
+    };
+    const auto inverses = [&, lower = lower, upper = upper](Side side) {
+        detail::evaluate_inside(
+            in, out,
+            [&](double p, double& end) { return detail::is_inner_percentile(p, side, support_, end); },
+            [&](std::span<double> x_or_p) {
+                inside(function, x_or_p);
+                for (double& x : x_or_p) x = detail::infinite_again(std::clamp(x, lower, upper));
+            });
+    };
+    switch (function) {
+        case Function::log_density:
+            return detail::evaluate_inside(in, out, density_at, [&](std::span<double> x) {
+                inside(function, x);
+                for (double& log : x) log = detail::infinite_again(log);
+            });
+        case Function::cumulative:
+            return tails(0, 1);
+        case Function::survival:
+            return tails(1, 0);
+        case Function::log_cumulative:
+            return logs(Side::lower, -HUGE_VAL, 0);
+        case Function::log_survival:
+            return logs(Side::upper, 0, -HUGE_VAL);
+        case Function::quantile:
+            return inverses(Side::lower);
+        case Function::upper_quantile:
+            return inverses(Side::upper);
+    }
+}
+
+namespace {
+
+/// ln of a tail at the distance d from the end of a support, where it is a power of the distance, from its logarithms
+/// further inside; NaN where it is no power there, or these are beyond doubles as well.
+template <class LogTail>
+double log_by_power(double distance, LogTail log_tail) {
+    constexpr int kStride = 30, kMost = 2100;  // powers of 2
+    constexpr double kWithDigits = -700;
+    for (int power = 2 * kStride; power < kMost; power += kStride) {
+        const auto at = [&](int more) { return log_tail(std::ldexp(distance, power + more)); };
+        const double log = at(0);
+        if (!(log > kWithDigits && log < 0)) continue;
+        const double once = at(kStride) - log, twice = at(2 * kStride) - at(kStride);
+        const bool straight = once > 0 && std::fabs(twice - once) <= 1e-12 * once;
+        return straight ? log - once * power / kStride : numerics::kNaN;
+    }
+    return numerics::kNaN;
+}
+
+}  // namespace
+
+/// The logarithm of a tail that is beyond doubles, from the density where that falls towards the end, or from the power that
+/// the tail is next to it; NaN where there is no way to it.
+double FamilyObject::log_beyond(Side side, double x) const {
+    const bool lower = side == Side::lower;
+    const double end = lower ? support_.lower : support_.upper;
+    const auto log_tail = [&](double distance) {
+        const double place = lower ? end + distance : end - distance;
+        double log = place;
+        if (!(place > support_.lower && place < support_.upper)) return numerics::kNaN;
+        if (inside(lower ? Function::log_cumulative : Function::log_survival, {&log, 1})) return log;
+        log = place;
+        inside(lower ? Function::cumulative : Function::survival, {&log, 1});
+        return std::log(log);
+    };
+    const bool falls =
+        std::isinf(end) || values_ != Values::continuous ||
+        (*this)(Function::log_density, end + (x - end) / 2) <= (*this)(Function::log_density, x);
+    const auto by_density = [&] {
+        const double first = lower ? support_.lower - (values_ == Values::integers) : support_.upper;
+        const double finite = std::clamp(first, -numerics::kInfinity, numerics::kInfinity);
+        return lower ? log_far_probability(finite, x, side) : log_far_probability(x, finite, side);
+    };
+    double log = falls ? by_density() : numerics::kNaN;
+    if (!(log > -numerics::kInfinity) && std::isfinite(end) && values_ == Values::continuous)
+        log = log_by_power(std::fabs(x - end), log_tail);
+    return std::isnan(log) ? by_density() : log;
+}
+
+void FamilyObject::log_tails(Side side, std::span<double> x) const {
+    constexpr std::size_t kBlock = 128;
+    double at[kBlock];
+    const Function own = side == Side::lower ? Function::log_cumulative : Function::log_survival;
+    for (std::size_t first = 0; first < x.size(); first += kBlock) {
+        const std::span<double> logs = x.subspan(first, std::min(kBlock, x.size() - first));
+        const std::span<double> places(at, logs.size());
+        std::ranges::copy(logs, at);
+        if (!inside(own, logs)) {
+            log_tails_from(side, places, logs);
+            continue;
+        }
+        for (std::size_t i = 0; i < logs.size(); ++i) {
+            // May be the logarithm of a number in between that was denormal, or 0.
+            const bool underflowed = logs[i] < -708 && (logs[i] > -746 || logs[i] <= -numerics::kInfinity);
+            const bool lost = !(logs[i] < 1);
+            if (!underflowed && !lost) continue;
+            const double log = log_beyond(side, at[i]);
+            if (!std::isnan(log)) logs[i] = log;
+        }
+    }
+}
+
+/// Logarithms of tails from the tails: of the smaller one itself, or of 1 less the other.
+void FamilyObject::log_tails_from(Side side, std::span<const double> x, std::span<double> logs) const {
+    const bool lower = side == Side::lower;
+    std::ranges::copy(x, logs.begin());
+    inside(lower ? Function::survival : Function::cumulative, logs);
+    std::vector<double> smaller;
+    for (std::size_t i = 0; i < x.size(); ++i)
+        if (!(logs[i] < 0.5)) smaller.push_back(x[i]);
+    if (!smaller.empty()) inside(lower ? Function::cumulative : Function::survival, smaller);
+    auto next = smaller.begin();
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        if (logs[i] < 0.5) {
+            logs[i] = numerics::log1p_fn(-logs[i]);
+            continue;
+        }
+        const double tail = *next++, log = tail < kFarTail ? log_beyond(side, x[i]) : numerics::kNaN;
+        logs[i] = std::isnan(log) ? std::log(tail) : log;
+    }
+}
+
+Tails FamilyObject::tails_below(double x) const {
+    if (values_ == Values::integers) return tails(std::ceil(x) - 1);
+    if (values_ == Values::continuous) return tails(x);
+    if (!counts_neighbours() || point_) return tails(std::nextafter(x, -HUGE_VAL));
+    const Tails at = tails(x);
+    const double mass = std::exp((*this)(Function::log_density, x));
+    return {std::max(at.lower - mass, 0.0), std::min(at.upper + mass, 1.0)};
+}
+
+/// Where the difference of the tails has lost its digits, the integral of the density, or the sum of the masses, from the end
+/// where it is higher.
+double FamilyObject::log_within(double lower, double upper) const {
+    lower = std::max(lower, support_.lower);
+    upper = std::min(upper, support_.upper);
+    const bool integers = values_ == Values::integers;
+    if (integers) lower = std::ceil(lower), upper = std::floor(upper);
+    if (!(lower <= upper)) return -HUGE_VAL;
+    if (point_) return 0;
+    const Difference difference = {tails_below(lower), tails(upper)};
+    if (values_ == Values::countable || difference.share() >= kResolved) return difference.log_mass();
+    const double before = integers ? lower - 1 : lower;
+    if (upper >= support_.upper) return (*this)(Function::log_survival, before);
+    if (lower <= support_.lower) return (*this)(Function::log_cumulative, upper);
+    const bool rises = (*this)(Function::log_density, lower) < (*this)(Function::log_density, upper);
+    const double log = log_far_probability(before, upper, rises ? Side::lower : Side::upper);
+    return std::isnan(log) ? difference.log_mass() : log;
+}
+
+std::optional<Moments> FamilyObject::moments() const {
+    if (point_) return Moments{*point_, 0, numerics::kNaN, numerics::kNaN};
+    const std::optional<Moments> own = own_moments();
+    if (!own) return std::nullopt;
+    const auto existing = [&](Side side) {
+        return std::isinf(side == Side::lower ? support_.lower : support_.upper) ? moment_limit(side)
+                                                                                 : HUGE_VAL;
+    };
+    return with_divergences(*own, existing(Side::lower), existing(Side::upper));
+}
+
+std::optional<double> FamilyObject::mode() const { return point_ ? point_ : own_mode(); }
+
+std::string FamilyObject::text() const {
+    std::string text = std::string(origin_.name) + "(";
+    for (std::size_t i = 0; i < origin_.arguments.size(); ++i) {
+        const auto& argument = origin_.arguments[i];
+        const bool table = (origin_.tables >> i & 1) != 0;
+        if (i > 0) text += ", ";
+        if (table) text += "{";
+        for (std::size_t j = 0; j < argument.size(); ++j) {
+            if (j > 0) text += ", ";
+            text += shortest(argument[j]);
+        }
+        if (table) text += "}";
+    }
+    return text + ")";
 }
 
 }  // namespace pral

@@ -44,6 +44,9 @@ class Univariate {
     virtual void evaluate(Function, std::span<const double> in, std::span<double> out) const = 0;
     /// P(X < x) and P(X >= x).
     virtual Tails tails_below(double x) const = 0;
+    /// ln P(lower <= X <= upper), also where the tails at these ends agree to most of their digits or are beyond doubles, as
+    /// far as the distribution knows a way.
+    virtual double log_within(double lower, double upper) const;
     /// Where they have closed forms or sums of their own; otherwise they are integrals over the quantiles.
     virtual std::optional<Moments> moments() const { return std::nullopt; }
     virtual std::optional<double> mode() const { return std::nullopt; }
@@ -60,6 +63,27 @@ class Univariate {
     }
     Tails tails(double x) const { return {(*this)(Function::cumulative, x), (*this)(Function::survival, x)}; }
 };
+
+/// The probability between two values as the difference of the tails at them, of those that are the smaller ones: `below`
+/// of what lies below the lower value, `above` at the upper one.
+struct Difference {
+    Tails below, above;
+    bool by_upper = below.lower > 0.5;  ///< both values are above the median
+    double mass = by_upper ? below.upper - above.upper : above.lower - below.lower;
+
+    /// How much of the larger tail the difference is: little where most digits have cancelled, none below the doubles that
+    /// have all of theirs.
+    double share() const {
+        constexpr double kLeast = 1e-290;
+        const double larger = by_upper ? below.upper : above.lower;
+        return larger > kLeast ? mass / larger : 0;
+    }
+    double log_mass() const {
+        return mass > 0.5 ? numerics::log1p_fn(-(below.lower + above.upper)) : std::log(mass);
+    }
+};
+/// From this share on a difference of tails has the digits that the library promises.
+inline constexpr double kResolved = 1e-3;
 
 using Shared = std::shared_ptr<const Univariate>;
 

@@ -1,18 +1,18 @@
 // A family as a Univariate: the family's functions, made total. One instantiation a family serves all callers that choose
-// a distribution while they run.
+// a distribution while they run. It holds the functions inside of the support only: what is the same for all families is
+// compiled once (univariate.cpp).
 #pragma once
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "distributions/data/step_uniform.h"
 #include "distributions/discrete/exact_inversion.h"
-#include "distributions/inflated/variants.h"
 #include "distributions/univariate.h"
 
 namespace pral {
@@ -20,9 +20,12 @@ namespace pral {
 /// The parameters of a family in order: a number is an array of one.
 using FamilyArguments = std::vector<std::vector<double>>;
 
-/// "Gamma(2.5, 3)".
-std::string family_text(const char* name, const FamilyArguments& arguments,
-                        const std::vector<bool>& is_table);
+/// What an object of a family is made from. Bit i of `tables` stands for a parameter i that is a table.
+struct FamilyOrigin {
+    const char* name;
+    std::uint64_t tables;
+    FamilyArguments arguments;
+};
 
 /// What is objected to when integers may be real numbers where the mathematics lets them: not the trials of a family whose
 /// support ends with them (kWholeTrials).
@@ -34,15 +37,6 @@ Message check_real(const D& d) {
         return d.check_range();
     else
         return d.check();
-}
-template <class Base, class Checks>
-Message check_real(const ZeroInflated<Base, Checks>& d) {
-    if (const Message objection = check_real(d.base)) return objection;
-    return d.pi >= 0 && d.pi <= 1 ? nullptr : "Error: pi must be between [0,1]";
-}
-template <class Base, class Checks>
-Message check_real(const ZeroTruncated<Base, Checks>& d) {
-    return check_real(d.base);
 }
 
 namespace detail {
@@ -56,110 +50,150 @@ inline double infinite_again(double x) {
 /// One value with all of the probability.
 void evaluate_point(double point, Function function, std::span<const double> in, std::span<double> out);
 
-/// out[i] = function(in[i]); the arrays may be the same.
-template <class F>
-void for_each(std::span<const double> in, std::span<double> out, F function) {
-    for (std::size_t i = 0; i < in.size(); ++i) out[i] = function(in[i]);
+/// Splits `in` into what lies inside, which `inner` changes in place, all at once, and the others, which get answers of
+/// their own: look(x, answer) tells whether x is inside and may change it, or else gives the answer. The arrays may be the same.
+template <class Look, class Inner>
+void evaluate_inside(std::span<const double> in, std::span<double> out, Look look, Inner inner) {
+    std::vector<std::pair<std::size_t, double>> answers;
+    std::size_t inside = 0;
+    for (std::size_t i = 0; i < in.size(); ++i) {
+        double x = in[i], answer = 0;
+        if (look(x, answer))
+            out[inside++] = x;
+        else
+            answers.emplace_back(i, answer);
+    }
+    if (inside > 0) inner(out.first(inside));
+    for (std::size_t i = in.size(); !answers.empty();) {
+        --i;
+        const bool answered = answers.back().first == i;
+        out[i] = answered ? answers.back().second : out[--inside];
+        if (answered) answers.pop_back();
+    }
 }
 
-/// Percentiles inside (0,1) go through `inner`, all at once and in place; the others through `end`.
-template <class Inner, class End>
-void invert(std::span<const double> in, std::span<double> out, Inner inner, End end) {
-    std::vector<std::pair<std::size_t, double>> ends;
-    for (std::size_t i = 0; i < in.size(); ++i) {
-        const double p = in[i];
-        const bool inside = p > 0 && p < 1;
-        if (!inside) ends.emplace_back(i, end(p));
-        out[i] = inside ? p : 0.5;
-    }
-    inner(out);
-    for (const auto& [i, value] : ends) out[i] = value;
+/// Whether p is a percentile inside (0,1); otherwise the end of the support that it stands for, or NaN.
+inline bool is_inner_percentile(double p, Side side, const Support& support, double& end) {
+    if (p > 0 && p < 1) return true;
+    end = p == 0   ? (side == Side::lower ? support.lower : support.upper)
+          : p == 1 ? (side == Side::lower ? support.upper : support.lower)
+                   : numerics::kNaN;
+    return false;
 }
 
 }  // namespace detail
 
+/// What the objects of all families have in common.
+class FamilyObject : public Univariate {
+  public:
+    /// The objection to the parameters; without one all else may be called.
+    Message check() const { return objection_; }
+
+    Values values() const override { return values_; }
+    Support support() const override { return support_; }
+    void evaluate(Function function, std::span<const double> in, std::span<double> out) const override;
+    Tails tails_below(double x) const override;
+    double log_within(double lower, double upper) const override;
+    std::optional<Moments> moments() const override;
+    std::optional<double> mode() const override;
+    std::string text() const override;
+
+  protected:
+    explicit FamilyObject(FamilyOrigin origin) : origin_(std::move(origin)) {}
+    const FamilyArguments& arguments() const { return origin_.arguments; }
+    void refuse(Message objection) { objection_ = objection; }
+    void complete(Values values, const Support& support, const std::optional<double>& point);
+
+    /// The function of each x inside the support, or of each probability inside (0,1), in place. False where the family has
+    /// no such function of its own, which only logarithms of tails may lack.
+    virtual bool inside(Function function, std::span<double> x) const = 0;
+    /// ln P(from < X <= to), both finite and inside the support, from the density, which falls towards `side`; NaN where
+    /// that is no way.
+    virtual double log_far_probability(double from, double to, Side side) const = 0;
+    virtual std::optional<Moments> own_moments() const = 0;
+    virtual std::optional<double> own_mode() const = 0;
+    /// Whether numbers next to a value count as that value.
+    virtual bool counts_neighbours() const = 0;
+
+  private:
+    double log_beyond(Side side, double x) const;
+    void log_tails(Side side, std::span<double> x) const;
+    void log_tails_from(Side side, std::span<const double> x, std::span<double> logs) const;
+
+    FamilyOrigin origin_;
+    Message objection_ = nullptr;
+    Values values_ = Values::continuous;
+    Support support_ = {};
+    std::optional<double> point_;
+};
+
 template <Family D>
-class UnivariateFamily final : public Univariate {
+class UnivariateFamily final : public FamilyObject {
   public:
     /// `make` turns the arguments, which this keeps, into the family.
     template <class Make>
-    UnivariateFamily(const char* name, std::vector<bool> is_table, FamilyArguments arguments, Make make)
-        : name_(name),
-          is_table_(std::move(is_table)),
-          arguments_(std::move(arguments)),
-          d_(make(arguments_)) {}
+    UnivariateFamily(FamilyOrigin origin, Make make)
+        : FamilyObject(std::move(origin)), d_(make(arguments())) {
+        refuse(check_real(d_));
+        if (check() != nullptr) return;
+        if constexpr (requires { d_.complete(); }) d_.complete();
+        constexpr Values kValues = [] {
+            if constexpr (requires { D::kIntegers; }) return Values::integers;
+            if constexpr (requires { D::kDiscrete; }) return Values::countable;
+            return Values::continuous;
+        }();
+        complete(kValues, d_.support(), d_.point_mass());
+    }
 
-    /// The objection to the parameters; without one all else may be called.
-    Message check() const { return check_real(d_); }
-
-    Values values() const override {
-        if constexpr (requires { D::kIntegers; })
-            return Values::integers;
-        else if constexpr (requires { D::kDiscrete; })
-            return Values::countable;
+    double moment_limit(Side side) const override {
+        if constexpr (requires { d_.moment_limit(side); })
+            return d_.moment_limit(side);
         else
-            return d_.point_mass() ? Values::countable : Values::continuous;
-    }
-    Support support() const override {
-        if (const auto point = d_.point_mass()) return {*point, *point};
-        const auto [lower, upper] = d_.support();
-        return {detail::infinite_again(lower), detail::infinite_again(upper)};
+            return HUGE_VAL;
     }
 
-    void evaluate(Function function, std::span<const double> in, std::span<double> out) const override {
-        if (const auto point = d_.point_mass()) return detail::evaluate_point(*point, function, in, out);
-        const auto [lower, upper] = support();
+  private:
+    bool inside(Function function, std::span<double> x) const override {
         switch (function) {
             case Function::log_density:
-                return detail::for_each(in, out, [&, lower = lower, upper = upper](double x) {
-                    if (std::isnan(x)) return x;
-                    if (!(x >= lower && x <= upper) || std::isinf(x) || !countable(x)) return -HUGE_VAL;
-                    return detail::infinite_again(d_.log_density(x + 0.0));
-                });
+                return each(x, [this](double at) { return d_.log_density(at); });
             case Function::cumulative:
-                return tail(in, out, 0, 1,
-                            [&](double x) { return std::clamp(tail_at(Side::lower, x), 0.0, 1.0); });
+                return each(x, [this](double at) { return d_.cumulative(at); });
             case Function::survival:
-                return tail(in, out, 1, 0,
-                            [&](double x) { return std::clamp(tail_at(Side::upper, x), 0.0, 1.0); });
+                return each(x, [this](double at) { return d_.survival(at); });
             case Function::log_cumulative:
-                return tail(in, out, -HUGE_VAL, 0, [&](double x) {
-                    return detail::infinite_again(std::min(log_tail_at(Side::lower, x), 0.0));
-                });
+                if constexpr (requires { d_.log_cumulative(x[0]); })
+                    return each(x, [this](double at) { return d_.log_cumulative(at); });
+                else
+                    return false;
             case Function::log_survival:
-                return tail(in, out, 0, -HUGE_VAL, [&](double x) {
-                    return detail::infinite_again(std::min(log_tail_at(Side::upper, x), 0.0));
-                });
+                if constexpr (requires { d_.log_survival(x[0]); })
+                    return each(x, [this](double at) { return d_.log_survival(at); });
+                else
+                    return false;
             case Function::quantile:
-                return quantiles(Side::lower, in, out);
+                return invert(Side::lower, x);
             case Function::upper_quantile:
-                return quantiles(Side::upper, in, out);
+                return invert(Side::upper, x);
         }
+        return false;
+    }
+    template <class F>
+    static bool each(std::span<double> x, F function) {
+        for (double& at : x) at = function(at);
+        return true;
     }
 
-    Tails tails_below(double x) const override {
-        if constexpr (requires { D::kIntegers; })
-            return tails(std::ceil(x) - 1);
-        else if constexpr (std::is_same_v<D, StepUniform>) {
-            const Tails at = tails(x);
-            const double mass = std::exp((*this)(Function::log_density, x));
-            return {std::max(at.lower - mass, 0.0), std::min(at.upper + mass, 1.0)};
-        } else if constexpr (requires { D::kDiscrete; })
-            return tails(std::nextafter(x, -HUGE_VAL));
-        else
-            return d_.point_mass() ? tails(std::nextafter(x, -HUGE_VAL)) : tails(x);
+    double log_far_probability([[maybe_unused]] double from, [[maybe_unused]] double to,
+                               [[maybe_unused]] Side side) const override {
+        if constexpr (HasFarTails<D>) return log_probability(d_, from, to, side);
+        return numerics::kNaN;
     }
-
-    std::optional<Moments> moments() const override {
-        if (const auto point = d_.point_mass()) return Moments{*point, 0, numerics::kNaN, numerics::kNaN};
-        if constexpr (requires { d_.moments(); }) {
-            const std::optional<Moments> all = d_.moments();
-            if (all) return with_divergences(*all, existing(Side::lower), existing(Side::upper));
-        }
+    std::optional<Moments> own_moments() const override {
+        if constexpr (requires { d_.moments(); }) return d_.moments();
         return std::nullopt;
     }
-    std::optional<double> mode() const override {
-        if (const auto point = d_.point_mass()) return *point;
+    std::optional<double> own_mode() const override {
         if constexpr (requires { d_.mode(); })
             return d_.mode();
         else if constexpr (requires { d_.peak(); })
@@ -167,108 +201,35 @@ class UnivariateFamily final : public Univariate {
         else
             return std::nullopt;
     }
-    double moment_limit(Side side) const override {
-        if constexpr (requires { d_.moment_limit(side); })
-            return d_.moment_limit(side);
-        else
-            return HUGE_VAL;
-    }
-    std::string text() const override { return family_text(name_, arguments_, is_table_); }
-
-  private:
-    double existing(Side side) const {
-        const auto [lower, upper] = support();
-        return std::isinf(side == Side::lower ? lower : upper) ? moment_limit(side) : HUGE_VAL;
-    }
-    bool countable([[maybe_unused]] double x) const {
-        if constexpr (requires { D::kIntegers; })
-            return x == std::floor(x);
-        else
-            return true;
+    bool counts_neighbours() const override {
+        if constexpr (requires { D::kCountsNeighbours; }) return D::kCountsNeighbours;
+        return false;
     }
 
-    /// Zero inflation of values below 0 (Skellam): the extra zeros are not below them.
-    static constexpr bool kInflated = requires(const D& d) {
-        d.pi;
-        d.base;
-    };
-    double tail_at(Side side, double x) const {
-        if constexpr (kInflated) {
-            if (x < 0) {
-                const Tails at = pral::tails(d_.base, x);
-                return side == Side::lower ? d_.pi * at.lower : d_.pi * at.upper + (1 - d_.pi);
-            }
-        }
-        return side == Side::lower ? d_.cumulative(x) : d_.survival(x);
-    }
-    double log_tail_at(Side side, double x) const {
-        if constexpr (kInflated) {
-            if (x < 0)
-                return side == Side::lower ? std::log(d_.pi) + pral::log_cumulative(d_.base, x)
-                                           : numerics::log1p_fn(-tail_at(Side::lower, x));
-        }
-        return side == Side::lower ? pral::log_cumulative(d_, x) : pral::log_survival(d_, x);
-    }
-
-    /// A tail at every x: `below` the support, `above` it, and between by the family.
-    template <class F>
-    void tail(std::span<const double> in, std::span<double> out, double below, double above, F inside) const {
-        const auto [lower, upper] = support();
-        detail::for_each(in, out, [&, lower = lower, upper = upper](double x) {
-            if (std::isnan(x)) return x;
-            if constexpr (requires { D::kIntegers; }) x = std::floor(x);
-            if (x < lower || x == -HUGE_VAL) return below;
-            return x >= upper ? above : inside(x + 0.0);  // -0.0 is 0
-        });
-    }
-
-    void quantiles(Side side, std::span<const double> in, std::span<double> out) const {
-        const auto [lower, upper] = support();
-        const auto limited = [lower = lower, upper = upper](double x) {
-            return std::isnan(x) ? x : detail::infinite_again(std::clamp(x, lower, upper));
-        };
-        detail::invert(
-            in, out, [&](std::span<double> tails) { invert_all(side, tails, limited); },
-            [&, lower = lower, upper = upper](double p) {
-                if (p == 0) return side == Side::lower ? lower : upper;
-                if (p == 1) return side == Side::lower ? upper : lower;
-                return numerics::kNaN;
-            });
-    }
-    template <class Limit>
-    void invert_all(Side side, std::span<double> tails, Limit limited) const {
-        const auto one = [&](double t) { return limited(exact_inverse(d_, {side, t})); };
+    bool invert(Side side, std::span<double> tails) const {
         if constexpr (requires { D::kIntegers; }) {
             exact_inverses(d_, side, tails);
-            for (double& value : tails) value = limited(value);
-            return;
+            return true;
         } else if constexpr (requires { d_.quantiles(tails); }) {
             if (side == Side::lower) {
                 d_.quantiles(tails);
-                for (double& value : tails) value = limited(value);
-                return;
+                return true;
             }
         }
         if constexpr (requires { d_.quantile_table(); }) {
             constexpr std::size_t kTableFrom = 300;  // fewer values do not repay the bins
             if (tails.size() >= kTableFrom) {
                 auto table = d_.quantile_table();
-                for (double& value : tails) {
-                    const bool mirrored = value > 0.5;
-                    const double x = mirrored
-                                         ? table(side == Side::lower ? Side::upper : Side::lower, 1 - value)
-                                         : table(side, value);
-                    value = std::isnan(x) ? one(value) : limited(x);
-                }
-                return;
+                const Side other = side == Side::lower ? Side::upper : Side::lower;
+                return each(tails, [&](double tail) {
+                    const double x = tail > 0.5 ? table(other, 1 - tail) : table(side, tail);
+                    return std::isnan(x) ? exact_inverse(d_, {side, tail}) : x;
+                });
             }
         }
-        for (double& value : tails) value = one(value);
+        return each(tails, [&](double tail) { return exact_inverse(d_, {side, tail}); });
     }
 
-    const char* name_;
-    std::vector<bool> is_table_;
-    FamilyArguments arguments_;
     D d_;
 };
 

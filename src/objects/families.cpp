@@ -1,6 +1,7 @@
 // The families' list for programs.
 #include <algorithm>
 #include <climits>
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -11,8 +12,8 @@ namespace pral::objects {
 
 namespace {
 
-const FamilyRow& required_family(const std::string& name) {
-    if (const FamilyRow* row = find_family(name)) return *row;
+const ListedFamily& required_family(const std::string& name) {
+    if (const ListedFamily* family = find_family(name)) return *family;
     std::string text = "there is no family \"" + name.substr(0, 64) + "\"";
     const auto similar = similar_families(name);
     for (std::size_t i = 0; i < similar.size(); ++i)
@@ -23,44 +24,25 @@ const FamilyRow& required_family(const std::string& name) {
     refuse(PRAL_ERROR_FAMILY, text + (similar.empty() ? "" : "?"));
 }
 
-std::int32_t kind_of(const FamilyRow& row) {
-    switch (row.kind[0]) {
-        case 'c':
-            return PRAL_CONTINUOUS;
-        case 'd':
-            return row.kind[1] == 'i' ? PRAL_DISCRETE : PRAL_TABLE;
-        default:
-            return -1;
-    }
-}
-
-/// The parameters of every family, read from the list once, when the library is first asked for one of them.
-const std::vector<std::vector<ParameterRow>>& all_parameters() {
-    static const auto all = [] {
-        std::vector<std::vector<ParameterRow>> parameters;
-        for (const FamilyRow* row : family_rows()) parameters.push_back(parameters_of(*row));
-        return parameters;
-    }();
-    return all;
-}
-const std::vector<ParameterRow>& parameters(const FamilyRow& row) {
-    const auto rows = family_rows();
-    return all_parameters()[static_cast<std::size_t>(std::ranges::find(rows, &row) - rows.begin())];
-}
+static_assert(static_cast<int>(FamilyKind::continuous) == PRAL_CONTINUOUS &&
+              static_cast<int>(FamilyKind::discrete) == PRAL_DISCRETE &&
+              static_cast<int>(FamilyKind::data) == PRAL_TABLE);
 
 }  // namespace
 
 Shared made_of(const std::string& family, FamilyArguments arguments) {
-    const FamilyRow& row = required_family(family);
-    const auto& wanted = parameters(row);
+    const auto& [row, fittable, wanted] = required_family(family);
     if (arguments.size() != wanted.size()) {
-        std::string text = std::string(row.name) + " has " + std::to_string(wanted.size()) + " parameters (";
+        std::string text = std::string(row->name) + " has " + std::to_string(wanted.size()) + " parameters (";
         for (std::size_t i = 0; i < wanted.size(); ++i) text += (i > 0 ? ", " : "") + wanted[i].name;
         refuse(PRAL_ERROR_PARAMETER, text + "), " + std::to_string(arguments.size()) + " given");
     }
     for (std::size_t i = 0; i < wanted.size(); ++i) {
         if (!wanted[i].is_table && arguments[i].size() != 1)
             refuse(PRAL_ERROR_PARAMETER, wanted[i].name + " must be one number",
+                   static_cast<std::int64_t>(i));
+        if (!wanted[i].is_table && std::isnan(arguments[i].front()))
+            refuse(PRAL_ERROR_PARAMETER, std::string(row->name) + ": " + wanted[i].name + " must be a number",
                    static_cast<std::int64_t>(i));
         if (arguments[i].size() > INT_MAX)
             refuse(PRAL_ERROR_PARAMETER, wanted[i].name + " has too many elements",
@@ -69,9 +51,9 @@ Shared made_of(const std::string& family, FamilyArguments arguments) {
             if (!wanted[i].is_table) number += 0.0;  // -0.0 is 0
     }
     std::string objection;
-    Shared distribution = row.make(std::move(arguments), objection);
+    Shared distribution = row->make(std::move(arguments), objection);
     if (distribution == nullptr)
-        refuse(PRAL_ERROR_PARAMETER, std::string(row.name) + ": " + without_prefix(objection));
+        refuse(PRAL_ERROR_PARAMETER, std::string(row->name) + ": " + without_prefix(objection));
     return distribution;
 }
 
@@ -79,34 +61,33 @@ Shared made_of(const std::string& family, FamilyArguments arguments) {
 
 using namespace pral::objects;
 
-size_t pral_family_count(void) { return family_rows().size(); }
+size_t pral_family_count(void) { return listed_families().size(); }
 
 const char* pral_family_name(size_t index) {
-    return index < family_rows().size() ? family_rows()[index]->name : nullptr;
+    return index < listed_families().size() ? listed_families()[index].row->name : nullptr;
 }
 
 pral_status pral_family_info(const char* family, pral_family* out, pral_error* error) {
     return guarded(error, [&] {
         pral_family& target = sized(out, "out");
-        const FamilyRow& row = required_family(&required(family, "family"));
-        target.name = row.name;
-        target.kind = kind_of(row);
-        target.fittable = row.fittable;
-        target.parameter_count = parameters(row).size();
-        target.text = row.text;
+        const auto& [row, fittable, parameters] = required_family(&required(family, "family"));
+        target.name = row->name;
+        target.kind = static_cast<std::int32_t>(row->kind);
+        target.fittable = fittable;
+        target.parameter_count = parameters.size();
+        target.text = row->text;
     });
 }
 
 pral_status pral_family_parameter(const char* family, size_t index, pral_parameter* out, pral_error* error) {
     return guarded(error, [&] {
         pral_parameter& target = sized(out, "out");
-        const FamilyRow& row = required_family(&required(family, "family"));
-        const auto& all = parameters(row);
-        if (index >= all.size())
+        const auto& [row, fittable, parameters] = required_family(&required(family, "family"));
+        if (index >= parameters.size())
             refuse(PRAL_ERROR_ARGUMENT,
-                   std::string(row.name) + " has " + std::to_string(all.size()) + " parameters");
-        target.name = all[index].name.c_str();
-        target.is_table = all[index].is_table;
-        target.text = all[index].text.c_str();
+                   std::string(row->name) + " has " + std::to_string(parameters.size()) + " parameters");
+        target.name = parameters[index].name.c_str();
+        target.is_table = parameters[index].is_table;
+        target.text = parameters[index].text.c_str();
     });
 }

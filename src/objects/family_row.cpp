@@ -3,20 +3,30 @@
 #include <algorithm>
 #include <cctype>
 #include <numeric>
+#include <utility>
 
 #include "classic/core_api.h"
+#include "objects/parameter_texts.h"
 
 namespace pral::objects {
 
 #define PRAL_FAMILY(X, KIND, KIN, PARAMETERS, TEXT) extern const FamilyRow row_of_##X;
 #include "classic/core_api.h"
+#define PRAL_FAMILY(X, KIND, KIN, PARAMETERS, TEXT) extern const FamilyRow row_of_##X;
+#include "objects/own_families.h"
 
 namespace {
 
 constexpr const FamilyRow* kRows[] = {
 #define PRAL_FAMILY(X, KIND, KIN, PARAMETERS, TEXT) &row_of_##X,
 #include "classic/core_api.h"
+#define PRAL_FAMILY(X, KIND, KIN, PARAMETERS, TEXT) &row_of_##X,
+#include "objects/own_families.h"
 };
+
+#define PRAL_NAME(X) #X,
+constexpr std::string_view kFitted[] = {PRAL_FITTED_FAMILIES(PRAL_NAME) "Uniform", "Student3"};
+#undef PRAL_NAME
 
 std::string lower_case(std::string_view text) {
     std::string lower(text);
@@ -41,15 +51,58 @@ std::size_t distance(std::string_view a, std::string_view b) {
     return row.back();
 }
 
+std::vector<ParameterRow> parameters_of(const FamilyRow& row) {
+    std::vector<ParameterRow> parameters;
+    std::vector<std::string> texts = parameter_texts(row.name);
+    std::string_view rest = row.parameters;
+    rest = rest.substr(1, rest.size() - 2);
+    while (!rest.empty()) {
+        const std::string_view declaration = rest.substr(0, rest.find(','));
+        rest.remove_prefix(std::min(declaration.size() + 1, rest.size()));
+        const std::string name(declaration.substr(declaration.find_last_of(" *") + 1));
+        if (declaration.find("int ") != std::string_view::npos) continue;  // counts the table before it
+        parameters.push_back({name, declaration.find('*') != std::string_view::npos, {}});
+    }
+    for (std::size_t i = 0; i < std::min(texts.size(), parameters.size()); ++i)
+        parameters[i].text = std::move(texts[i]);
+    return parameters;
+}
+
+/// The families, and their places in the order of their names in small letters.
+struct Register {
+    std::vector<ListedFamily> families;
+    std::vector<std::pair<std::string, std::size_t>> by_name;
+
+    Register() {
+        for (const FamilyRow* row : kRows) {
+            const bool fittable =
+                std::ranges::find(kFitted, std::string_view(row->name)) != std::end(kFitted);
+            by_name.emplace_back(lower_case(row->name), families.size());
+            families.push_back({row, fittable, parameters_of(*row)});
+        }
+        std::ranges::sort(by_name);
+    }
+};
+const Register& the_register() {
+    static const Register made;
+    return made;
+}
+
 }  // namespace
 
-std::span<const FamilyRow* const> family_rows() { return kRows; }
+std::span<const ListedFamily> listed_families() { return the_register().families; }
 
-const FamilyRow* find_family(std::string_view name) {
+const ListedFamily* find_family(std::string_view name) {
+    const auto& by_name = the_register().by_name;
     const std::string wanted = lower_case(name);
     const auto found =
-        std::ranges::find_if(kRows, [&](const FamilyRow* row) { return lower_case(row->name) == wanted; });
-    return found == std::end(kRows) ? nullptr : *found;
+        std::ranges::lower_bound(by_name, wanted, {}, &std::pair<std::string, std::size_t>::first);
+    const bool listed = found != by_name.end() && found->first == wanted;
+    return listed ? &the_register().families[found->second] : nullptr;
+}
+
+Shared base_of_variant(const char* name, FamilyArguments arguments, std::string& objection) {
+    return find_family(name + 2)->row->make(std::move(arguments), objection);
 }
 
 std::vector<std::string_view> similar_families(std::string_view name) {
@@ -68,20 +121,6 @@ std::vector<std::string_view> similar_families(std::string_view name) {
     for (const auto& [far, similar] : ranked)
         if (names.size() < kMost) names.push_back(similar);
     return names;
-}
-
-std::vector<ParameterRow> parameters_of(const FamilyRow& row) {
-    std::vector<ParameterRow> parameters;
-    std::string_view rest = row.parameters;
-    rest = rest.substr(1, rest.size() - 2);
-    while (!rest.empty()) {
-        const std::string_view declaration = rest.substr(0, rest.find(','));
-        rest.remove_prefix(std::min(declaration.size() + 1, rest.size()));
-        const std::string name(declaration.substr(declaration.find_last_of(" *") + 1));
-        if (declaration.find("int ") != std::string_view::npos) continue;  // counts the table before it
-        parameters.push_back({name, declaration.find('*') != std::string_view::npos, {}});
-    }
-    return parameters;
 }
 
 }  // namespace pral::objects

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <tuple>
 #include <type_traits>
 #include <utility>
@@ -34,10 +35,12 @@ auto argument_at(const FamilyArguments& arguments) {
 /// D from arguments, by the types of its parameters in C.
 template <class D, class... T>
 struct Maker {
-    static std::vector<bool> tables() {
-        std::vector<bool> is_table;
-        ((std::is_same_v<T, int> ? void() : is_table.push_back(std::is_same_v<T, const double*>)), ...);
-        return is_table;
+    static constexpr std::uint64_t tables() {
+        std::uint64_t tables = 0, bit = 1;
+        ((std::is_same_v<T, int> ? void()
+                                 : void((tables |= std::is_same_v<T, const double*> ? bit : 0, bit <<= 1))),
+         ...);
+        return tables;
     }
     static D family(const FamilyArguments& arguments) {
         return [&]<std::size_t... I>(std::index_sequence<I...>) {
@@ -46,7 +49,8 @@ struct Maker {
         (std::index_sequence_for<T...>());
     }
     static Shared object(const char* name, FamilyArguments arguments, std::string& objection) {
-        auto made = std::make_shared<UnivariateFamily<D>>(name, tables(), std::move(arguments), family);
+        auto made =
+            std::make_shared<UnivariateFamily<D>>(FamilyOrigin{name, tables(), std::move(arguments)}, family);
         const Message message = made->check();
         if (message == nullptr) return made;
         objection = message;
@@ -63,17 +67,24 @@ Maker<D, T...> maker_of(void (*)(T...));
 #define PRAL_CHOICE(KIN, CHOSEN, OTHERWISE) PRAL_SECOND(KIN CHOSEN, OTHERWISE, )
 
 #define PRAL_NO_ROW(X, KIND, PARAMETERS, TEXT)
-#define PRAL_ROW(X, KIND, PARAMETERS, TEXT)                                                          \
-    extern const FamilyRow row_of_##X;                                                               \
-    const FamilyRow row_of_##X = {                                                                   \
-        #X, #KIND, #PARAMETERS, TEXT, false, [](FamilyArguments arguments, std::string& objection) { \
-            using Make = decltype(maker_of<pral::X>(static_cast<void(*) PARAMETERS>(nullptr)));      \
-            return Make::object(#X, std::move(arguments), objection);                                \
-        }};
+#ifndef PRAL_MAKE_OBJECT
+#define PRAL_MAKE_OBJECT(X, PARAMETERS) \
+    decltype(maker_of<pral::X>(static_cast<void(*) PARAMETERS>(nullptr)))::object
+#endif
+#define PRAL_ROW(X, KIND, PARAMETERS, TEXT)                                                            \
+    extern const FamilyRow row_of_##X;                                                                 \
+    const FamilyRow row_of_##X = {#X, FamilyKind::KIND, #PARAMETERS, TEXT,                             \
+                                  [](FamilyArguments arguments, std::string& objection) -> Shared {    \
+                                      return PRAL_MAKE_OBJECT(X, PARAMETERS)(#X, std::move(arguments), \
+                                                                             objection);               \
+                                  }};
 
 #include "classic/core_api.h"
 namespace pral::objects {
 #define PRAL_FAMILY(X, KIND, KIN, PARAMETERS, TEXT) \
     PRAL_CHOICE(PRAL_KIN_##KIN, PRAL_ROW, PRAL_NO_ROW)(X, KIND, PARAMETERS, TEXT)
 #include "classic/core_api.h"
+#define PRAL_FAMILY(X, KIND, KIN, PARAMETERS, TEXT) \
+    PRAL_CHOICE(PRAL_KIN_##KIN, PRAL_ROW, PRAL_NO_ROW)(X, KIND, PARAMETERS, TEXT)
+#include "objects/own_families.h"
 }  // namespace pral::objects

@@ -86,7 +86,7 @@ typedef struct pral_parameter {
     size_t size; /* sizeof(pral_parameter), set by the caller */
     const char* name;
     int32_t is_table; /* 1: an array of numbers */
-    const char* text; /* what it is, and its range */
+    const char* text; /* what it is and, after the last comma, its range: "standard deviation, >= 0" */
 } pral_parameter;
 
 /* How many families there are, and their names; null beyond the last. */
@@ -136,7 +136,7 @@ enum { PRAL_LOWER_IS_PERCENTILE = 1, PRAL_UPPER_IS_PERCENTILE = 2 };
 
 /* Given that it lies within [lower, upper], ends included, also for counts. -INFINITY and INFINITY leave a side open.
  * `flags`: which of the ends are percentiles; where a value has a probability of its own, the whole of it is kept.
- * Refused where no double holds the probability between the ends. */
+ * Refused where no probability lies between the ends; one below the range of doubles counts by its logarithm. */
 PRAL_OBJECTS_API pral_status pral_truncated(const pral_distribution* distribution, double lower, double upper,
                                             int32_t flags, pral_distribution** out, pral_error* error);
 /* X + shift. */

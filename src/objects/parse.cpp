@@ -154,9 +154,9 @@ class Parser {
         return distribution;
     }
     Shared family(const std::string& name) {
-        const FamilyRow* const row = find_family(name);
-        const std::vector<ParameterRow> named =
-            row == nullptr ? std::vector<ParameterRow>() : parameters_of(*row);
+        const ListedFamily* const listed = find_family(name);
+        const std::vector<ParameterRow> none;
+        const std::vector<ParameterRow>& named = listed == nullptr ? none : listed->parameters;
         FamilyArguments arguments;
         std::vector<bool> given;
         if (!take(')')) {

@@ -1,4 +1,4 @@
-// The second door against arguments that no careful caller passes, and in many threads at once.
+// The second door against arguments that no careful caller passes.
 #include <gtest/gtest.h>
 #include <pral_core/objects.hpp>
 
@@ -6,7 +6,6 @@
 #include <cmath>
 #include <cstring>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -175,35 +174,6 @@ TEST(Hostile, AnyNumbersHaveAnAnswer) {
             pral_distribution_free(d);
         }
     }
-}
-
-TEST(Hostile, ThreadsShareDistributions) {
-    constexpr std::size_t kThreads = 8, kValues = 2000;
-    const char* const texts[] = {"Gamma(2.5, 3)",
-                                 "Poisson(40)",
-                                 "Discrete({3, 1, 2}, {1, 1, 2})",
-                                 "NCChiSq(3, 5)",
-                                 "Mixture(0.3: Normal(0, 1), 0.7: ZIPoisson(2, 0.5))",
-                                 "Hypergeo(50, 60, 100) within [20, 40]"};
-    std::vector<Distribution> shared;
-    for (const char* text : texts) shared.push_back(Distribution::parse(text));
-    const pral::Stream origin(1);
-    const auto work = [&](std::size_t id) {
-        pral::Stream stream = origin.child(id % 2);  // two threads in turn must agree
-        double sum = 0;
-        for (const Distribution& d : shared) {
-            std::vector<double> values = d.sample(stream, kValues);
-            d.sf(values, values);
-            for (const double value : values) sum += value;
-            sum += d.moments().mean + d.upper_tail_mean(0.9);
-        }
-        return sum;
-    };
-    std::vector<double> sums(kThreads);
-    std::vector<std::thread> threads;
-    for (std::size_t i = 0; i < kThreads; ++i) threads.emplace_back([&, i] { sums[i] = work(i); });
-    for (std::thread& thread : threads) thread.join();
-    for (std::size_t i = 2; i < kThreads; ++i) EXPECT_EQ(sums[i], sums[i % 2]);
 }
 
 }  // namespace

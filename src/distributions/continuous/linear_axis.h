@@ -4,7 +4,7 @@
 #include <cfloat>
 #include <span>
 
-#include "boundary/error_text.h"
+#include "classic/error_text.h"
 #include "distributions/moments.h"
 #include "numerics/constants.h"
 

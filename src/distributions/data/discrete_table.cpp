@@ -110,9 +110,13 @@ double Discrete::cumulative(double x) const {
 
 double Discrete::survival(double x) const {
     if (std::isnan(x)) return x;
-    if (sums_from_above_.empty()) sums_from_above_ = data::running_sums_from_above(table_.weights());
+    complete();
     const std::size_t count = table_.count_up_to(x);
     return count == table_.size() ? 0 : std::min(sums_from_above_[count] / total(), 1.0);
+}
+
+void Discrete::complete() const {
+    if (sums_from_above_.empty()) sums_from_above_ = data::running_sums_from_above(table_.weights());
 }
 
 double Discrete::log_density(double x) const {

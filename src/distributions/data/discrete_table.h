@@ -63,6 +63,8 @@ class Discrete {
     double cumulative(double x) const;
     double survival(double x) const;
     double log_density(double x) const;
+    /// Makes what survival() needs and would else make when first asked: threads may share the distribution afterwards.
+    void complete() const;
 
     double quantile(double p) const;
     void quantiles(std::span<double> p) const;
@@ -83,7 +85,7 @@ class Discrete {
     Message objection_, probability_objection_;
     data::SortedValues table_;
     std::vector<double> sums_;
-    mutable std::vector<double> sums_from_above_;  // made when first asked for: sampling has no use for them
+    mutable std::vector<double> sums_from_above_;  // by complete(): sampling has no use for them
 };
 
 /// The values of a table, all equally likely; a value that stands there k times counts k times.

@@ -13,6 +13,7 @@ namespace pral {
 /// it differs from it by no more than a few roundings.
 struct StepUniform {
     static constexpr bool kDiscrete = true;
+    static constexpr bool kCountsNeighbours = true;
     double min, max, step;
     double steps = (max - min) / step;
 

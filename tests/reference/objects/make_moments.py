@@ -410,4 +410,19 @@ for text, function, x, value in (
         ("Student(100)", "logsf", 1e6, log(quad(lambda u: u**49 / sqrt(1 - u * far), [0, 1]) * far**50 / beta(50, half) / 2))):
     put(text, function, x, value)
 
+mp.dps = 30
+# Families that only objects have
+H = [0, 1, 2, 4, 8, 20, 40]
+for sigma in (1, 3):
+    real(f"HalfNormal({sigma})", lambda t: 2 * phi(t), H, lambda t: sigma * t)
+for a, b in ((mpf(half), mpf(half)), (mpf(1) / 64, mpf(1) / 8), (mpf(8), mpf(half))):
+    real(f"Gompertz({float(a)}, {float(b)})", expon, P, lambda t: log1p(b * t / a) / b)
+    put(f"Gompertz({float(a)}, {float(b)})", "mode", "", max(log(b / a) / b, 0))
+for beta_, xi in ((2, mpf(1) / 8), (1, mpf(1) / 4), (1, mpf(half)), (1, mpf(1)), (3, mpf(0)), (1, -mpf(half)), (2, -mpf(2))):
+    real(f"GPD({beta_}, {float(xi)})", expon, P, lambda t: beta_ * (expm1(xi * t) / xi if xi else t), above=1 / xi if xi > 0 else inf)
+    put(f"GPD({beta_}, {float(xi)})", "mode", "", 1 if xi == -2 else 0)
+    if xi < 1:
+        x = beta_ * (expm1(xi * log(mpf(64))) / xi if xi else log(mpf(64)))
+        put(f"GPD({beta_}, {float(xi)})", "upper_tail_mean", 0.984375, x + (beta_ + xi * x) / (1 - xi))
+
 Path(__file__).with_name("moments.tsv").write_text("# distribution\tfunction\targument\tvalue\n" + "\n".join(out) + "\n")
