@@ -111,9 +111,4 @@ OgiveU::OgiveU(double min, double max, const double* sample, int n, RandomStream
           return data::polygon(lower, upper, values, ordinates, false);
       })) {}
 
-OgiveU::OgiveU(double, double, const double*, int)
-    : CheckedSegments(data::CheckedPolygon{{},
-                                           "Error: OgiveU draws its ordinates: make CumulA(min, max, data, "
-                                           "ordinates) of sorted uniforms of a stream"}) {}
-
 }  // namespace pral

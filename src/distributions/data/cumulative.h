@@ -39,11 +39,9 @@ struct Ogive : data::CheckedPolygon {
 };
 
 /// Ogive with n sorted uniform draws in place of the ordinates i/(n + 1): as uncertain as the percentiles of the order
-/// statistics are. They are drawn when the object is made, once its data are found to be in order; without a stream it is
-/// refused.
+/// statistics are. They are drawn when the object is made, once its data are found to be in order.
 struct OgiveU : data::CheckedPolygon {
     OgiveU(double min, double max, const double* sample, int n, RandomStream& stream);
-    OgiveU(double min, double max, const double* sample, int n);
 };
 
 }  // namespace pral
