@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <functional>
+#include <numeric>
 
 #include "numerics/elementary.h"
 
@@ -285,25 +287,127 @@ double size_of_sum(const Masses& a, const Masses& b, std::size_t amount) {
            static_cast<double>(amount) * static_cast<double>(b.first + b.p.size());
 }
 
+/// Adds multiples of the same masses, each `amount` further on than the one before. Products below what counts in the end
+/// are left out: they are many, and underflow takes its time. Every sum takes its terms in the order of the multiples; where
+/// all multiples of a call have a term, it is loaded and stored once for all of them.
+class Multiples {
+  public:
+    /// `count` multiples are to come; few do not repay a table of where the masses end.
+    Multiples(std::span<const double> masses, std::size_t amount, std::size_t count)
+        : masses_(masses), amount_(amount) {
+        if (count < kAtOnce) return;
+        largest_before_.resize(masses.size());
+        largest_from_.resize(masses.size());
+        std::inclusive_scan(masses.begin(), masses.end(), largest_before_.begin(), larger);
+        std::inclusive_scan(masses.rbegin(), masses.rend(), largest_from_.rbegin(), larger);
+    }
+
+    static constexpr std::size_t kAtOnce = 8;
+
+    template <std::size_t kCount>
+    void add(const double (&factors)[kCount], double* sum) const {
+        Part parts[kCount], common = {0, SIZE_MAX};
+        for (std::size_t k = 0; k < kCount; ++k) {
+            parts[k] = part(1e-3 * kSmallest / factors[k], k * amount_);
+            common = {std::max(common.begin, parts[k].begin), std::min(common.end, parts[k].end)};
+        }
+        common.end = std::max(common.begin, common.end);
+        const auto add_one = [&](std::size_t k, std::size_t begin, std::size_t end) {
+            for (std::size_t s = begin; s < end; ++s) sum[s] += factors[k] * masses_[s - k * amount_];
+        };
+        for (std::size_t k = 0; k < kCount; ++k)
+            add_one(k, parts[k].begin, std::min(parts[k].end, common.begin));
+        for (std::size_t s = common.begin; s < common.end; ++s) {
+            double total = sum[s];
+            for (std::size_t k = 0; k < kCount; ++k) total += factors[k] * masses_[s - k * amount_];
+            sum[s] = total;
+        }
+        for (std::size_t k = 0; k < kCount; ++k)
+            add_one(k, std::max(parts[k].begin, common.end), parts[k].end);
+    }
+
+  private:
+    struct Part {
+        std::size_t begin, end;
+    };
+    static double larger(double a, double b) { return std::max(a, b); }
+
+    /// From the first mass that is not below `least` to the last one, moved up.
+    Part part(double least, std::size_t moved) const {
+        std::size_t begin = 0, end = masses_.size();
+        if (!largest_before_.empty()) {
+            const auto first = std::ranges::lower_bound(largest_before_, least);
+            const auto last = std::ranges::upper_bound(largest_from_, least, std::greater<>());
+            begin = static_cast<std::size_t>(first - largest_before_.begin());
+            end = std::max(begin, static_cast<std::size_t>(last - largest_from_.begin()));
+        }
+        while (begin < end && masses_[begin] < least) ++begin;
+        while (begin < end && masses_[end - 1] < least) --end;
+        return {begin + moved, end + moved};
+    }
+
+    std::span<const double> masses_;
+    std::size_t amount_;
+    std::vector<double> largest_before_, largest_from_;  // of the masses up to each, and from each on
+};
+
 /// The sum of `a` and of `amount` times `b`.
 Masses sum_of(const Masses& a, const Masses& b, std::size_t amount) {
     Masses sum{a.first + amount * b.first, std::vector<double>(a.p.size() + amount * (b.p.size() - 1))};
-    for (std::size_t k = 0; k < b.p.size(); ++k) {
-        // Products below what counts in the end are left out: they are many, and underflow takes its time.
-        const double least = 1e-3 * kSmallest / b.p[k];
-        std::size_t begin = 0, end = a.p.size();
-        while (begin < end && a.p[begin] < least) ++begin;
-        while (begin < end && a.p[end - 1] < least) --end;
-        double* const target = sum.p.data() + k * amount;
-        for (std::size_t s = begin; s < end; ++s) target[s] += b.p[k] * a.p[s];
+    const Multiples multiples(a.p, amount, b.p.size());
+    constexpr std::size_t kAtOnce = Multiples::kAtOnce;
+    std::size_t k = 0;
+    for (; k + kAtOnce <= b.p.size(); k += kAtOnce) {
+        double factors[kAtOnce];
+        std::copy_n(b.p.data() + k, kAtOnce, factors);
+        multiples.add(factors, sum.p.data() + k * amount);
     }
+    for (; k < b.p.size(); ++k) multiples.add({b.p[k]}, sum.p.data() + k * amount);
     trim(sum);
     return sum;
+}
+
+/// What a sum of binomials is like, to tell beforehand how many masses it will have.
+struct Spread {
+    double mean = 0, variance = 0, most = 0;
+
+    void add(const Spread& more, double amount) {
+        mean += amount * more.mean;
+        variance += amount * amount * more.variance;
+        most += amount * more.most;
+    }
+    /// Its masses above kSmallest, at least about so many: a normal distribution reaches 37 deviations on each side.
+    double width() const {
+        const double reach = 30 * std::sqrt(variance);
+        return std::min(mean, reach) + std::min(most - mean, reach);
+    }
+};
+
+/// The products that the convolution takes, at least about.
+double expected_products(const Risk& risk) {
+    double products = 0;
+    Spread total;
+    for (std::size_t j = 1; j <= risk.amounts; ++j) {
+        Spread number;
+        for (std::size_t i = 0; i < risk.q.size(); ++i) {
+            const double n = risk.of_amount(j)[i], q = risk.q[i];
+            const Spread one = {n * q, n * q * (1 - q), n};
+            products += number.width() * one.width();
+            number.add(one, 1);
+        }
+        products += total.width() * number.width();
+        total.add(number, static_cast<double>(j));
+    }
+    return products;
 }
 
 /// The same distribution as the recursion's without a limit, for q < 1: the numbers of claims of each amount, then the
 /// amounts themselves.
 void convolution(const Risk& risk, AggregateClaims& claims) {
+    if (expected_products(risk) > kMostWork) {
+        claims.objection = kTooLarge;
+        return;
+    }
     Masses total;
     double work = 0;
     const auto add = [&](Masses& to, const Masses& more, std::size_t amount) {
