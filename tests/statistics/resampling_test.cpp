@@ -56,6 +56,48 @@ TEST(Resampling, ShuffleOrdersTheDraws) {
     for (int k = 0; k < n; ++k) ASSERT_EQ(out[k], k);
 }
 
+/// A replicate takes a word for each of its observations, whatever they have; a permutation one for each place; a step of a
+/// chain one for each state that individuals who are left may move to, but the last.
+TEST(Resampling, CallsTakeAsManyWordsAsTheManualSays) {
+    const Values x = {1.5, -2, 8, 3.25, 0.5, 11}, y = {3, 1, 4, 1, 5, 9};
+    const Values table = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+    const Values population = {1000, 0, 500}, moving = {0.5, 0.3, 0.2, 0.1, 0.2, 0.7, 0.3, 0.3, 0.4};
+    Values out(40), P = moving;
+    double m[4];
+    const struct {
+        std::function<bool()> call;
+        unsigned words;
+    } rows[] = {
+        {[&] { return PralNBootMean_Core(out.data(), x.data(), 6); }, 6},
+        {[&] { return PralNBootStdev_Core(out.data(), x.data(), 6); }, 6},
+        {[&] { return PralNBootVar_Core(out.data(), x.data(), 6); }, 6},
+        {[&] { return PralNBootSkew_Core(out.data(), x.data(), 6); }, 6},
+        {[&] { return PralNBootKurt_Core(out.data(), x.data(), 6); }, 6},
+        {[&] { return PralNBootCofV_Core(out.data(), x.data(), 6); }, 6},
+        {[&] { return PralNBootPercentile_Core(out.data(), x.data(), 6, 0.3); }, 6},
+        {[&] { return PralNBootMoments_Core(x.data(), 6, &m[0], &m[1], &m[2], &m[3]); }, 6},
+        {[&] { return PralNBootPaired_Core(out.data(), 8, x.data(), y.data(), 6); }, 4},
+        {[&] { return PralNBootSeries_Core(out.data(), 9, x.data(), 6); }, 9},
+        {[&] { return PralSpearmanU_Core(out.data(), x.data(), y.data(), 6); }, 6},
+        {[&] { return PralCorrMatrixU_Core(out.data(), table.data(), 4, 3, 0); }, 4},
+        {[&] { return PralCorrMatrixU_Core(out.data(), table.data(), 4, 3, 1); }, 3},
+        {[&] { return PralShuffle_Core(out.data(), 17); }, 17},
+        {[&] { return PralMarkovSample_Core(out.data(), 3, population.data(), P.data(), 3, 3, 1); }, 4},
+        {[&] { return PralSample_Core(out.data(), 5, x.data(), 6); }, 0},  // another generator
+        {[&] { return PralSpearman_Core(out.data(), x.data(), y.data(), 6); }, 0},
+    };
+    for (const auto& row : rows) {
+        double next = 0, expected = 0;
+        PralSetRandomSeed(31);
+        for (unsigned i = 0; i <= row.words; ++i)
+            ASSERT_TRUE(PralUniform_Core(&expected, 0, 1, nullptr, nullptr, nullptr, nullptr, nullptr));
+        PralSetRandomSeed(31);
+        ASSERT_TRUE(row.call()) << PralCoreError();
+        ASSERT_TRUE(PralUniform_Core(&next, 0, 1, nullptr, nullptr, nullptr, nullptr, nullptr));
+        EXPECT_EQ(next, expected) << "row " << &row - rows;
+    }
+}
+
 TEST(Resampling, BootstrapStatisticsAreThoseOfTheResample) {
     const Values data = {1.5, -2, 8, 3.25, 0.5, 11};
     const int n = static_cast<int>(data.size());

@@ -227,6 +227,8 @@ TEST(Statistics, InequalityAndDominance) {
         {{2, 2.5}, {1, 3}, 2},
         {{1}, {0.5, 4}, 0},  // higher floor, smaller mean
         {{-1e308, 1e308}, {0, 1e308}, -1},
+        {{2 - 0.9e-12, 2 - 0.9e-12}, {1, 3}, 2},  // a mean smaller by less than 1e-12 of the area between
+        {{2 - 1.1e-12, 2 - 1.1e-12}, {1, 3}, 0},
     };
     for (const auto& row : rows) {
         const int nx = static_cast<int>(row.x.size()), ny = static_cast<int>(row.y.size());
