@@ -4,7 +4,7 @@ PREFIX ?= /usr/local
 JOBS := $(shell nproc)
 
 .DEFAULT_GOAL := build
-.PHONY: accuracy build demo test test-linux test-windows windows bench sanitize lint lint-all format install clean help
+.PHONY: accuracy build demo test test-linux test-windows windows bench sanitize thread lint lint-all format install clean help
 
 build:  ## the library, the companion and the example, for Linux (build/release)
 	@scripts/install-deps.sh linux
@@ -47,6 +47,9 @@ accuracy:  ## measures the accuracy and writes the tables of docs/numerics.md
 sanitize:  ## the Linux tests under the address and undefined-behaviour sanitizers
 	@scripts/install-deps.sh linux
 	@scripts/test.sh sanitize
+
+thread:  ## distributions that eight threads share, under the thread sanitizer
+	@scripts/test.sh thread
 
 lint:  ## formatting and whitespace everywhere, clang-tidy on what differs from upstream
 	@scripts/install-deps.sh linux lint

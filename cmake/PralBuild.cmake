@@ -53,7 +53,10 @@ endif()
 if(PRAL_WARNINGS_AS_ERRORS)
   target_compile_options(pral_options INTERFACE -Werror)
 endif()
-if(PRAL_SANITIZE)
+if(PRAL_SANITIZE STREQUAL "thread")
+  add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=thread)
+elseif(PRAL_SANITIZE)
   # For every target: a plain program cannot load a library that needs the sanitizers' runtime. The check of casts is not in
   # "undefined": a double that does not fit its integer gives different numbers on different processors.
   add_compile_options(-fsanitize=address,undefined,float-cast-overflow -fno-sanitize-recover=all -fno-omit-frame-pointer)
