@@ -57,10 +57,10 @@ constexpr std::size_t kPart = 250;
 
 /// Both ends outside of the data by each pair of distances.
 template <class Estimate>
-Starts at_ends(const Sample& x, Estimate estimate) {
+Starts at_ends(const Sample& x, Estimate estimate, std::span<const double> distances = kEndDistances) {
     Starts starts;
-    for (const double below : kEndDistances) {
-        for (const double above : kEndDistances)
+    for (const double below : distances) {
+        for (const double above : distances)
             estimate(x.min() - below * x.range(), x.max() + above * x.range(), starts.places);
     }
     return starts;
@@ -83,15 +83,18 @@ Starts start_beta_subj(const StartData& data) {
         places.push_back(place({min, std::clamp(mode, min + 0.02 * width, max - 0.02 * width), mean, max}));
     });
 }
+/// Ends so far out that the family is a lognormal or a normal one, its limits, are tried as well.
 Starts start_johnson_b(const StartData& data) {
+    constexpr std::array kDistances = {0.002, 0.02, 0.2, 1.0, 10.0, 300.0, 1e5};
     const std::vector<double> part = thinned(data.x.values(), kPart);
     const Sample x(part);
-    return at_ends(x, [&](double min, double max, auto& places) {
+    const auto estimate = [&](double min, double max, auto& places) {
         std::vector<double> scores = moved(x, min);
         for (double& score : scores) score = std::log(score / (max - min - score));
         const Sample z(scores);
         places.push_back(place({-z.mean() / z.deviation(), 1 / z.deviation(), min, max}));
-    });
+    };
+    return at_ends(x, estimate, kDistances);
 }
 Starts start_kumaraswamy4(const StartData& data) {
     const std::vector<double> part = thinned(data.x.values(), kPart);
@@ -193,11 +196,11 @@ class TriangleSearch {
         std::size_t mode;
         double value;
     };
-    /// From pairs of ends on a grid, and from both ends of the data as the mode.
-    Found from_grid() {
+    /// From pairs of ends on a grid, and from both ends of the data as the mode. The best first.
+    std::vector<Found> from_grid() {
         constexpr std::array kDistances = {-6.0, -3.5, -2.0, -1.0, 0.0, 1.0, 3.0};
         for (const double below : kDistances) {
-            for (const double above : kDistances) add({below, above}, 1);
+            for (const double above : kDistances) add({below, above}, 2);
         }
         constexpr double kAtTheData = -30;
         for (const double distance : {-3.0, 0.0}) {
@@ -207,8 +210,8 @@ class TriangleSearch {
         return climbed();
     }
     /// From ends that have been found for a part of the values.
-    Found from(const Point& ends) {
-        add(ends, 5);
+    std::vector<Found> from(const std::vector<Found>& of_part) {
+        for (const Found& found : of_part) add(found.point, 5);
         return climbed();
     }
     Triangle3 triangle(const Found& found) const {
@@ -251,14 +254,16 @@ class TriangleSearch {
         const Maximum found = maximise(objective, candidate.point, deadline_, 1e-6);
         if (found.value > candidate.value) candidate = {found.point, candidate.mode, found.value};
     }
-    /// The best end of the climbs, each of which goes on as long as another mode suits its ends better.
-    Found climbed() {
-        constexpr std::size_t kClimbs = 5;
+    /// Where the climbs end, each of which goes on as long as another mode suits its ends better. The best first.
+    std::vector<Found> climbed() {
+        constexpr std::size_t kClimbs = 12;
         constexpr int kModes = 10;
-        std::ranges::stable_sort(candidates_, std::greater<>(), &Found::value);
-        Found best = candidates_.front();
-        for (std::size_t i = 0; i < std::min(kClimbs, candidates_.size()); ++i) {
-            Found found = candidates_[i];
+        const auto best_first = [&] {
+            std::ranges::stable_sort(candidates_, std::greater<>(), &Found::value);
+        };
+        best_first();
+        if (candidates_.size() > kClimbs) candidates_.resize(kClimbs);
+        for (Found& found : candidates_) {
             for (int round = 0; round < kModes; ++round) {
                 climb(found);
                 const auto [min, max] = likelihood_.ends(found.point);
@@ -267,9 +272,9 @@ class TriangleSearch {
                 if (!(*other > found.value + 1e-9)) break;
                 found = {found.point, static_cast<std::size_t>(other - values.begin()), *other};
             }
-            if (found.value > best.value) best = found;
         }
-        return best;
+        best_first();
+        return std::move(candidates_);
     }
 
     TriangleLikelihood& likelihood_;
@@ -278,12 +283,16 @@ class TriangleSearch {
 };
 
 Triangle3 best_triangle(const Sample& x, double lower, double upper, const Deadline& deadline) {
+    TriangleLikelihood of_all(x.sorted(), lower, upper);
+    TriangleSearch search(of_all, deadline);
+    if (x.size() <= kPart) return search.triangle(search.from_grid().front());
     const std::vector<double> part = thinned(x.sorted(), kPart);
     const Sample first(part);
-    TriangleLikelihood of_part(first.sorted(), lower, upper), of_all(x.sorted(), lower, upper);
-    const TriangleSearch::Found roughly = TriangleSearch(of_part, deadline).from_grid();
-    TriangleSearch search(of_all, deadline);
-    return search.triangle(search.from(roughly.point));
+    TriangleLikelihood of_part(first.sorted(), lower, upper);
+    std::vector<TriangleSearch::Found> roughly = TriangleSearch(of_part, deadline).from_grid();
+    constexpr std::size_t kPlaces = 3;
+    if (roughly.size() > kPlaces) roughly.resize(kPlaces);
+    return search.triangle(search.from(roughly).front());
 }
 Starts start_triangle(const StartData& data) {
     if (data.x.constant()) return one({data.x.min(), data.x.min(), data.x.min()});
@@ -296,8 +305,13 @@ Starts start_log_triangle(const StartData& data) {
     const std::vector<double> logs = logarithms(data.x);
     const double lower = data.lower > 0 ? std::log(data.lower) : -HUGE_VAL;
     const auto [min, mode, max] = best_triangle(Sample(logs), lower, std::log(data.upper), data.deadline);
-    constexpr double kLargestLog = 700;
-    return one({std::exp(min), std::exp(mode), std::exp(std::fmin(max, kLargestLog))});
+    // The mode is one of the values, which its logarithm need not lead back to, and no value may be left outside.
+    const auto distance = [mode = std::exp(mode)](double x) { return std::fabs(x - mode); };
+    const double value = *std::ranges::min_element(data.x.values(), {}, distance);
+    const double low = data.x.min(), high = data.x.max(), largest = numerics::kInfinity;
+    const double from = std::fmin(std::exp(min), value == low ? low : std::nextafter(low, 0)),
+                 to = std::fmax(std::exp(max), value == high ? high : std::nextafter(high, largest));
+    return one({from, value, std::fmin(to, std::fmax(1e304, high))});
 }
 
 constexpr ParameterNames kJohnsonNames = {"alpha1", "alpha2", "minimum", "maximum"};

@@ -3,9 +3,10 @@
 namespace pral::fitting {
 
 std::vector<double> thinned(std::span<const double> values, std::size_t count) {
+    if (values.size() <= count) return {values.begin(), values.end()};
     const Sample x(values);
     std::vector<double> part = {x.min(), x.max()};
-    const std::size_t step = std::max<std::size_t>(values.size() / count, 1);
+    const std::size_t step = values.size() / count;
     for (std::size_t i = 0; i < values.size(); i += step) part.push_back(values[i]);
     return part;
 }

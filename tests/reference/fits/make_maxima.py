@@ -35,7 +35,8 @@ REGIONS = {
     "LogTriangle": (lambda x: [(-32, 2), (0, 1), (-32, 2)], lambda x, t: np.exp(triangle_place(np.log(x), t))),
 }
 ROWS = [("SkewNormal", "topo_y"), ("SkewNormal", "road_rural"), ("Error", "leukaemia_times"), ("Error", "bladder_stop"),
-        ("Triangle", "pixel"), ("Triangle", "oral_rulings"), ("LogTriangle", "bladder_stop")]
+        ("Triangle", "pixel"), ("Triangle", "oral_rulings"), ("LogTriangle", "bladder_stop"),
+        ("LogTriangle", "luteinizing_hormone"), ("LogTriangle", "rubber_strength"), ("SkewNormal", "painters_expression")]
 
 
 def greatest(family, x):
