@@ -1,5 +1,6 @@
 // Start values of the families on the positive numbers, and of those that begin at a location of their own.
 #include <numbers>
+#include <optional>
 
 #include "distributions/families.h"
 #include "distributions/real_counts.h"
@@ -127,12 +128,16 @@ Parameters power_place(const Sample& x) {
     const double scale = kLimit * (std::log(x.max()) - x.mean_log());
     return place({1 / scale, x.max() * std::exp(kBeyond * scale), kLimit});
 }
+
 Starts start_dagum(const StartData& data) {
     if (const Message objection = positive(data.x)) return objection;
     Starts starts = dagum_places(data.x);
     if (!data.x.constant()) starts.places.push_back(power_place(data.x));
     return starts;
 }
+
+/// For families that have limits as their origin goes far below the data, and a ridge of their likelihood towards them.
+constexpr std::array kFarOrigins = {0.002, 0.02, 0.2, 1.0, 4.0, 16.0, 64.0, 256.0, 1e3, 1e4, 1e6};
 
 /// An origin below the data and the estimate of the family that begins there.
 template <class Estimate>
@@ -145,13 +150,40 @@ Starts at_origins(const Sample& x, Estimate estimate, std::span<const double> di
     }
     return starts;
 }
+/// The best power of the distance from an origin, of those that rise: others have no bound there. Shapes and scales of that
+/// limit leave no room to climb along the origin, so it is searched for here.
+std::optional<Parameters> rising_power_place(const Sample& x) {
+    constexpr double kNearest = -6, kFarthest = 7, kStep = 0.5;
+    const auto origin = [&](double t) { return x.min() - x.deviation() * std::exp(t); };
+    const auto cost = [&](double t) {
+        const double from = origin(t), width = x.max() - from;
+        double sum = 0;
+        for (const double value : x.values()) sum += std::log(width / (value - from));
+        const double below = sum / x.count();  // the reciprocal of the power
+        return below < 1 ? std::log(below) + std::log(width) - below : HUGE_VAL;
+    };
+    double best = kNearest;
+    for (double t = kNearest; t <= kFarthest; t += kStep) {
+        if (cost(t) < cost(best)) best = t;
+    }
+    if (std::isinf(cost(best))) return std::nullopt;
+    const double t = numerics::golden_section_minimise(cost, best - kStep, best + kStep, 1e-4);
+    const std::vector<double> above = moved(x, origin(t));
+    const Parameters power = power_place(Sample(above));
+    return place({origin(t), power[1], power[0], power[2]});
+}
 Starts start_burr(const StartData& data) {
-    return at_origins(data.x, [](double origin, const Sample& above) {
+    constexpr std::array kOrigins = {0.002, 0.02, 0.2, 1.0, 10.0, 1000.0};
+    const auto estimate = [](double origin, const Sample& above) {
         Starts starts;
         for (const Parameters& p : dagum_places(above).places)
             starts.places.push_back(place({origin, p[1], p[0], p[2]}));
         return starts;
-    });
+    };
+    Starts starts = at_origins(data.x, estimate, kOrigins);
+    if (data.x.constant()) return starts;
+    if (const auto power = rising_power_place(data.x)) starts.places.push_back(*power);
+    return starts;
 }
 Starts start_weibull3(const StartData& data) {
     if (const Message objection = positive(data.x)) return objection;
@@ -164,9 +196,6 @@ Starts start_weibull3(const StartData& data) {
     }
     return starts;
 }
-/// For families that have limits as their origin goes far below the data.
-constexpr std::array kFarOrigins = {0.002, 0.02, 0.2, 1.0, 10.0, 1000.0};
-
 /// The mean and the harmonic mean (Ng, Kundu and Balakrishnan 2003).
 Starts start_fatigue(const StartData& data) {
     const auto estimate = [](double origin, const Sample& above) {
@@ -217,7 +246,7 @@ class LogGammaProfile {
 /// The maximum itself. Shape, scale and origin make up for each other along a ridge of the likelihood, too narrow to climb
 /// along: so only the distance of the origin is searched for, up to where nothing is left to gain.
 Starts start_log_gamma(const StartData& data) {
-    constexpr double kNearest = -6, kFarthest = 7, kStep = 1;
+    constexpr double kNearest = -6, kFarthest = 9, kStep = 1;
     constexpr std::size_t kPart = 2000;
     const Sample& all = data.x;
     const std::vector<double> values = thinned(all.values(), kPart);
@@ -234,9 +263,15 @@ Starts start_log_gamma(const StartData& data) {
         const bool maximum = grid[i] > grid[i - 1] && (i + 1 == grid.size() || grid[i] >= grid[i + 1]);
         if (maximum && (best == 0 || grid[i] > grid[best])) best = i;
     }
-    const double about = kNearest + kStep * static_cast<double>(best);
-    const double log_distance = numerics::golden_section_minimise(
-        [&](double t) { return -at(all, t).mean_log_likelihood; }, about - kStep, about + kStep, 1e-3);
+    double about = kNearest + kStep * static_cast<double>(best);
+    const auto cost = [&](double t) { return -at(all, t).mean_log_likelihood; };
+    if (all.size() > part.size()) {  // of all, the maximum may be some steps further
+        for (const double step : {-kStep, kStep}) {
+            while (about + step > kNearest && about + step < kFarthest && cost(about + step) < cost(about))
+                about += step;
+        }
+    }
+    const double log_distance = numerics::golden_section_minimise(cost, about - kStep, about + kStep, 1e-3);
     return {at(all, log_distance).place};
 }
 
@@ -367,7 +402,7 @@ const FittedFamily kFamilies[] = {
     fitted<Pareto, 2>("Pareto", {kPositive, kHeld}, start_pareto, {.closed_form = true}),
     fitted<Pareto2, 2>("Pareto2", kAllPositive, start_pareto2),
     fitted<Dagum, 3>("Dagum", kAllPositive, start_dagum, {.climbs = 4}),
-    fitted<Burr, 4>("Burr", {kBelowMin, kPositive, kPositive, kPositive}, start_burr),
+    fitted<Burr, 4>("Burr", {kBelowMin, kPositive, kPositive, kPositive}, start_burr, {.climbs = 4}),
     fitted<Fatigue, 3>("Fatigue", {kBelowMin, kPositive, kPositive}, start_fatigue),
     fitted<Levy, 2>("Levy", {kPositive, kBelowMin}, start_levy),
     fitted<LogGamma, 3>("LogGamma", {kPositive, kPositive, kBelowMin}, start_log_gamma, {.closed_form = true}),
