@@ -91,6 +91,8 @@ Starts start_normal_mix(const StartData& data) {
     for (const double k : {std::clamp(kurtosis, 0.1, 2.8), 0.3, 1.5, 2.7})
         starts.places.push_back(place({data.x.mean(), data.x.deviation(), k}));
     starts.places.push_back(place({data.x.quantile(0.5), data.x.deviation(), 2.5}));
+    for (const double p : {0.25, 0.5, 0.75})
+        starts.places.push_back(place({data.x.quantile(p), data.x.deviation(), 2.9}));
     return starts;
 }
 
@@ -100,10 +102,12 @@ Parameters skew_normal_place(const Sample& x, double alpha) {
     const double scale = x.deviation() / std::sqrt(1 - mean * mean);
     return place({x.mean() - mean * scale, scale, alpha});
 }
-/// The shape of greatest magnitude: nearly one half of a normal distribution, which begins at an end of the data.
+/// The shape of greatest magnitude: nearly one half of a normal distribution, which begins just beyond an end of the data.
 Parameters half_normal_place(const Sample& x, double alpha) {
+    constexpr double kRise = 2;  // the density has risen after so many scales over alpha
     const double end = alpha > 0 ? x.min() : x.max(), from_end = x.mean() - end;
-    return place({end, std::sqrt(x.variance() + from_end * from_end), alpha});
+    const double scale = std::sqrt(x.variance() + from_end * from_end);
+    return place({end - kRise * scale / alpha, scale, alpha});
 }
 /// The moments' skewness, of which the family reaches up to 0.995, and shapes from slight ones to the largest of both signs.
 Starts start_skew_normal(const StartData& data) {
@@ -159,7 +163,7 @@ const FittedFamily kFamilies[] = {
     fitted<NormalMix, 3>("NormalMix", {kLocation, kPositive, between(0, 3)}, start_normal_mix,
         {.names = {"mu", "sigma"}, .climbs = 4}),
     fitted<SkewNormal, 3>("SkewNormal", {kLocation, kPositive, shape_up_to(100)}, start_skew_normal,
-        {.names = {"mu", "sigma"}, .climbs = 4}),
+        {.names = {"mu", "sigma"}, .climbs = 6}),
     fitted<RealCounts<Student>, 1>("Student", {kPositive}, start_student, {.names = {"nu"}, .rounding = {0}}),
     fitted<RealCounts<Student3>, 3>("Student3", {kLocation, kPositive, above(3)}, start_student3,
         {.names = kMoments, .rounding = {2}}),
