@@ -227,7 +227,7 @@ Maximum maximise(const Objective& objective, const Point& start, const Deadline&
     Maximum best = {start, timed(start)};
     if (start.empty() || start.size() > kMost || !std::isfinite(best.value)) return best;
     constexpr int kMostRounds = 4;
-    constexpr double kWorthARound = 1e-5;
+    const double worth_a_round = std::max(negligible, 1e-5);
     constexpr SimplexRules kSimplex = {0.25, 1e-4, 400, true};
     const Objective descent = [&](std::span<const double> x) { return -objective(x); };
     for (int round = 0; round < kMostRounds; ++round) {
@@ -236,7 +236,7 @@ Maximum maximise(const Objective& objective, const Point& start, const Deadline&
         Point point = best.point;
         minimise(descent, point, kSimplex, deadline);
         if (const double value = timed(point); value > best.value) best = {point, value};
-        if (round > 0 && best.value - before < kWorthARound) return best;
+        if (round > 0 && best.value - before < worth_a_round) return best;
     }
     return best;
 }
