@@ -374,6 +374,11 @@ bool FitDistribution(FitDescriptor& descriptor, std::span<const double> data, co
         }
     } undo{descriptor, request.shift};
     if (data.empty()) return fail_fit("Error: source array is not valid");
+    std::vector<double> cleaned;
+    if (std::ranges::any_of(data, is_minus_zero)) {
+        for (const double value : data) cleaned.push_back(value + 0.0);
+        data = cleaned;
+    }
     try {
         undo.success = fit_until(Deadline::in(timeout_seconds), descriptor, data, request);
     } catch (const TimedOut& reason) {
@@ -401,7 +406,7 @@ bool FitAndEvaluate(FitDescriptor& descriptor, std::span<double> out, std::span<
 double FitLogLikelihood(const FitDescriptor& descriptor, std::span<const double> data, double TruncMin,
                         double TruncMax, double shift) {
     std::vector<double> moved(data.begin(), data.end());
-    for (double& value : moved) value -= shift;
+    for (double& value : moved) value = value - shift + 0.0;  // no -0.0
     const double log = natural_log_likelihood(family_of(descriptor), descriptor.params, Sample(moved),
                                               Bounds(TruncMin, TruncMax));
     return numerics::finite_or_limit(log / numerics::kLn10);
