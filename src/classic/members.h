@@ -7,6 +7,7 @@
 
 #include "classic/call.h"
 #include "classic/stream.h"
+#include "distributions/draws.h"
 #include "distributions/joint.h"
 
 namespace pral {
@@ -94,13 +95,6 @@ bool value_member(double* out, const D& d, const Modifiers& given) {
     return true;
 }
 
-/// A bare call of PralX_Core for the models that draw from families: the same value of the same draws of the stream,
-/// the percentile completed before the parameters are looked at. False, with the family's message, when it refuses them.
-template <Family D>
-bool draw(double* out, const D& d) {
-    return value_member(out, d, Modifiers{});
-}
-
 /// value_at() of a call that is not bare, out of line: an array needs it once.
 template <Family D>
 [[gnu::noinline]] double value_apart(double u, const Truncated<D>& kept, const double* shift) {
@@ -124,13 +118,15 @@ bool array_member(std::span<double> out, const D& d, const Modifiers& given) {
         std::ranges::fill(out, value_apart(u, kept, given.shift));
         return true;
     }
-    random_stream().fill(out);
     if (rounds_after_shift(d) && given.shift != nullptr) {
+        random_stream().fill(out);
         for (double& value : out) value = rounded_value(value, kept, *given.shift);
         return true;
     }
-    kept.quantiles(out);
-    for (double& value : out) value = shifted(kept.limited(value), given.shift);
+    draw_each(out, kept, random_stream());
+    if (given.shift != nullptr) {
+        for (double& value : out) value = shifted(value, given.shift);
+    }
     return true;
 }
 

@@ -1,5 +1,8 @@
-// Draws from families for the models that are built on them.
+// Values of families for the models that are built on them.
 #pragma once
+
+#include <algorithm>
+#include <span>
 
 #include "distributions/truncated.h"
 
@@ -20,6 +23,30 @@ Message draw(double& out, const D& d, RandomStream& stream) {
     };
     out = numerics::finite_or_limit(value() + 0.0);  // no -0.0
     return nullptr;
+}
+
+/// The value at percentile 0 <= u <= 1 of what is kept.
+template <Family D>
+double value_at_percentile(const Truncated<D>& kept, double u) {
+    const bool at_an_end = u == 1 || (u == 0 && !Truncated<D>::kOwnBounds);
+    double value = at_an_end ? (u == 0 ? kept.lower() : kept.upper()) : 0;
+    if (const auto point = kept.base().point_mass(); point && !(at_an_end && requires { D::kEndsFirst; }))
+        value = *point;
+    else if (!at_an_end)
+        value = kept.limited(kept.quantile(u));
+    return numerics::finite_or_limit(value + 0.0);  // no -0.0
+}
+
+/// Draws of what is kept, each by inversion of a number of the stream; a point mass needs none.
+template <Family D>
+[[gnu::noinline]] void draw_each(std::span<double> out, const Truncated<D>& kept, RandomStream& stream) {
+    if (kept.base().point_mass()) {
+        std::ranges::fill(out, value_at_percentile(kept, 0.5));
+        return;
+    }
+    stream.fill(out);
+    kept.quantiles(out);
+    for (double& value : out) value = numerics::finite_or_limit(kept.limited(value) + 0.0);
 }
 
 }  // namespace pral

@@ -4,12 +4,9 @@
 #include <cmath>
 #include <functional>
 #include <optional>
-#include <stdexcept>
 
-#include "fitting/catalogue.h"
 #include "fitting/coordinates.h"
 #include "fitting/maximise.h"
-#include "fitting/result_cache.h"
 #include "fitting/starts.h"
 #include "statistics/moments.h"
 
@@ -17,24 +14,7 @@ namespace pral::fitting {
 
 namespace {
 
-double timeout_seconds = 60;
-std::string message_of_last_failure;
-long evaluation_count = 0;
-ResultCache result_cache;
-
 bool valid(double value) { return std::fabs(value) < numerics::kInfinity; }
-
-bool fail_fit(const std::string& message) {
-    message_of_last_failure = message;
-    return fail(message);
-}
-
-double natural_log_likelihood(const FittedFamily& family, const Parameters& parameters, const Sample& x,
-                              const Bounds& bounds) {
-    ++evaluation_count;
-    const double log = family.log_likelihood(parameters.data(), x, bounds.modifiers().limits());
-    return log > -numerics::kInfinity && log < numerics::kInfinity ? log : -HUGE_VAL;
-}
 
 /// Messages of the families with a search of their own begin with their names.
 std::string message(const FittedFamily& family, const char* text) {
@@ -53,41 +33,42 @@ struct Candidate {
 /// One fit on its way from the data to the parameters.
 class Fit {
   public:
-    Fit(FitDescriptor& descriptor, const FittedFamily& family, std::span<const double> data,
-        const FitRequest& request, const Deadline& deadline)
-        : descriptor_(descriptor),
-          family_(family),
+    Fit(const FittedFamily& family, std::span<const double> data, const FitRequest& request,
+        const Deadline& deadline)
+        : family_(family),
           request_(request),
           deadline_(deadline),
           x_(data, &pause_),
-          bounds_(request.TruncMin, request.TruncMax) {}
+          limits_(limits_of(request.TruncMin, request.TruncMax)) {
+        parameters_.fill(-numerics::kInfinity);
+    }
 
-    bool operator()() {
+    FitResult operator()() {
         if (given(request_.TruncMin) && x_.min() < request_.TruncMin)
-            return fail_fit(message(family_, "TruncData minimum must be <= min(data)"));
+            throw Failure(message(family_, "TruncData minimum must be <= min(data)"));
         if (given(request_.TruncMax) && request_.TruncMax < x_.max())
-            return fail_fit(message(family_, "TruncData maximum must be >= max(data)"));
-        if (!EstimateStartParameters()) return false;
+            throw Failure(message(family_, "TruncData maximum must be >= max(data)"));
+        EstimateStartParameters();
         if (shifting()) choose_shift();
         approach();
-        if (!(log_likelihood(descriptor_.params, x_) > -HUGE_VAL)) return fail_without_likelihood();
+        if (!(log_likelihood(parameters_, x_) > -HUGE_VAL)) fail_without_likelihood();
         if (family_.sample_moments && !truncated() && !shifting()) {
-            descriptor_.params[0] = statistics::mean(x_.values());
-            if (x_.size() > 1) descriptor_.params[1] = std::sqrt(statistics::variance(x_.values()));
+            parameters_[0] = statistics::mean(x_.values());
+            if (x_.size() > 1) parameters_[1] = std::sqrt(statistics::variance(x_.values()));
         } else if (!family_.own_search) {
             MinimiseNegLogLikelihood();
         }
         for (std::size_t i = 0; i < parameter_count() + (shifting() ? 1 : 0); ++i) {
-            if (!valid(descriptor_.params[i])) return fail_without_likelihood();
+            if (!valid(parameters_[i])) fail_without_likelihood();
         }
         RoundIntegerParameters();
-        if (shifting()) *request_.shift = shift(descriptor_.params);
-        return true;
+        if (shifting()) *request_.shift = shift(parameters_);
+        return {parameters_, evaluations_};
     }
 
   private:
-    bool EstimateStartParameters();
-    bool keep_possible_places(const Sample& x);
+    void EstimateStartParameters();
+    void keep_possible_places(const Sample& x);
     void choose_shift();
     void climb(Candidate& candidate, const Sample& x, double negligible);
     std::vector<Candidate> candidates(const Sample& x);
@@ -95,18 +76,18 @@ class Fit {
     void MinimiseNegLogLikelihood();
     void RoundIntegerParameters();
 
-    bool fail_without_likelihood() const {
-        return fail_fit(family_.own_search ? message(family_, "Unable to perform the fit")
-                                           : "Error: Unable to perform a fit from selected data");
+    [[noreturn]] void fail_without_likelihood() const {
+        throw Failure(family_.own_search ? message(family_, "Unable to perform the fit")
+                                         : "Error: Unable to perform a fit from selected data");
     }
     bool truncated() const { return given(request_.TruncMin) || given(request_.TruncMax); }
     bool shifting() const { return request_.shift != nullptr; }
-    std::size_t parameter_count() const { return static_cast<std::size_t>(descriptor_.paramCount); }
+    std::size_t parameter_count() const { return static_cast<std::size_t>(family_.parameter_count); }
     double& shift(Parameters& parameters) const { return parameters[parameter_count()]; }
 
     /// How the parameters may move: the first not at all when the caller has fixed it.
     std::vector<Range> ranges() const {
-        std::vector<Range> ranges(family_.ranges.begin(), family_.ranges.begin() + descriptor_.paramCount);
+        std::vector<Range> ranges(family_.ranges.begin(), family_.ranges.begin() + family_.parameter_count);
         if (held_) ranges[0] = kHeld;
         if (shifting()) ranges.push_back(kLocation);
         return ranges;
@@ -115,8 +96,12 @@ class Fit {
     /// The natural log-likelihood, of data less the shift where that is fitted.
     double log_likelihood(const Parameters& parameters, const Sample& x) {
         const double moved = shifting() ? parameters[parameter_count()] : 0;
-        if (moved == 0) return natural_log_likelihood(family_, parameters, x, bounds_);
-        return natural_log_likelihood(family_, parameters, Sample(less(x, moved), &pause_), bounds_);
+        if (moved == 0) return counted_log_likelihood(parameters, x);
+        return counted_log_likelihood(parameters, Sample(less(x, moved), &pause_));
+    }
+    double counted_log_likelihood(const Parameters& parameters, const Sample& x) {
+        ++evaluations_;
+        return fitting::log_likelihood(family_, parameters, x, limits_);
     }
     /// The values less `moved`, valid until the next call.
     std::span<const double> less(const Sample& x, double moved) {
@@ -125,20 +110,21 @@ class Fit {
         return moved_;
     }
 
-    FitDescriptor& descriptor_;
     const FittedFamily& family_;
     const FitRequest& request_;
     const Deadline& deadline_;
     const Sample::Pause pause_ = [this] { deadline_.check(); };
     const Sample x_;
-    Bounds bounds_;
+    const Limits limits_;
     bool held_ = false;
+    long evaluations_ = 0;
+    Parameters parameters_;
     std::vector<Parameters> places_;
     std::vector<double> moved_;
 };
 
-/// The places where the search may begin; the first, checked, becomes the descriptor's parameters.
-bool Fit::EstimateStartParameters() {
+/// The places where the search may begin; the first, checked, becomes the parameters.
+void Fit::EstimateStartParameters() {
     std::optional<Sample> moved;
     if (shifting() && !given(request_.TruncMin) && *request_.shift != 0)
         moved.emplace(less(x_, *request_.shift));
@@ -156,41 +142,40 @@ bool Fit::EstimateStartParameters() {
             ? family_.starts({x, first, deadline_, given(request_.TruncMin) ? request_.TruncMin : -HUGE_VAL,
                               given(request_.TruncMax) ? request_.TruncMax : HUGE_VAL})
             : Starts{Parameters{numerics::kNaN}};
-    if (starts.objection != nullptr) return starts.objection[0] != '\0' && fail_fit(starts.objection);
+    if (starts.objection != nullptr) throw Failure(starts.objection);
     if (starts.places.empty()) starts.places = {Parameters{numerics::kNaN}};
     places_ = std::move(starts.places);
     for (Parameters& place : places_) {
         if (held_) place[0] = *first;
-        std::fill(place.begin() + descriptor_.paramCount, place.end(), -numerics::kInfinity);
+        std::fill(place.begin() + family_.parameter_count, place.end(), -numerics::kInfinity);
         if (shifting()) shift(place) = *request_.shift;
     }
-    if (!keep_possible_places(x)) return false;
-    descriptor_.params = places_.front();
+    keep_possible_places(x);
+    parameters_ = places_.front();
     if (request_.startValues != nullptr) {
-        std::copy_n(request_.startValues, parameter_count(), descriptor_.params.begin());
-        places_.insert(places_.begin(), descriptor_.params);
+        std::copy_n(request_.startValues, parameter_count(), parameters_.begin());
+        places_.insert(places_.begin(), parameters_);
     }
-    return true;
 }
 
-/// Drops the places with a value that is no number or outside of its range. Where all are such, reports the first such
+/// Drops the places with a value that is no number or outside of its range. Where all are such, objects to the first such
 /// value of the first.
-bool Fit::keep_possible_places(const Sample& x) {
+void Fit::keep_possible_places(const Sample& x) {
     const auto first_wrong = [&](const Parameters& place) {
         const int outside = family_.closed_form ? -1 : Coordinates(ranges(), place, x).first_outside(place);
-        for (int i = 0; i < descriptor_.paramCount; ++i) {
+        for (int i = 0; i < family_.parameter_count; ++i) {
             if (i == outside || !valid(place[static_cast<std::size_t>(i)])) return i;
         }
         return -1;
     };
     const int wrong = first_wrong(places_.front());
     std::erase_if(places_, [&](const Parameters& place) { return first_wrong(place) >= 0; });
-    if (!places_.empty()) return true;
-    if (family_.own_search) return fail_fit(message(family_, "Unable to perform the fit"));
+    if (!places_.empty()) return;
+    if (family_.own_search) throw Failure(message(family_, "Unable to perform the fit"));
     if (const char* name = family_.names[static_cast<std::size_t>(wrong)])
-        return fail_fit(std::string("Error: Can't estimate {") + name + "} start parameter");
-    return fail_fit("Error: Unable to perform a fit because can't estimate (" + std::to_string(wrong + 1) +
-                    ") start parameter");
+        throw Failure(std::string("Error: Can't estimate {") + name + "} start parameter");
+    throw Failure("Error: Unable to perform a fit because can't estimate (" + std::to_string(wrong + 1) +
+                  ") start parameter");
 }
 
 /// With a lower bound the shift starts so that the distribution begins just below it.
@@ -198,11 +183,15 @@ void Fit::choose_shift() {
     constexpr double kLowPercentile = 0.0001, kMargin = 0.01;
     double low = 0, start = *request_.shift;
     if (given(request_.TruncMin)) {
-        EvaluateFitted(descriptor_, {&low, 1}, &kLowPercentile, request_.TruncMin, request_.TruncMax);
+        try {
+            RandomStream unused;
+            family_.values({&low, 1}, parameters_.data(), limits_, &kLowPercentile, unused);
+        } catch (const Failure&) {  // the place has no distribution: the search may find one
+        }
         start = low <= request_.TruncMin ? 0 : request_.TruncMin - low - kMargin;
     }
     for (Parameters& place : places_) shift(place) = start;
-    shift(descriptor_.params) = start;
+    shift(parameters_) = start;
 }
 
 /// Moves a place to the maximum of the likelihood of x that the family's coordinates lead to.
@@ -268,7 +257,7 @@ void Fit::approach() {
     Candidate best = *std::ranges::max_element(best_places, {}, &Candidate::log_likelihood);
     if (!part.empty()) best.log_likelihood = log_likelihood(best.place, x_);
     if (!at_maximum) climb(best, x_, kToTheTop);
-    descriptor_.params = best.place;
+    parameters_ = best.place;
 }
 
 /// The search itself: Nelder and Mead's simplex over the parameters as they are, a held one and families' own searches
@@ -277,9 +266,9 @@ void Fit::MinimiseNegLogLikelihood() {
     constexpr SimplexRules kRules = {0.1, 1e-5, 1000, false};
     constexpr double kRefused = 1e100;
     const std::size_t first = held_ ? 1 : 0, end = parameter_count() + (shifting() ? 1 : 0);
-    Point point(descriptor_.params.begin() + first, descriptor_.params.begin() + end);
+    Point point(parameters_.begin() + first, parameters_.begin() + end);
     if (point.empty()) return;
-    Parameters parameters = descriptor_.params;
+    Parameters parameters = parameters_;
     const Coordinates ranges_of_search(ranges(), parameters, x_);
     const bool keep_ranges = family_.costly && !shifting();
     const Objective objective = [&](std::span<const double> coordinates) {
@@ -289,104 +278,53 @@ void Fit::MinimiseNegLogLikelihood() {
         return log > -HUGE_VAL ? -log / numerics::kLn10 : kRefused;
     };
     minimise(objective, point, kRules, deadline_);
-    std::ranges::copy(point, descriptor_.params.begin() + first);
+    std::ranges::copy(point, parameters_.begin() + first);
 }
 
 /// After the search, and nothing is fitted again after it.
 void Fit::RoundIntegerParameters() {
     const auto& [place, truncated, least] = family_.rounding;
     if (place < 0) return;
-    double& parameter = descriptor_.params[static_cast<std::size_t>(place)];
+    double& parameter = parameters_[static_cast<std::size_t>(place)];
     parameter = std::fmax(truncated ? std::trunc(parameter) : std::floor(parameter + 0.5), least);
 }
 
-const FittedFamily& family_of(const FitDescriptor& descriptor) {
-    const FittedFamily* family = fitted_family(descriptor.code);
-    if (family == nullptr) throw std::invalid_argument(descriptor.name + " cannot be fitted");
-    return *family;
+}  // namespace
+
+const FittedFamily* fitted_family(std::string_view name) {
+    for (const auto kin : {symmetric_families(), positive_families(), bounded_families(), count_families()}) {
+        const auto found = std::ranges::find(kin, name, &FittedFamily::name);
+        if (found != kin.end()) return &*found;
+    }
+    return nullptr;
 }
 
-bool fit_until(const Deadline& deadline, FitDescriptor& descriptor, std::span<const double> data,
-               const FitRequest& request);
+FitResult fit(const FittedFamily& family, std::span<const double> data, const FitRequest& request,
+              const Deadline& deadline) {
+    return Fit(family, data, request, deadline)();
+}
 
-/// The parametric bootstrap: as many draws from the fitted distribution as there were data, fitted in their turn.
-bool replicate(const Deadline& deadline, FitDescriptor& descriptor, std::size_t count,
-               const FitRequest& request) {
+FitResult refit(const FittedFamily& family, const Parameters& fitted, std::size_t count,
+                const FitRequest& request, const Deadline& deadline, RandomStream& stream) {
     constexpr std::size_t kDrawsBetweenLooks = 1 << 14;
+    const Limits limits = limits_of(request.TruncMin, request.TruncMax);
     std::vector<double> draws(count);
     for (std::span<double> left = draws; !left.empty(); deadline.check()) {
         const std::size_t size = std::min(left.size(), kDrawsBetweenLooks);
-        if (!EvaluateFitted(descriptor, left.first(size), nullptr, request.TruncMin, request.TruncMax))
-            return false;
+        family.values(left.first(size), fitted.data(), limits, nullptr, stream);
         left = left.subspan(size);
     }
     if (request.shift != nullptr) {
         for (double& value : draws) value += *request.shift;
     }
-    const Parameters fitted_parameters = descriptor.params;
     FitRequest again = request;
-    again.uncertainty = false;
-    again.startValues = fitted_parameters.data();
-    return fit_until(deadline, descriptor, draws, again);
+    again.startValues = fitted.data();
+    return fit(family, draws, again, deadline);
 }
 
-bool fit_until(const Deadline& deadline, FitDescriptor& descriptor, std::span<const double> data,
-               const FitRequest& request) {
-    // The results of a fit with a shift and of a replicate's are not kept: the key holds neither where the shift begins
-    // nor start values.
-    const bool kept = request.shift == nullptr && request.startValues == nullptr;
-    const FitKey key = {request.key != nullptr ? request.key : descriptor.name,
-                        descriptor.code,
-                        request.uncertainty,
-                        request.TruncMin,
-                        request.TruncMax,
-                        request.firstParameter != nullptr ? *request.firstParameter : kNotGiven};
-    if (const Parameters* known = kept ? result_cache.find(key, data) : nullptr) {
-        descriptor.params = *known;
-    } else {
-        if (!Fit(descriptor, family_of(descriptor), data, request, deadline)()) return false;
-        if (kept) result_cache.store(key, data, descriptor.params);
-    }
-    return !request.uncertainty || replicate(deadline, descriptor, data.size(), request);
-}
-
-}  // namespace
-
-FitDescriptor::FitDescriptor(int code_)
-    : paramCount(catalogue()[static_cast<std::size_t>(code_)].parameter_count),
-      name(catalogue()[static_cast<std::size_t>(code_)].name),
-      code(code_) {
-    clear();
-}
-
-bool FitDistribution(FitDescriptor& descriptor, std::span<const double> data, const FitRequest& request) {
-    const FittedFamily& family = family_of(descriptor);
-    /// What a fit that fails, or ends by an exception, must leave behind.
-    struct Undo {
-        FitDescriptor& descriptor;
-        double* shift;
-        double shift_before = shift != nullptr ? *shift : 0;
-        bool success = false;
-        ~Undo() {
-            if (success) return;
-            descriptor.clear();
-            if (shift != nullptr) *shift = shift_before;
-        }
-    } undo{descriptor, request.shift};
-    if (data.empty()) return fail_fit("Error: source array is not valid");
-    std::vector<double> cleaned;
-    if (std::ranges::any_of(data, is_minus_zero)) {
-        for (const double value : data) cleaned.push_back(value + 0.0);
-        data = cleaned;
-    }
-    try {
-        undo.success = fit_until(Deadline::in(timeout_seconds), descriptor, data, request);
-    } catch (const TimedOut& reason) {
-        fail(std::string("Error: ") + reason.what());
-        return fail_fit(family.own_search ? message(family, "Unable to perform the fit")
-                                          : "Error: Unable to fit from selected data array");
-    }
-    return undo.success;
+std::string timeout_message(const FittedFamily& family) {
+    return family.own_search ? message(family, "Unable to perform the fit")
+                             : "Error: Unable to fit from selected data array";
 }
 
 bool within_bounds(std::span<const double> data, const FitRequest& request) {
@@ -395,31 +333,10 @@ bool within_bounds(std::span<const double> data, const FitRequest& request) {
            !(given(request.TruncMax) && x.max() > request.TruncMax);
 }
 
-bool FitAndEvaluate(FitDescriptor& descriptor, std::span<double> out, std::span<const double> data, double U,
-                    const FitRequest& request) {
-    if (!within_bounds(data, request) || !FitDistribution(descriptor, data, request)) return false;
-    if (!EvaluateFitted(descriptor, out, U == kNotGiven ? nullptr : &U, request.TruncMin, request.TruncMax))
-        return false;
-    return out.empty() || valid(out.front());
+double log_likelihood(const FittedFamily& family, const Parameters& parameters, const Sample& x,
+                      const Limits& limits) {
+    const double log = family.log_likelihood(parameters.data(), x, limits);
+    return log > -numerics::kInfinity && log < numerics::kInfinity ? log : -HUGE_VAL;
 }
-
-double FitLogLikelihood(const FitDescriptor& descriptor, std::span<const double> data, double TruncMin,
-                        double TruncMax, double shift) {
-    std::vector<double> moved(data.begin(), data.end());
-    for (double& value : moved) value = value - shift + 0.0;  // no -0.0
-    const double log = natural_log_likelihood(family_of(descriptor), descriptor.params, Sample(moved),
-                                              Bounds(TruncMin, TruncMax));
-    return numerics::finite_or_limit(log / numerics::kLn10);
-}
-
-bool EvaluateFitted(const FitDescriptor& descriptor, std::span<double> out, const double* U, double TruncMin,
-                    double TruncMax) {
-    return family_of(descriptor)
-        .values(out, descriptor.params.data(), Bounds(TruncMin, TruncMax).modifiers(U));
-}
-
-void set_timeout(double seconds) { timeout_seconds = std::fmax(seconds, 0); }
-const std::string& last_message() { return message_of_last_failure; }
-long evaluations() { return evaluation_count; }
 
 }  // namespace pral::fitting

@@ -8,8 +8,11 @@
 #include <utility>
 #include <vector>
 
-#include "classic/members.h"
+#include "base/random_stream.h"
+#include "distributions/draws.h"
+#include "distributions/joint.h"
 #include "distributions/sample.h"
+#include "fitting/failure.h"
 #include "fitting/maximise.h"
 #include "fitting/window_sum.h"
 
@@ -103,7 +106,9 @@ struct FittedFamily : Peculiarities {
     bool summarised;
     /// The natural log-likelihood of values within the bounds; -inf where parameters are refused.
     double (*log_likelihood)(const double* parameters, const Sample&, const Limits&);
-    bool (*values)(std::span<double> out, const double* parameters, const Modifiers&);
+    /// Values within the bounds, at percentile u or, where that is null, draws of the stream. Throws what is objected to.
+    void (*values)(std::span<double> out, const double* parameters, const Limits&, const double* u,
+                   RandomStream&);
 };
 
 namespace detail {
@@ -131,8 +136,25 @@ struct Member {
         const double lower = limits.min_is_percentile ? support.lower : std::max(support.lower, limits.min);
         return x.min() >= lower && x.max() <= std::min(support.upper, limits.max);
     }
-    static bool values(std::span<double> out, const double* parameters, const Modifiers& given) {
-        return array_member(out, of(parameters), given);
+    static void values(std::span<double> out, const double* parameters, const Limits& limits, const double* u,
+                       RandomStream& stream) {
+        const D d = of(parameters);
+        const Message objection = d.check();
+        const Truncated<D> kept(d, objection == nullptr, limits);
+        if (limits.given) check_bounds(kept, limits.both_values());
+        if (u != nullptr && !(*u >= 0 && *u <= 1)) throw Failure(kPercentileOutside);
+        if (objection != nullptr) throw Failure(objection);
+        if (u != nullptr)
+            std::ranges::fill(out, value_at_percentile(kept, *u));
+        else
+            draw_each(out, kept, stream);
+    }
+    static void check_bounds(const Truncated<D>& kept, bool as_values) {
+        const Bound &min = kept.min(), &max = kept.max();
+        if (!kept.ordered())
+            throw as_values ? Contradiction(min.x, max.x, true)
+                            : Contradiction(min.tails.lower, max.tails.lower, false);
+        if (!kept.percentiles_in_range()) throw Failure(kPercentileOutside);
     }
 };
 

@@ -11,13 +11,15 @@
 #include <utility>
 
 #include "classic/core_api.h"
-#include "fitting/catalogue.h"
-#include "fitting/fit.h"
+#include "classic/fit_memory.h"
+#include "classic/fits.h"
+#include "classic/stream.h"
 #include "support/table.h"
 
 namespace {
 
-using namespace pral::fitting;
+using namespace pral::classic;
+using pral::fitting::FittedFamily;
 using pral::test::number;
 using Values = std::vector<double>;
 
@@ -55,21 +57,20 @@ FitDescriptor descriptor_of(const std::string& family, const Values& parameters 
 }
 
 /// n values of the distribution, drawn from a fresh stream.
-Values drawn(const FitDescriptor& descriptor, std::size_t n, unsigned seed, const FitRequest& bounds = {}) {
+Values drawn(const FitDescriptor& descriptor, std::size_t n, unsigned seed, const FitCall& bounds = {}) {
     Values x(n);
     PralSetRandomSeed(seed);
     EXPECT_TRUE(EvaluateFitted(descriptor, x, nullptr, bounds.TruncMin, bounds.TruncMax)) << PralCoreError();
     return x;
 }
 
-double natural_log_likelihood(const FitDescriptor& descriptor, const Values& x,
-                              const FitRequest& bounds = {}) {
+double natural_log_likelihood(const FitDescriptor& descriptor, const Values& x, const FitCall& bounds = {}) {
     return FitLogLikelihood(descriptor, x, bounds.TruncMin, bounds.TruncMax) * std::log(10.0);
 }
 
 /// Fits the row's observations; their likelihood is to be the best. Where a parameter has been rounded, the search is judged by
 /// what it must have found before: the rounded best.
-void check_fit(const Row& row, const FitRequest& request) {
+void check_fit(const Row& row, const FitCall& request) {
     const std::string label = row["family"] + " " + row["params"];
     const FitDescriptor truth = descriptor_of(row["family"], list_of(row["params"]));
     const Values x = drawn(truth, static_cast<std::size_t>(row.number("count")),
@@ -111,7 +112,7 @@ TEST(Fits, FindTheGreatestLikelihood) {
 
 TEST(Fits, FindTheGreatestLikelihoodOfTruncatedData) {
     for_each_row("reference/fits/truncated.tsv", [&](const Row& row) {
-        FitRequest request;
+        FitCall request;
         request.TruncMin = row.number("trunc_min");
         request.TruncMax = row.number("trunc_max");
         check_fit(row, request);
@@ -148,7 +149,7 @@ TEST(Fits, AgreeWithThoseThatOthersTold) {
 }
 
 /// The fit's log-likelihood, or NaN where there is no fit.
-double fitted_log_likelihood(const std::string& family, const Values& x, const FitRequest& request = {}) {
+double fitted_log_likelihood(const std::string& family, const Values& x, const FitCall& request = {}) {
     FitDescriptor fit = descriptor_of(family);
     return FitDistribution(fit, x, request) ? natural_log_likelihood(fit, x, request) : std::nan("");
 }
@@ -193,7 +194,7 @@ TEST(Fits, AreNotBelowThoseOfFamiliesTheyContain) {
 
 /// Where the sample ends below the triangle's, its likelihood is to be at least that of the true triangle.
 TEST(Fits, TrianglesTruncatedFromAbove) {
-    FitRequest bounds;
+    FitCall bounds;
     bounds.TruncMax = 12;
     for (const auto& [family, parameters] : {std::pair{"Triangle", Values{1, 10, 30}},
                                              {"Triangle", {1, 20, 25}},
@@ -239,7 +240,7 @@ TEST(Fits, EndForAnyData) {
                 fit.clear();
                 PralSetCoreError("");
                 double shift = 0.25;
-                FitRequest request;
+                FitCall request;
                 if (shifted) request.shift = &shift;
                 const bool success = FitDistribution(fit, x, request);
                 const bool silent = std::string(row.name) == "PralSkewNormal" && x.size() < 3;
@@ -263,7 +264,7 @@ TEST(Fits, ReplicatesScatterAsTheEstimatorDoes) {
         const Values x = drawn(descriptor_of("Logistic", {0, scale}), n, 11);
         FitDescriptor fit = descriptor_of("Logistic");
         ASSERT_TRUE(FitDistribution(fit, x, {}));
-        FitRequest request;
+        FitCall request;
         request.uncertainty = true;
         const int kReplicates = 200;
         double sum = 0, squares = 0;
@@ -283,7 +284,7 @@ TEST(Fits, ReplicatesScatterAsTheEstimatorDoes) {
 TEST(Fits, HoldTheCountThatTheCallerGives) {
     const Values x = drawn(descriptor_of("BetaBinomial", {20, 2, 3}), 500, 3);
     double count = 30;
-    FitRequest request;
+    FitCall request;
     request.firstParameter = &count;
     FitDescriptor fit = descriptor_of("BetaBinomial");
     ASSERT_TRUE(FitDistribution(fit, x, request));
@@ -309,7 +310,7 @@ TEST(Fits, CountsTruncatedBetweenIntegers) {
         const std::string truncated = std::string("ZT") + name;
         const Values x = drawn(descriptor_of(truncated, parameters), 300, 17);
         FitDescriptor by_bound = descriptor_of(name), by_family = descriptor_of(truncated);
-        FitRequest request;
+        FitCall request;
         request.TruncMin = 0.5;
         ASSERT_TRUE(FitDistribution(by_bound, x, request)) << name << PralCoreError();
         ASSERT_TRUE(FitDistribution(by_family, x, {})) << name << PralCoreError();
@@ -352,7 +353,7 @@ TEST(Fits, FindTheShift) {
     Values x = drawn(descriptor_of("Gamma", {3, 2}), 2000, 5);
     for (double& value : x) value -= 100;
     double shift = -101;
-    FitRequest request;
+    FitCall request;
     request.shift = &shift;
     FitDescriptor fit = descriptor_of("Gamma");
     ASSERT_TRUE(FitDistribution(fit, x, request)) << PralCoreError();
@@ -407,17 +408,17 @@ TEST(Fits, UnfinishedOnesAreFailures) {
         const Values& data = std::string(name) == "Delaporte" ? Values{3, 1, 0, 4, 9, 2, 2, 7} : x;
         for (const bool shifted : {false, true}) {
             double shift = -1;
-            FitRequest request;
+            FitCall request;
             if (shifted) request.shift = &shift;
             FitDescriptor fit = descriptor_of(name);
-            set_timeout(0);
+            PralSetFitTimeout(0);
             EXPECT_FALSE(FitDistribution(fit, data, request)) << name;
             EXPECT_EQ(fit.params[0], -DBL_MAX) << name;
             EXPECT_EQ(shift, -1) << name;
-            set_timeout(60);
-            const long before = evaluations();
+            PralSetFitTimeout(60);
+            const long before = fit_memory().evaluations;
             EXPECT_TRUE(FitDistribution(fit, data, request)) << name << PralCoreError();
-            EXPECT_GT(evaluations(), before) << name;
+            EXPECT_GT(fit_memory().evaluations, before) << name;
         }
     }
 }
@@ -437,7 +438,7 @@ TEST(Fits, LongSumsCanBeInterrupted) {
         };
         const FitDescriptor fit = descriptor_of(name, {1, 0.5, 0.5, 0.5});
         EXPECT_THROW(fitted_family(fit.code)->log_likelihood(fit.params.data(), pral::Sample(*x, &pause),
-                                                             Bounds(kNotGiven, kNotGiven).modifiers()),
+                                                             pral::Limits{}),
                      Enough)
             << name;
     }
@@ -445,18 +446,18 @@ TEST(Fits, LongSumsCanBeInterrupted) {
 
 /// One change of each member of a request: another fit, whichever comes first.
 TEST(Fits, AreRememberedAndFoundAgain) {
-    using Change = void (*)(FitRequest&);
+    using Change = void (*)(FitCall&);
     static double count, shift;
     static Values start;
-    const Change changes[] = {[](FitRequest&) {},
-                              [](FitRequest& r) { r.TruncMin = 0; },
-                              [](FitRequest& r) { r.TruncMax = 1000; },
-                              [](FitRequest& r) { r.key = "Sheet1!A1"; },
-                              [](FitRequest& r) { r.firstParameter = &(count = 30); },
-                              [](FitRequest& r) { r.firstParameter = &(count = 31); },
-                              [](FitRequest& r) { r.shift = &(shift = 0); },
-                              [](FitRequest& r) { r.startValues = start.data(); },
-                              [](FitRequest& r) { r.uncertainty = true; }};
+    const Change changes[] = {[](FitCall&) {},
+                              [](FitCall& r) { r.TruncMin = 0; },
+                              [](FitCall& r) { r.TruncMax = 1000; },
+                              [](FitCall& r) { r.key = "Sheet1!A1"; },
+                              [](FitCall& r) { r.firstParameter = &(count = 30); },
+                              [](FitCall& r) { r.firstParameter = &(count = 31); },
+                              [](FitCall& r) { r.shift = &(shift = 0); },
+                              [](FitCall& r) { r.startValues = start.data(); },
+                              [](FitCall& r) { r.uncertainty = true; }};
     constexpr std::size_t kFirstNotKept = 6;
     Values x = drawn(descriptor_of("BetaBinomial", {20, 2, 3}), 100, 9);
     start = {25, 2, 3};
@@ -464,25 +465,58 @@ TEST(Fits, AreRememberedAndFoundAgain) {
         x.front() += 1;  // data that no fit has met
         for (std::size_t i = 0; i < std::size(changes); ++i) {
             const std::size_t change = backwards ? std::size(changes) - 1 - i : i;
-            FitRequest request;
+            FitCall request;
             changes[change](request);
-            const long before = evaluations();
+            const long before = fit_memory().evaluations;
             FitDescriptor fit = descriptor_of("BetaBinomial"), again = fit;
             ASSERT_TRUE(FitDistribution(fit, x, request)) << change << PralCoreError();
-            EXPECT_GT(evaluations(), before) << change;
+            EXPECT_GT(fit_memory().evaluations, before) << change;
             changes[change](request);
-            const long so_far = evaluations();
+            const long so_far = fit_memory().evaluations;
             ASSERT_TRUE(FitDistribution(again, x, request));
-            EXPECT_EQ(evaluations() == so_far, change < kFirstNotKept) << change;
+            EXPECT_EQ(fit_memory().evaluations == so_far, change < kFirstNotKept) << change;
             EXPECT_EQ(fit.params == again.params, !request.uncertainty) << change;
         }
     }
     FitDescriptor last = descriptor_of("BetaBinomial");
     ASSERT_TRUE(FitDistribution(last, x, {}));
-    const long before = evaluations();
+    const long before = fit_memory().evaluations;
     x.back() = x.back() > 0 ? x.back() - 1 : 1;
     ASSERT_TRUE(FitDistribution(last, x, {}));
-    EXPECT_GT(evaluations(), before);
+    EXPECT_GT(fit_memory().evaluations, before);
+}
+
+/// Fits as other parts of the library use them: numbers come from the stream given, failures are thrown, the process's error
+/// text and stream stay as they are.
+TEST(Fits, InsideKeepNothingOfTheirOwn) {
+    const Values x = {1, 2, 4, 8, 3, 2.5, 6, 0.5};
+    const FittedFamily& gamma = *pral::fitting::fitted_family("Gamma");
+    const auto deadline = pral::fitting::Deadline::in(60);
+    PralSetRandomSeed(3);
+    const double first = pral::random_stream().uniform();
+    PralSetRandomSeed(3);
+    PralSetCoreError("untouched");
+
+    const auto fitted = pral::fitting::fit(gamma, x, {}, deadline).parameters;
+    std::set<double> replicates;
+    for (const unsigned seed : {11, 11, 12}) {
+        pral::RandomStream stream;
+        stream.seed(seed);
+        replicates.insert(pral::fitting::refit(gamma, fitted, x.size(), {}, deadline, stream).parameters[0]);
+    }
+    EXPECT_EQ(replicates.size(), 2);
+
+    pral::fitting::FitRequest above;
+    above.TruncMin = 1;
+    EXPECT_THROW(pral::fitting::fit(gamma, x, above, deadline), pral::fitting::Failure);
+    EXPECT_THROW(pral::fitting::fit(gamma, Values{-1, 2}, {}, deadline), pral::fitting::Failure);
+    EXPECT_THROW(pral::fitting::fit(gamma, x, {}, pral::fitting::Deadline::in(0)), pral::fitting::TimedOut);
+    pral::RandomStream stream;
+    double value = 0;
+    EXPECT_THROW(gamma.values({&value, 1}, fitted.data(), pral::fitting::limits_of(3, 2), nullptr, stream),
+                 pral::fitting::Contradiction);
+    EXPECT_STREQ(PralCoreError(), "untouched");
+    EXPECT_EQ(pral::random_stream().uniform(), first);
 }
 
 }  // namespace

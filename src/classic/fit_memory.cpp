@@ -1,10 +1,10 @@
-#include "fitting/result_cache.h"
+#include "classic/fit_memory.h"
 
 #include <bit>
 #include <cstdint>
 #include <cstring>
 
-namespace pral::fitting {
+namespace pral::classic {
 
 namespace {
 
@@ -40,4 +40,9 @@ void ResultCache::store(const FitKey& key, std::span<const double> data, const P
     results_.add(hash_of(data), {key, {data.begin(), data.end()}, parameters}, bytes);
 }
 
-}  // namespace pral::fitting
+FitMemory& fit_memory() {
+    static FitMemory memory;
+    return memory;
+}
+
+}  // namespace pral::classic

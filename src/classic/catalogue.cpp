@@ -1,8 +1,8 @@
-#include "fitting/catalogue.h"
+#include "classic/catalogue.h"
 
 #include <array>
 
-namespace pral::fitting {
+namespace pral::classic {
 
 namespace {
 
@@ -147,17 +147,14 @@ constexpr CatalogueRow kRows[] = {
 };
 static_assert(std::size(kRows) == 137);
 
-using Families = std::array<const FittedFamily*, std::size(kRows)>;
+using Families = std::array<const fitting::FittedFamily*, std::size(kRows)>;
 
 /// The families by code, found by their names.
 Families families_by_code() {
+    constexpr std::size_t kPrefix = std::string_view("Pral").size();
     Families families = {};
-    for (const auto kin : {symmetric_families(), positive_families(), bounded_families(), count_families()}) {
-        for (const FittedFamily& family : kin) {
-            const int code = code_of("Pral" + std::string(family.name));
-            if (code >= 0) families[static_cast<std::size_t>(code)] = &family;
-        }
-    }
+    for (std::size_t code = 0; code < families.size(); ++code)
+        families[code] = fitting::fitted_family(std::string_view(kRows[code].name).substr(kPrefix));
     return families;
 }
 
@@ -172,11 +169,11 @@ int code_of(std::string_view name) {
     return -1;
 }
 
-const FittedFamily* fitted_family(int code) {
+const fitting::FittedFamily* fitted_family(int code) {
     static const Families families = families_by_code();
     return code >= 0 && static_cast<std::size_t>(code) < families.size()
                ? families[static_cast<std::size_t>(code)]
                : nullptr;
 }
 
-}  // namespace pral::fitting
+}  // namespace pral::classic

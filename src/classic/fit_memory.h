@@ -1,5 +1,5 @@
-// The results of earlier fits, found again by exactly equal requests: a workbook asks for the same fit at every
-// recalculation.
+// What classic fits keep: the time that they may take, and the results of earlier ones, found again by exactly equal
+// requests, since a workbook repeats its fits at every recalculation.
 #pragma once
 
 #include <span>
@@ -9,7 +9,9 @@
 #include "base/recently_used.h"
 #include "fitting/fitted_family.h"
 
-namespace pral::fitting {
+namespace pral::classic {
+
+using fitting::Parameters;
 
 struct FitKey {
     std::string key;
@@ -36,4 +38,14 @@ class ResultCache {
     RecentlyUsed<Entry> results_{kMostResults, kMostBytes};
 };
 
-}  // namespace pral::fitting
+/// The memory of the process.
+struct FitMemory {
+    /// A fit may take this long.
+    double timeout_seconds = 60;
+    ResultCache results;
+    /// How often the likelihood has been evaluated by fits that succeeded, since the library was loaded.
+    long evaluations = 0;
+};
+FitMemory& fit_memory();
+
+}  // namespace pral::classic

@@ -1,17 +1,130 @@
-// The exported entry points of the fits.
+// The exported fits and likelihoods.
 #include <algorithm>
+#include <cmath>
 #include <numeric>
+#include <stdexcept>
 #include <string>
 
 #include "base/turn.h"
 #include "classic/call.h"
 #include "classic/core_api.h"
+#include "classic/fit_memory.h"
+#include "classic/fits.h"
+#include "classic/members.h"
+#include "classic/stream.h"
 #include "distributions/families.h"
 #include "distributions/real_counts.h"
-#include "fitting/catalogue.h"
-#include "fitting/fit.h"
 
-namespace pral::fitting {
+namespace pral::classic {
+
+namespace {
+
+const fitting::FittedFamily& family_of(const FitDescriptor& descriptor) {
+    const fitting::FittedFamily* family = fitted_family(descriptor.code);
+    if (family == nullptr) throw std::invalid_argument(descriptor.name + " cannot be fitted");
+    return *family;
+}
+
+/// Runs `body`; its failure leaves the text of the reason, where that has one.
+template <class Body>
+bool unless_failed(Body body) {
+    try {
+        body();
+        return true;
+    } catch (const fitting::Contradiction& bounds) {
+        return fail_bounds(bounds.lower, bounds.upper, bounds.as_values);
+    } catch (const fitting::Failure& failure) {
+        return *failure.what() != '\0' && fail(failure.what());
+    }
+}
+
+/// The parameters of a fit that is remembered, or that is made and remembered. Neither those with a shift nor those with
+/// start values are: the key does not hold where they begin.
+fitting::Parameters remembered_fit(const FitDescriptor& descriptor, std::span<const double> data,
+                                   const FitCall& call, const fitting::Deadline& deadline) {
+    FitMemory& memory = fit_memory();
+    const bool kept = call.shift == nullptr && call.startValues == nullptr;
+    const FitKey key = {call.key != nullptr ? call.key : descriptor.name,
+                        descriptor.code,
+                        call.uncertainty,
+                        call.TruncMin,
+                        call.TruncMax,
+                        call.firstParameter != nullptr ? *call.firstParameter : kNotGiven};
+    if (const fitting::Parameters* known = kept ? memory.results.find(key, data) : nullptr) return *known;
+    const auto [parameters, evaluations] = fitting::fit(family_of(descriptor), data, call, deadline);
+    memory.evaluations += evaluations;
+    if (kept) memory.results.store(key, data, parameters);
+    return parameters;
+}
+
+}  // namespace
+
+FitDescriptor::FitDescriptor(int code_)
+    : paramCount(catalogue()[static_cast<std::size_t>(code_)].parameter_count),
+      name(catalogue()[static_cast<std::size_t>(code_)].name),
+      code(code_) {
+    clear();
+}
+
+bool FitDistribution(FitDescriptor& descriptor, std::span<const double> data, const FitCall& call) {
+    const fitting::FittedFamily& family = family_of(descriptor);
+    /// What a fit that fails, or ends by an exception, must leave behind.
+    struct Undo {
+        FitDescriptor& descriptor;
+        double* shift;
+        double shift_before = shift != nullptr ? *shift : 0;
+        bool success = false;
+        ~Undo() {
+            if (success) return;
+            descriptor.clear();
+            if (shift != nullptr) *shift = shift_before;
+        }
+    } undo{descriptor, call.shift};
+    if (data.empty()) return fail("Error: source array is not valid");
+    std::vector<double> plain(data.begin(), data.end());
+    for (double& value : plain) value += 0.0;  // no -0.0
+    data = plain;
+    try {
+        undo.success = unless_failed([&] {
+            const auto deadline = fitting::Deadline::in(fit_memory().timeout_seconds);
+            descriptor.params = remembered_fit(descriptor, data, call, deadline);
+            if (!call.uncertainty) return;
+            const auto [parameters, evaluations] =
+                fitting::refit(family, descriptor.params, data.size(), call, deadline, random_stream());
+            descriptor.params = parameters;
+            fit_memory().evaluations += evaluations;
+        });
+    } catch (const fitting::TimedOut&) {
+        return fail(fitting::timeout_message(family));
+    }
+    return undo.success;
+}
+
+bool EvaluateFitted(const FitDescriptor& descriptor, std::span<double> out, const double* U, double TruncMin,
+                    double TruncMax) {
+    return unless_failed([&] {
+        family_of(descriptor)
+            .values(out, descriptor.params.data(), fitting::limits_of(TruncMin, TruncMax),
+                    percentile_given(U) ? U : nullptr, random_stream());
+    });
+}
+
+bool FitAndEvaluate(FitDescriptor& descriptor, std::span<double> out, std::span<const double> data, double U,
+                    const FitCall& call) {
+    if (!within_bounds(data, call) || !FitDistribution(descriptor, data, call)) return false;
+    if (!EvaluateFitted(descriptor, out, U == kNotGiven ? nullptr : &U, call.TruncMin, call.TruncMax))
+        return false;
+    return out.empty() || std::fabs(out.front()) < numerics::kInfinity;
+}
+
+double FitLogLikelihood(const FitDescriptor& descriptor, std::span<const double> data, double TruncMin,
+                        double TruncMax, double shift) {
+    std::vector<double> moved(data.begin(), data.end());
+    for (double& value : moved) value = value - shift + 0.0;  // no -0.0
+    const double log = fitting::log_likelihood(family_of(descriptor), descriptor.params, Sample(moved),
+                                               fitting::limits_of(TruncMin, TruncMax));
+    return numerics::finite_or_limit(log / numerics::kLn10);
+}
 
 namespace {
 
@@ -25,8 +138,8 @@ struct Data {
 
     bool check() const { return (data != nullptr && n > 0) || fail("Error: source array is not valid"); }
     std::span<const double> values() const { return {data, static_cast<std::size_t>(n)}; }
-    FitRequest request() const {
-        FitRequest request;
+    FitCall call() const {
+        FitCall request;
         request.uncertainty = uncertainty;
         request.TruncMin = TruncMin;
         request.TruncMax = TruncMax;
@@ -48,7 +161,7 @@ bool fit_values(int code, double* out, int count, const Data& data, double U) {
         if (!turn) return fail(kOverlap);
         FitDescriptor descriptor(code);
         const std::span<double> values(out, static_cast<std::size_t>(size));
-        const bool success = FitAndEvaluate(descriptor, values, data.values(), U, data.request());
+        const bool success = FitAndEvaluate(descriptor, values, data.values(), U, data.call());
         if (!success) std::ranges::fill(values, 0.0);
         return success;
     });
@@ -68,7 +181,7 @@ bool fit_parameters(int code, double* out, int length, const Data& data, double*
         if (!data.check()) return false;
         const Turnstile::Turn turn(fits);
         if (!turn) return fail(kOverlap);
-        FitRequest request = data.request();
+        FitCall request = data.call();
         request.shift = shift;
         if (!FitDistribution(descriptor, data.values(), request)) return false;
         std::copy_n(descriptor.params.begin(), length, out);
@@ -112,9 +225,9 @@ struct Empirical {
 
 }  // namespace
 
-}  // namespace pral::fitting
+}  // namespace pral::classic
 
-using namespace pral::fitting;
+using namespace pral::classic;
 
 #define PRAL_EXPORT_FIT_VALUES(X)                                                                          \
     bool Pral##X##Fit_Core(double* out, const double* data, int n, int* uncertainty, double TruncMin,      \
@@ -173,16 +286,18 @@ bool PralFitLogLikelihood_Core(double* out, const char* distribution, const doub
     });
 }
 
-void PralSetFitTimeout(double seconds) { set_timeout(seconds); }
+void PralSetFitTimeout(double seconds) { fit_memory().timeout_seconds = std::fmax(seconds, 0); }
 
 bool PralDiscreteFit_Core(double* out, const double* data, int n, int* uncertainty, double TruncMin,
                           double TruncMax, double U, int count, const char* key, bool) {
     return pral::guarded(out, count, [&](int size) {
         const Data given = {data, n, is_set(uncertainty), TruncMin, TruncMax, key};
-        if (!given.check() || !within_bounds(given.values(), given.request())) return false;
-        const Bounds bounds(TruncMin, TruncMax);
+        if (!given.check() || !within_bounds(given.values(), given.call())) return false;
+        const pral::Limits limits = pral::fitting::limits_of(TruncMin, TruncMax);
+        const int mode =
+            limits.given ? (limits.min_is_percentile ? 2 : 0) + (limits.max_is_percentile ? 1 : 0) : -1;
         return pral::array_member({out, static_cast<std::size_t>(size)}, Empirical(given).table,
-                                  bounds.modifiers(U == kNotGiven ? nullptr : &U));
+                                  {U == kNotGiven ? nullptr : &U, &mode, &limits.min, &limits.max, nullptr});
     });
 }
 

@@ -1,12 +1,12 @@
-// The catalogue of distributions: the names and codes by which fits know them.
+// The catalogue of distributions: the names and codes by which classic fits know them.
 #pragma once
 
 #include <span>
 #include <string_view>
 
-#include "fitting/fitted_family.h"
+#include "fitting/fit.h"
 
-namespace pral::fitting {
+namespace pral::classic {
 
 struct CatalogueRow {
     const char* name;
@@ -20,6 +20,6 @@ std::span<const CatalogueRow> catalogue();
 int code_of(std::string_view name);
 
 /// What is needed to fit the distribution of that code; null where it cannot be fitted.
-const FittedFamily* fitted_family(int code);
+const fitting::FittedFamily* fitted_family(int code);
 
-}  // namespace pral::fitting
+}  // namespace pral::classic

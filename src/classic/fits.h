@@ -1,0 +1,52 @@
+// Classic fits: those of fitting/ with the time-out, the memory of results, the random stream and the error text of the
+// process.
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "classic/catalogue.h"
+#include "fitting/fit.h"
+
+namespace pral::classic {
+
+using fitting::kNotGiven;
+
+/// The distribution to be fitted and its parameters: -DBL_MAX before a fit and after one that has failed.
+struct FitDescriptor {
+    fitting::Parameters params;
+    int paramCount;
+    std::string name;
+    int code;
+
+    /// For the catalogue row of that index.
+    explicit FitDescriptor(int code);
+    void clear() { params.fill(-numerics::kInfinity); }
+};
+
+struct FitCall : fitting::FitRequest {
+    /// A replicate of the parameters by the parametric bootstrap instead of the fit.
+    bool uncertainty = false;
+    /// In the memory of results, in place of the name.
+    const char* key = nullptr;
+};
+
+/// Fits in place. False, with the error text, when the fit has failed or reached the time-out; start values that a family
+/// refuses without a message leave the text as it is.
+bool FitDistribution(FitDescriptor& descriptor, std::span<const double> data, const FitCall& call);
+
+/// Fits and fills `out` with values of the fitted distribution: at percentile U, or draws when U is kNotGiven or -1. Data
+/// outside the bounds fail without a message.
+bool FitAndEvaluate(FitDescriptor& descriptor, std::span<double> out, std::span<const double> data, double U,
+                    const FitCall& call);
+
+/// The base-10 log-likelihood of the data at the descriptor's parameters, which may be real numbers where the distribution
+/// has integers; -DBL_MAX where there is none.
+double FitLogLikelihood(const FitDescriptor& descriptor, std::span<const double> data, double TruncMin,
+                        double TruncMax, double shift = 0);
+
+/// Fills `out` with values of the distribution at the descriptor's parameters; draws when U is null or -1.
+bool EvaluateFitted(const FitDescriptor& descriptor, std::span<double> out, const double* U, double TruncMin,
+                    double TruncMax);
+
+}  // namespace pral::classic
