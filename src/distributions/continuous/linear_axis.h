@@ -4,7 +4,7 @@
 #include <cfloat>
 #include <span>
 
-#include "classic/error_text.h"
+#include "base/message.h"
 #include "distributions/moments.h"
 #include "numerics/constants.h"
 
