@@ -73,7 +73,7 @@ void add_unary(const char* name, Function function) {
 }
 
 void add_own() {
-    add_unary("lgam/own", own::lgam);
+    add_unary("lgam/own", own::lgam_quiet);
     add_unary("lgam/own_log_gamma", own::log_gamma);
     add("incomplete_gamma/own", false, own::gamma_lower);
     add("incomplete_gamma/classical", false, own::incomplete_gamma_lower);

@@ -10,10 +10,12 @@
 #include <set>
 #include <span>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "classic/automation.h"
 #include "classic/core_api.h"
+#include "classic/stream.h"
 #include "distributions/families.h"
 #include "support/exported_families.h"
 #include "support/table.h"
@@ -51,6 +53,16 @@ struct DataFamily {
         return FUNCTION(out, x.data(), static_cast<int>(x.size()), __VA_ARGS__, cumulative, g.mode, g.min, \
                         g.max, g.shift);                                                                   \
     }
+
+/// The family; one that draws its ordinates does so from the process's stream.
+template <class D, class... A>
+D made(A... arguments) {
+    if constexpr (std::is_constructible_v<D, A...>)
+        return D(arguments...);
+    else
+        return D(arguments..., pral::random_stream());
+}
+
 #define FAMILY(X, NUMBERS, ...)                                                                          \
     {                                                                                                    \
 #X,                                                                                                    \
@@ -66,7 +78,7 @@ struct DataFamily {
          return Pral##X##ArrayVB_Core(out, __VA_ARGS__, nullptr, nullptr, nullptr, nullptr, nullptr);       \
      },                                                                                                     \
      {PROBABILITY(Pral##X##Prob_Core, __VA_ARGS__), PROBABILITY(Pral##X##Prob10_Core, __VA_ARGS__)},        \
-     [](const Arguments& a, double x) { return pral::tails(pral::X(__VA_ARGS__), x); } \
+     [](const Arguments& a, double x) { return pral::tails(made<pral::X>(__VA_ARGS__), x); } \
     }
 #define TABLE(I) a.table(I), a.size(I)
 

@@ -338,7 +338,7 @@ TEST(Fits, LikelihoodsOfCountsBetweenBounds) {
                 {"BetaGeometric", {3, 40}, 8.5, 40.5, -15.890305683380271},
                 {"PoissonUniform", {3, 60}, 8, 40, -17.328290366910212}};
     for (const auto& [family, parameters, lower, upper, expected] : rows) {
-        FitRequest bounds;
+        FitCall bounds;
         bounds.TruncMin = lower;
         bounds.TruncMax = upper;
         const FitDescriptor at = descriptor_of(family, parameters);
