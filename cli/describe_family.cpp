@@ -2,7 +2,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cctype>
 #include <nlohmann/json.hpp>
 
 #include "classic_table.h"
@@ -13,57 +12,25 @@ namespace cli {
 
 namespace {
 
-/// Where `word` stands in `text` by itself, not as a part of another word; npos when it does not.
-std::size_t find_word(std::string_view text, std::string_view word) {
-    const auto is_letter = [&](std::size_t i) {
-        return i < text.size() && (std::isalnum(static_cast<unsigned char>(text[i])) || text[i] == '_');
-    };
-    auto at = text.find(word);
-    while (at != text.npos && ((at > 0 && is_letter(at - 1)) || is_letter(at + word.size()))) {
-        at = text.find(word, at + 1);
-    }
-    return at;
-}
-
-/// The text of a family, taken apart: its clauses, between semicolons, tell the parameters, then "support ...", then
-/// the definition. A clause belongs to the parameter that it mentions first ("sigma >= 0, 0 being a point mass at mu");
-/// a parameter that has none gets those that mention it at all ("min <= max").
+/// The text of a family, taken apart: clauses between semicolons about its parameters, then "support ...", then the
+/// definition. Without a support it is a definition as a whole.
 struct Clauses {
-    std::vector<std::string> parameters;  // for each, its clauses
     std::string support, definition;
 };
 
-void add_clause(std::string& to, std::string_view clause) {
-    if (!to.empty()) to += "; ";
-    to += clause;
-}
-
 Clauses clauses_of(const Family& family) {
-    constexpr std::string_view support = "support ";
-    const std::size_t count = family.parameters.size();
-    Clauses clauses;
-    std::vector<std::string> own(count), any(count);
+    constexpr std::string_view kSupport = "support ";
+    std::vector<std::string> support, definition;
     for (const std::string_view clause : split(family.text, ';')) {
-        if (clause.starts_with(support)) {
-            add_clause(clauses.support, clause.substr(support.size()));
-            continue;
-        }
-        std::size_t first = count, first_place = clause.npos;
-        for (std::size_t i = 0; i < count && clauses.support.empty(); ++i) {
-            const auto place = find_word(clause, family.parameters[i].name);
-            if (place != clause.npos) add_clause(any[i], clause);
-            if (place < first_place) {
-                first = i;
-                first_place = place;
-            }
-        }
-        add_clause(first < count ? own[first] : clauses.definition, clause);
+        const bool begins = clause.starts_with(kSupport);
+        if (begins)
+            support.emplace_back(clause.substr(kSupport.size()));
+        else if (!support.empty())
+            definition.emplace_back(clause);
     }
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::string& text = family.parameters[i].text;
-        clauses.parameters.push_back(!text.empty() ? text : own[i].empty() ? any[i] : own[i]);
-    }
-    return clauses;
+    if (support.empty()) return {"", std::string(family.text)};
+    const auto text = [](const std::string& clause) { return clause; };
+    return {joined(support, "; ", text), joined(definition, "; ", text)};
 }
 
 /// A parameter of a C declaration in Visual Basic. What is passed by pointer is a variable; optional modifiers, where a
@@ -95,11 +62,8 @@ std::string visual_basic(const Family& family, std::string_view prototype) {
 nlohmann::ordered_json as_json(const Family& family, const ClassicFamily* classic) {
     const Clauses clauses = clauses_of(family);
     auto parameters = nlohmann::ordered_json::array();
-    for (std::size_t i = 0; i < family.parameters.size(); ++i) {
-        const auto& [name, is_table, text] = family.parameters[i];
-        parameters.push_back(
-            {{"name", name}, {"type", is_table ? "table" : "number"}, {"text", clauses.parameters[i]}});
-    }
+    for (const auto& [name, is_table, text] : family.parameters)
+        parameters.push_back({{"name", name}, {"type", is_table ? "table" : "number"}, {"text", text}});
     nlohmann::ordered_json json = {
         {"family", family.name},    {"kind", family.kind},        {"other_names", other_names(family)},
         {"parameters", parameters}, {"support", clauses.support}, {"definition", clauses.definition}};
@@ -120,11 +84,9 @@ void write_page(const Family& family, const ClassicFamily* classic) {
         fmt::format("{}({}), {}\n\nParameters\n", family.name, parameter_names(family), family.kind);
     std::size_t width = 0;
     for (const auto& parameter : family.parameters) width = std::max(width, parameter.name.size());
-    for (std::size_t i = 0; i < family.parameters.size(); ++i) {
-        const auto& [name, is_table, text] = family.parameters[i];
+    for (const auto& [name, is_table, text] : family.parameters)
         page += fmt::format("  {:<{}}  {}  {}\n", name, width, is_table ? "table " : "number",
-                            wrapped(clauses.parameters[i], kPageWidth, width + 12));
-    }
+                            wrapped(text, kPageWidth, width + 12));
     page += chapter("Other names", other_names(family)) + chapter("Support", clauses.support) +
             chapter("Definition", clauses.definition);
     if (classic != nullptr) {

@@ -111,7 +111,7 @@ FITS = [
 REFUSALS = [
     ("sample Normal 0 -1", 1, "Normal: sigma must be >= 0\n"),
     ("sample Normal 0 -1 --seed 1", 1, "Error: sigma must be >= 0\n"),
-    ("prob Normal 0 nan -x 1", 1, "Normal: sigma must be >= 0\n"),
+    ("prob Normal 0 nan -x 1", 1, "Normal: sigma must be a number\n"),
     ("quantile Normal 0 1 -u 1.5", 2, "between 0 and 1, not at 1.5"),
     ("sample Normal 0 1 --min 1 --max 0", 1, "no probability lies between the bounds\n"),
     ("", 2, "a command is wanted"),
@@ -397,10 +397,13 @@ def check_list_and_describe():
         name = family["family"]
         page = json.loads(output_of(f"describe {name} --format json"))
         assert [p["name"] for p in page["parameters"]] == re.findall(r"\w+", family["parameters"])
+        if name in ("HalfNormal", "Gompertz", "GPD"):  # of objects alone
+            assert "prototypes" not in page
+            continue
         functions = [re.match(r"bool (\w+)\(.*\);$", prototype)[1] for prototype in page["prototypes"]]
         assert functions == [f"Pral{name}{member}_Core" for member in ("", "Array", "ArrayVB", "Prob", "Prob10")]
     normal = json.loads(output_of("describe Normal --format json"))
-    assert normal["support"] == "all reals" and normal["parameters"][0]["text"] == "mean mu", normal
+    assert normal["support"] == "all reals" and normal["parameters"][0]["text"] == "mean, any number", normal
     assert normal["visual_basic"] == (
         'Declare PtrSafe Function PralNormal_Core Lib "pral_core.dll" (ByRef out As Double, ByVal mu As Double, '
         "ByVal sigma As Double, ByRef U As Any, ByRef boundsMode As Any, ByRef boundsMin As Any, "
