@@ -29,14 +29,10 @@ struct Modifiers {
 };
 
 /// Reports bounds that contradict each other or percentiles outside [0,1].
+bool check_bounds(const Limits& limits, bool ordered, const Bound& min, const Bound& max);
 template <Family D>
 bool check_bounds(const Truncated<D>& kept, const Limits& limits) {
-    if (!limits.given) return true;
-    const Bound &min = kept.min(), &max = kept.max();
-    if (!kept.ordered())
-        return limits.both_values() ? fail_bounds(min.x, max.x, true)
-                                    : fail_bounds(min.tails.lower, max.tails.lower, false);
-    return kept.percentiles_in_range() || fail(kPercentileMessage);
+    return !limits.given || check_bounds(limits, kept.ordered(), kept.min(), kept.max());
 }
 
 /// The shift moves finite values only, and what leaves the library is finite.
@@ -95,10 +91,11 @@ bool value_member(double* out, const D& d, const Modifiers& given) {
     return true;
 }
 
-/// value_at() of a call that is not bare, out of line: an array needs it once.
+/// value_at() of a call that is not bare.
 template <Family D>
-[[gnu::noinline]] double value_apart(double u, const Truncated<D>& kept, const double* shift) {
-    return value_at(u, kept, shift, false);
+double value_apart(double u, const Truncated<D>& kept, const double* shift) {
+    if constexpr (requires { kept.base().rounds_after_shift(); }) return value_at(u, kept, shift, false);
+    return shifted(value_at_percentile(kept, u), shift);
 }
 
 /// PralXArray_Core: one inverted draw an element, never a special generator; a given percentile fills the

@@ -27,7 +27,7 @@ Message draw(double& out, const D& d, RandomStream& stream) {
 
 /// The value at percentile 0 <= u <= 1 of what is kept.
 template <Family D>
-double value_at_percentile(const Truncated<D>& kept, double u) {
+[[gnu::noinline]] double value_at_percentile(const Truncated<D>& kept, double u) {
     const bool at_an_end = u == 1 || (u == 0 && !Truncated<D>::kOwnBounds);
     double value = at_an_end ? (u == 0 ? kept.lower() : kept.upper()) : 0;
     if (const auto point = kept.base().point_mass(); point && !(at_an_end && requires { D::kEndsFirst; }))

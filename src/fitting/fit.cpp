@@ -12,6 +12,20 @@
 
 namespace pral::fitting {
 
+namespace detail {
+
+void fail(Message objection) { throw Failure(objection); }
+
+void check_bounds(const Limits& limits, bool ordered, const Bound& min, const Bound& max) {
+    if (!limits.given) return;
+    if (!ordered)
+        throw limits.both_values() ? Contradiction(min.x, max.x, true)
+                                   : Contradiction(min.tails.lower, max.tails.lower, false);
+    if (!(min.tails.lower >= 0 && max.tails.lower <= 1)) fail(kPercentileOutside);
+}
+
+}  // namespace detail
+
 namespace {
 
 bool valid(double value) { return std::fabs(value) < numerics::kInfinity; }

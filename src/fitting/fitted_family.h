@@ -113,6 +113,10 @@ struct FittedFamily : Peculiarities {
 
 namespace detail {
 
+[[noreturn]] void fail(Message objection);
+/// Throws what is objected to in completed bounds.
+void check_bounds(const Limits& limits, bool ordered, const Bound& min, const Bound& max);
+
 template <class D, std::size_t... I>
 D made_of(const double* parameters, std::index_sequence<I...>) {
     return D{parameters[I]...};
@@ -141,20 +145,13 @@ struct Member {
         const D d = of(parameters);
         const Message objection = d.check();
         const Truncated<D> kept(d, objection == nullptr, limits);
-        if (limits.given) check_bounds(kept, limits.both_values());
-        if (u != nullptr && !(*u >= 0 && *u <= 1)) throw Failure(kPercentileOutside);
-        if (objection != nullptr) throw Failure(objection);
+        check_bounds(limits, kept.ordered(), kept.min(), kept.max());
+        if (u != nullptr && !(*u >= 0 && *u <= 1)) fail(kPercentileOutside);
+        if (objection != nullptr) fail(objection);
         if (u != nullptr)
             std::ranges::fill(out, value_at_percentile(kept, *u));
         else
             draw_each(out, kept, stream);
-    }
-    static void check_bounds(const Truncated<D>& kept, bool as_values) {
-        const Bound &min = kept.min(), &max = kept.max();
-        if (!kept.ordered())
-            throw as_values ? Contradiction(min.x, max.x, true)
-                            : Contradiction(min.tails.lower, max.tails.lower, false);
-        if (!kept.percentiles_in_range()) throw Failure(kPercentileOutside);
     }
 };
 
