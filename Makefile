@@ -2,13 +2,18 @@
 #   make help    lists them
 PREFIX ?= /usr/local
 JOBS := $(shell nproc)
+# With PRAL_WARNINGS_AS_ERRORS=ON in the environment a warning breaks the build.
+STRICT := $(if $(PRAL_WARNINGS_AS_ERRORS),-DPRAL_WARNINGS_AS_ERRORS=$(PRAL_WARNINGS_AS_ERRORS))
+# Compiled files are found again in another checkout of the same sources.
+export CCACHE_BASEDIR := $(CURDIR)
+export CCACHE_NOHASHDIR := 1
 
 .DEFAULT_GOAL := build
 .PHONY: accuracy build demo test test-linux test-windows windows bench sanitize thread lint lint-all format install clean help
 
 build:  ## the library, the companion and the example, for Linux (build/release)
 	@scripts/install-deps.sh linux
-	cmake --preset release
+	cmake --preset release $(STRICT)
 	cmake --build --preset release --parallel $(JOBS) --target product
 
 demo: build  ## a small risk model, and distributions fitted to public data, with a verdict

@@ -9,6 +9,8 @@
 
 namespace pral::multivariate {
 
+const Message kNoProportions = "Error: alpha values are too small";
+
 Message sample_dirichlet(Vector alpha, double* out, RandomStream& stream) {
     const std::size_t k = alpha.size();
     double total = 0, largest = 0;

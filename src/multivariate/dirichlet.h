@@ -8,7 +8,7 @@
 namespace pral::multivariate {
 
 /// The objection to shapes so small that each of the gamma variables is 0.
-inline constexpr Message kNoProportions = "Error: alpha values are too small";
+extern const Message kNoProportions;  // one address, by which it is known
 
 /// Independent gamma variables with these shapes, drawn in their order, divided by their sum. Returns the message of the
 /// failing check, or null.

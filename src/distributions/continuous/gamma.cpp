@@ -7,7 +7,9 @@ namespace pral {
 double Gamma::log_likelihood(std::span<const double> values) const {
     // For large shapes the sums cancel; a term of its own is exact then.
     constexpr double kLargestShape = 100;
-    if (alpha < kLargestShape) {
+    // Where x/beta may be denormal its logarithm has lost digits.
+    constexpr double kLargestScale = 1e200;
+    if (alpha < kLargestShape && beta < kLargestScale) {
         const double per_beta = 1 / beta, count = static_cast<double>(values.size());
         const double sum = numerics::interleaved_sum(values, [=](double x) { return x * per_beta; });
         const double logs =
