@@ -7,8 +7,9 @@
 namespace pral::numerics {
 
 // Where the dynamic linker can choose, it takes the wider vectors of newer processors. The digits are the same: no fused
-// operations.
-#if defined(__linux__) && defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__)
+// operations. A sanitizer is not there yet when the linker asks.
+#if defined(__linux__) && defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && \
+    !defined(__SANITIZE_THREAD__)
 #define PRAL_WIDEST_VECTORS __attribute__((target_clones("avx2", "default")))
 #else
 #define PRAL_WIDEST_VECTORS
