@@ -75,7 +75,6 @@ class Truncated {
     explicit Truncated(const D& base) : Truncated(base, true, Limits{}) {}
 
     bool ordered() const { return !bounded_ || (min_.tails.lower <= max_.tails.lower && min_.x <= max_.x); }
-    bool percentiles_in_range() const { return min_.tails.lower >= 0 && max_.tails.lower <= 1; }
     const Bound& min() const { return min_; }
     const Bound& max() const { return max_; }
 

@@ -456,6 +456,7 @@ TEST(Fits, AreRememberedAndFoundAgain) {
                               [](FitCall& r) { r.firstParameter = &(count = 30); },
                               [](FitCall& r) { r.firstParameter = &(count = 31); },
                               [](FitCall& r) { r.shift = &(shift = 0); },
+                              [](FitCall& r) { r.shift = &(shift = -1); },
                               [](FitCall& r) { r.startValues = start.data(); },
                               [](FitCall& r) { r.uncertainty = true; }};
     constexpr std::size_t kFirstNotKept = 6;

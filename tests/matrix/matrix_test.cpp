@@ -104,6 +104,14 @@ TEST(Matrix, SpecialMatrices) {
     }
 }
 
+TEST(Matrix, EigenvaluesWithinTheirRoundingAreZero) {
+    for (const double least : {0.9e-15, -0.9e-15, 1.1e-15, -1.1e-15}) {
+        Values a = {1, 0, 0, least}, out;
+        ASSERT_TRUE(call("eigenvalues", a, out));
+        EXPECT_EQ(out, (Values{std::fabs(least) < 1e-15 ? 0 : least, 1}));
+    }
+}
+
 TEST(Matrix, RepairCompletesItsInputAndYieldsACorrelationMatrix) {
     Values a = {1, 0, 0, 0.9, 1, 0, -0.9, 0.9, 1}, out, eigenvalues;
     ASSERT_TRUE(call("valid_corrmat", a, out));

@@ -46,6 +46,22 @@ TEST(Calls, EndAsToldAfterTheirDraws) {
     }
 }
 
+/// The steps of doubles by which a sum of probabilities may miss 1: 2e-15 for two of them lies between 18 and 19 steps next
+/// to 0.5, 1e-15 between 9 and 10.
+TEST(Calls, SumsOfProbabilitiesMayMissOneByTheirRounding) {
+    constexpr double kStep = 0x1p-53;
+    const double counts[] = {1, 2}, shapes[] = {2, 3};
+    for (const int steps : {0, 17, 19, -17, -19, 8, 10}) {
+        const double p[] = {0.5, 0.5 + steps * kStep};
+        const bool is_near = std::abs(steps) < 18, is_nearer = std::abs(steps) < 9;
+        double out[2];
+        EXPECT_EQ(PralMultinomial_Core(out, 2, 3, p, 2), is_near) << steps;
+        EXPECT_EQ(PralMultinomialProb_Core(out, counts, 2, p, 2), is_near) << steps;
+        EXPECT_EQ(PralDirichletProb_Core(out, p, 2, shapes, 2), is_near) << steps;
+        EXPECT_EQ(PralNegMultinomial_Core(out, counts, 2, p, 2), is_nearer) << steps;
+    }
+}
+
 TEST(Calls, CompleteLowerTrianglesInPlace) {
     double out[2];
     for (const double correlation : {0.5, 2.0}) {  // also when the call then fails

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <optional>
 #include <span>
@@ -74,18 +73,6 @@ struct ZeroInflated {
     }
     std::optional<double> point_mass() const { return std::nullopt; }
 
-    std::optional<Moments> moments() const requires HasMoments<Base> {
-        const auto point = base.point_mass();
-        const std::optional<Moments> of_base =
-            point ? std::optional(Moments{*point, 0, 0, 0}) : base.moments();
-        if (!of_base) return std::nullopt;
-        return mixed(std::array{*of_base, Moments{0, 0, 0, 0}}, std::array{pi, 1 - pi});
-    }
-    double moment_limit(Side side) const requires HasMomentLimit<Base> { return base.moment_limit(side); }
-    std::optional<double> mode() const requires HasMode<Base> {
-        const double of_base = base.point_mass().value_or(base.mode());
-        return log_density(of_base) > log_density(0) ? of_base : 0;
-    }
     double cumulative(double x) const { return pi * tails(base, x).lower + (1 - pi); }
     double survival(double x) const { return pi * tails(base, x).upper; }
     double log_density(double x) const {

@@ -46,28 +46,6 @@ struct ZeroTruncated {
         return point ? std::optional(std::max(*point, 1.0)) : std::nullopt;
     }
 
-    /// The powers about the mean t of what is left are those of the base but for the zeros, (-t)^k each. With little left
-    /// that cancels.
-    std::optional<Moments> moments() const requires HasMoments<Base> {
-        constexpr bool heavy = HasMomentLimit<Base>;
-        if (not_zero_ < 0.05 && !heavy) return std::nullopt;
-        const std::optional<Moments> of = base.moments();
-        if (!of || zero_ == 0) return of;
-        const double t = of->mean / not_zero_, d = of->mean - t, v = of->variance;
-        const double m3 = of->skewness * v * std::sqrt(v), m4 = (of->kurtosis + 3) * v * v;
-        const double second = (v + d * d - zero_ * t * t) / not_zero_;
-        const double third = (m3 + 3 * d * v + d * d * d + zero_ * t * t * t) / not_zero_;
-        const double fourth =
-            (m4 + 4 * d * m3 + 6 * d * d * v + d * d * d * d - zero_ * t * t * t * t) / not_zero_;
-        return Moments{t, second, third / (second * std::sqrt(second)), fourth / (second * second) - 3};
-    }
-    double moment_limit(Side side) const requires HasMomentLimit<Base> { return base.moment_limit(side); }
-    std::optional<double> mode() const requires HasMode<Base> {
-        const double of_base = std::max(base.mode(), 1.0), last = base.support().upper;
-        const bool rises = last < numerics::kInfinity && log_density(last) > log_density(of_base);
-        return rises ? last : of_base;
-    }
-
     /// Near 0 the sum of the masses, which is no difference of two percentiles close to each other.
     double cumulative(double x) const {
         constexpr int kFew = 32;
@@ -112,18 +90,11 @@ struct ZeroTruncated {
 
   private:
     void complete() {
-        if (!in_range() || base.point_mass()) return;
+        if (base.check() != nullptr || base.point_mass()) return;
         const auto [lower, upper] = tails(base, 0);
         zero_ = lower;
         not_zero_ = upper;
         log_not_zero_ = not_zero_ > 0.5 ? numerics::log1p_fn(-zero_) : std::log(not_zero_);
-    }
-    /// Of any real parameters, where the base family has functions of those.
-    bool in_range() const {
-        if constexpr (requires { base.check_range(); })
-            return base.check_range() == nullptr;
-        else
-            return base.check() == nullptr;
     }
     double at(double p, double q) const {
         return std::max(p <= 0.5 ? pral::quantile(base, p) : pral::quantile_upper(base, q), 1.0);
