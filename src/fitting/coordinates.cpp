@@ -17,16 +17,16 @@ double to_shape(double t, double most) {
 }
 
 /// Ends that the data set become numbers.
-Range resolved(Range range, const Sample& x) {
-    if (range.kind == Kind::below_min) return between(range.lower, x.min());
-    if (range.kind == Kind::above_max) return between(x.max(), HUGE_VAL);
+Range resolved(Range range, const Extent& x) {
+    if (range.kind == Kind::below_min) return between(range.lower, x.min);
+    if (range.kind == Kind::above_max) return between(x.max, HUGE_VAL);
     return range;
 }
 
 }  // namespace
 
-Coordinates::Coordinates(std::span<const Range> ranges, const Parameters& origin, const Sample& x)
-    : origin_(origin), spread_(x.constant() ? std::fmax(std::fabs(x.mean()), 1) : x.deviation()) {
+Coordinates::Coordinates(std::span<const Range> ranges, const Parameters& origin, const Extent& x)
+    : origin_(origin), spread_(x.spread) {
     for (const Range& range : ranges) ranges_.push_back(resolved(range, x));
 }
 

@@ -6,10 +6,23 @@
 
 namespace pral::fitting {
 
+/// What coordinates need to know of the data: between what an unknown end of a support may lie, and their spread.
+struct Extent {
+    double min, max, spread;
+
+    explicit Extent(const Sample& x)
+        : min(x.min()),
+          max(x.max()),
+          spread(x.constant() ? std::fmax(std::fabs(x.mean()), 1) : x.deviation()) {}
+    Extent(double min_, double max_, double spread_) : min(min_), max(max_), spread(spread_) {}
+};
+
 class Coordinates {
   public:
     /// For parameters near `origin`.
-    Coordinates(std::span<const Range> ranges, const Parameters& origin, const Sample& x);
+    Coordinates(std::span<const Range> ranges, const Parameters& origin, const Extent& x);
+    Coordinates(std::span<const Range> ranges, const Parameters& origin, const Sample& x)
+        : Coordinates(ranges, origin, Extent(x)) {}
 
     /// The first parameter outside of its range, or -1.
     int first_outside(const Parameters& parameters) const;

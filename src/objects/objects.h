@@ -58,7 +58,8 @@ enum {
     PRAL_ERROR_NO_CONVERGENCE = 6, /* a search that has not ended */
     PRAL_ERROR_TIMEOUT = 7,
     PRAL_ERROR_MEMORY = 8,
-    PRAL_ERROR_INTERNAL = 9
+    PRAL_ERROR_INTERNAL = 9,
+    PRAL_ERROR_STOPPED = 10 /* by the caller's progress function */
 };
 
 /* The caller's own. Set `size` to sizeof(pral_error): a struct of another size is left alone. */
@@ -244,6 +245,163 @@ enum { PRAL_LATIN_HYPERCUBE = 0, PRAL_SOBOL = 1, PRAL_HALTON = 2, PRAL_STRATIFIE
  * and replicates tell the error; without one they stand where they are, half a slice inside. */
 PRAL_OBJECTS_API pral_status pral_points(int32_t design, pral_stream* stream, double* out, size_t count,
                                          size_t dimensions, pral_error* error);
+
+/* ---------------------------------------------------------------------------------------------------------- Fits
+ *
+ * A fit never changes once it is made, like a distribution. Families that pral_family_info calls fittable can be fitted.
+ *
+ * A likelihood may have no maximum: it grows for ever where an end of the support moves onto a datum and the density is
+ * infinite there, or where a scale shrinks about values that tie. A fit is then the highest local maximum inside; where there
+ * is none, values count by the probability of the cells x +- h/2 in which they have been recorded, and the fit says so. */
+
+typedef struct pral_fit pral_fit;
+
+/* Set `size`, `n` and `left`; what else is null has its usual meaning. Observation i lies between left[i] and right[i], both
+ * included: equal ends are an exact value, an infinite end is none. It counts weights[i] times, and could have been seen only
+ * between lower[i] and upper[i], both included. Nothing of it is needed after the call. */
+typedef struct pral_observations {
+    size_t size; /* sizeof(pral_observations) */
+    size_t n;
+    const double* left;
+    const double* right;   /* null: all are exact */
+    const double* weights; /* null: 1 each */
+    const double* lower;   /* null: the bounds of the options hold for all */
+    const double* upper;
+} pral_observations;
+
+enum { PRAL_MAXIMUM_LIKELIHOOD = 0, PRAL_MAXIMUM_SPACINGS = 1 };
+
+/* Fill it by pral_fit_defaults and change what you like. */
+typedef struct pral_fit_options {
+    size_t size;
+    double lower, upper; /* the data are a sample of what lies between; infinite: not truncated */
+    const double* held;  /* a value for each parameter, NaN where it is to be fitted; null: all are */
+    size_t held_count;
+    int32_t shift;   /* 1: fit a shift as well, which becomes the last parameter */
+    int32_t method;  /* by maximum likelihood, or by the maximum product of spacings */
+    double cell;     /* h, the unit in which values have been recorded; 0: as the data show it */
+    double seconds;  /* of processor time a fit may take */
+    int32_t threads; /* of pral_rank; 0: as many as there are processors */
+} pral_fit_options;
+
+PRAL_OBJECTS_API pral_status pral_fit_defaults(pral_fit_options* options, pral_error* error);
+
+/* Null options are the defaults. */
+PRAL_OBJECTS_API pral_status pral_fit_make(const char* family, const pral_observations* observations,
+                                           const pral_fit_options* options, pral_fit** out,
+                                           pral_error* error);
+PRAL_OBJECTS_API void pral_fit_free(pral_fit* fit);
+
+enum {
+    PRAL_FIT_REGULAR =
+        0, /* the gradient vanishes and the Hessian is negative definite; or the data determine all */
+    PRAL_FIT_EDGE = 1, /* the likelihood levels off towards an edge of the parameters: see `limit` */
+    PRAL_FIT_CELLS = 2 /* the likelihood grows without bound: values count by their cells */
+};
+
+typedef struct pral_fit_values {
+    size_t size; /* sizeof(pral_fit_values), set by the caller */
+    const char* family;
+    int32_t kind;
+    int32_t free;           /* how many parameters were fitted */
+    size_t parameter_count; /* a fitted shift is the last */
+    double n;               /* the sum of the weights */
+    double
+        log_likelihood; /* natural; of densities, or of probabilities divided by `cell` where values count by cells */
+    double aic, aicc, bic;
+    double cell;       /* h where values count by cells, otherwise 0 */
+    const char* limit; /* at an edge: the family that it has become, or "" */
+} pral_fit_values;
+
+PRAL_OBJECTS_API pral_status pral_fit_get(const pral_fit* fit, pral_fit_values* out, pral_error* error);
+
+/* The parameters; their standard errors and covariance (count x count) from the observed information. Null arrays are left
+ * out. `count` must be parameter_count. Held parameters have an error of 0; those that are whole numbers, or ends of the
+ * support at a datum, and those of a likelihood that is level have NaN. */
+PRAL_OBJECTS_API pral_status pral_fit_parameters(const pral_fit* fit, double* parameters,
+                                                 double* standard_errors, double* covariance, size_t count,
+                                                 pral_error* error);
+
+/* With the shift, not truncated as the data were. */
+PRAL_OBJECTS_API pral_status pral_fit_distribution(const pral_fit* fit, pral_distribution** out,
+                                                   pral_error* error);
+
+enum { PRAL_REPLICATE_FIT = 0, PRAL_REPLICATE_DATA = 1 };
+
+/* Samples like that of the fit, each fitted again: drawn from the fitted distribution, or from the data with replacement.
+ * Replicate i uses child i of the stream, which itself does not move: the same numbers whatever the number of threads.
+ * `progress`, unless null, is called after each with how many are done, by one thread at a time; 0 ends the work. */
+typedef struct pral_replication {
+    size_t size; /* sizeof(pral_replication) */
+    const pral_stream* stream;
+    size_t count;    /* 999 are enough for most purposes */
+    int32_t source;  /* tests draw from the fit */
+    int32_t threads; /* 0: as many as there are processors */
+    int32_t (*progress)(size_t done, void* context);
+    void* context;
+} pral_replication;
+
+/* The parameters of the replicates, a row each, NaN where a refit has failed; *failed, unless null, receives how many. */
+PRAL_OBJECTS_API pral_status pral_fit_bootstrap(const pral_fit* fit, const pral_replication* how, double* out,
+                                                size_t* failed, pral_error* error);
+
+enum { PRAL_OF_PARAMETER = 0, PRAL_OF_QUANTILE = 1 };
+enum { PRAL_WALD = 0, PRAL_PROFILE = 1, PRAL_BOOTSTRAP = 2 };
+
+/* An interval that holds the parameter of that index, or the quantile at percentile `which`, with probability `level`.
+ *   PRAL_WALD       the estimate -+ a multiple of its standard error
+ *   PRAL_PROFILE    what a likelihood ratio does not object to; NaN at an end that the likelihood does not tell
+ *   PRAL_BOOTSTRAP  quantiles of replicates; `how` is needed by this method only */
+PRAL_OBJECTS_API pral_status pral_fit_interval(const pral_fit* fit, int32_t target, double which,
+                                               int32_t method, double level, const pral_replication* how,
+                                               double* lower, double* upper, pral_error* error);
+
+enum {
+    PRAL_KOLMOGOROV_SMIRNOV = 0,
+    PRAL_CRAMER_VON_MISES = 1,
+    PRAL_ANDERSON_DARLING = 2,
+    PRAL_CHI_SQUARE = 3
+};
+
+typedef struct pral_test_values {
+    size_t size; /* sizeof(pral_test_values), set by the caller */
+    double statistic;
+    double p,
+        p_error; /* (1 + replicates at least as far away)/(1 + replicates), and its standard error by simulation */
+    size_t replicates, failed;
+} pral_test_values;
+
+/* Whether the data look like draws from the fit. p is right although the parameters come from the same data, because those
+ * of each replicate come from its own. Of counts the distances are between step functions. */
+PRAL_OBJECTS_API pral_status pral_fit_test(const pral_fit* fit, int32_t statistic,
+                                           const pral_replication* how, pral_test_values* out,
+                                           pral_error* error);
+
+typedef struct pral_ranking pral_ranking;
+
+/* Fits of several families, the best first: regular maxima before edges, those before cells, by AICc. Without names all that
+ * suit the data. Of families whose fits are the same distribution the one with the fewest parameters stays. */
+PRAL_OBJECTS_API pral_status pral_rank(const char* const* families, size_t count,
+                                       const pral_observations* observations, const pral_fit_options* options,
+                                       int32_t (*progress)(size_t done, size_t of, void* context),
+                                       void* context, pral_ranking** out, pral_error* error);
+PRAL_OBJECTS_API void pral_ranking_free(pral_ranking* ranking);
+
+typedef struct pral_ranked {
+    size_t size;          /* sizeof(pral_ranked), set by the caller */
+    double difference;    /* AICc less the least */
+    double weight;        /* Akaike's, among regular fits and edges; 0 for others */
+    const char* equal_to; /* families whose fits are this distribution: "LognormalE, ..." */
+} pral_ranked;
+
+/* How many fits there are, and fit number `index`: a handle of its own, to be freed, unless `fit` is null. Texts stay as long as
+ * the ranking. */
+PRAL_OBJECTS_API size_t pral_ranking_count(const pral_ranking* ranking);
+PRAL_OBJECTS_API pral_status pral_ranking_row(const pral_ranking* ranking, size_t index, pral_ranked* out,
+                                              pral_fit** fit, pral_error* error);
+/* What was left out, and why; null beyond the last. */
+PRAL_OBJECTS_API const char* pral_ranking_left_out(const pral_ranking* ranking, size_t index,
+                                                   const char** why);
 
 #ifdef __cplusplus
 }
