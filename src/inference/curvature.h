@@ -11,13 +11,14 @@ namespace pral::inference {
 /// A symmetric matrix of a handful of rows.
 class SquareMatrix {
   public:
-    explicit SquareMatrix(std::size_t size = 0) : size_(size), elements_(size * size) {}
+    SquareMatrix() = default;
+    explicit SquareMatrix(std::size_t size) : size_(size), elements_(size * size) {}
     std::size_t size() const { return size_; }
     double& operator()(std::size_t i, std::size_t j) { return elements_[i * size_ + j]; }
     double operator()(std::size_t i, std::size_t j) const { return elements_[i * size_ + j]; }
 
   private:
-    std::size_t size_;
+    std::size_t size_ = 0;
     std::vector<double> elements_;
 };
 

@@ -1,11 +1,12 @@
 #include "inference/estimate.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <optional>
 
-#include "fitting/coordinates.h"
 #include "fitting/starts.h"
+#include "inference/ascent.h"
 
 namespace pral::inference {
 
@@ -20,14 +21,6 @@ using fitting::Point;
 using fitting::Range;
 using RangeKind = fitting::Range::Kind;
 
-/// Beyond this many coordinates from its start a climb does not go: there the likelihood grows for ever, or levels off.
-constexpr double kFar = 17;
-
-fitting::Extent extent_of(const Observations& observations, const Sample& representatives, double cell) {
-    const fitting::Extent whole(representatives);
-    return {observations.smallest() + 0.5 * cell, observations.largest() - 0.5 * cell, whole.spread};
-}
-
 /// How the parameters may move: those that are held not at all, a shift as an end of the support.
 std::vector<Range> ranges_of(const Model& model, const Request& request) {
     const auto& own = model.family->ranges;
@@ -38,35 +31,6 @@ std::vector<Range> ranges_of(const Model& model, const Request& request) {
     if (request.shift) ranges.push_back(fitting::kBelowMin);
     return ranges;
 }
-
-bool is_end(const Range& range) {
-    return range.kind == RangeKind::below_min || range.kind == RangeKind::above_max;
-}
-
-/// Where an end of the support is as good as on a datum: the place with the end there.
-std::optional<Parameters> on_datum(const Parameters& place, std::span<const Range> ranges,
-                                   const fitting::Extent& extent) {
-    constexpr double kNear = 1e-5;
-    Parameters moved = place;
-    for (std::size_t i = 0; i < ranges.size(); ++i) {
-        if (!is_end(ranges[i])) continue;
-        const double datum = ranges[i].kind == RangeKind::below_min ? extent.min : extent.max;
-        if (std::fabs(place[i] - datum) < kNear * extent.spread) moved[i] = datum;
-    }
-    return moved == place ? std::nullopt : std::optional(moved);
-}
-
-/// A climb's end, by what the likelihood does there.
-enum class Nature {
-    maximum,
-    level,      ///< levels off towards an edge of the parameters
-    ascending,  ///< grows for ever
-};
-
-struct Candidate {
-    Parameters place;
-    double value;
-};
 
 class Search {
   public:
@@ -89,28 +53,27 @@ class Search {
     void check_request() const;
     std::vector<Parameters> starts() const;
     void free_ends(std::vector<Parameters>& places);
+    std::optional<Estimate> closed_form(const Parameters& start) const;
     std::vector<Parameters> starts(const Sample& sample, double shift) const;
     std::optional<std::size_t> whole_parameter(const Parameters& place) const;
-    Candidate climb(const Parameters& place, const Likelihood& likelihood, const std::vector<Range>& ranges,
-                    double negligible, double cell = 0) const;
-    void polish(Candidate& candidate, const Likelihood& likelihood, double cell) const;
-    Nature nature(const Candidate& candidate, const Likelihood& likelihood, double cell) const;
-    std::vector<Candidate> climbed(const std::vector<Parameters>& places, const Likelihood& likelihood,
+    std::vector<Candidate> climbed(const std::vector<Parameters>& places, Criterion criterion,
                                    double cell) const;
-    std::optional<Estimate> best_of(std::vector<Candidate> candidates, const Likelihood& likelihood,
+    std::optional<Estimate> best_of(const std::vector<Candidate>& candidates, const Ascent& ascent,
                                     double cell) const;
     Estimate by_cells(const std::vector<Parameters>& places) const;
-    Estimate with_whole(std::size_t place, Parameters start) const;
+    Estimate with_whole(std::size_t place, const Parameters& start) const;
     std::vector<Parameters> places_by_spacings(const std::vector<Parameters>& places) const;
-    fitting::Extent extent(double cell) const { return extent_of(observations_, sample_, cell); }
-    int free_parameters() const {
-        int held = 0;
-        for (const double value : request_.held) held += !std::isnan(value);
-        // The base of a logarithm gives no other distributions.
-        if (model_.name() == "LognormalB") ++held;
-        return model_.family->parameter_count - held + request_.shift;
+    Ascent ascent(Criterion criterion, double cell = 0) const {
+        return {model_, observations_, criterion, request_.shift, cell, deadline_};
     }
-    Estimate finished(const Candidate& candidate, Kind kind, double cell = 0, int whole = -1) const;
+    /// Families that sum up statistics of plain data, or distinct integers.
+    bool summarised() const {
+        return observations_.plain() && !request_.shift && request_.method == Criterion::density &&
+               model_.family->summarised;
+    }
+    int free_parameters() const;
+    Estimate finished(const Candidate& candidate, Kind kind, SquareMatrix inverse = {},
+                      double cell = 0) const;
 
     const Model& model_;
     const Observations& observations_;
@@ -121,9 +84,23 @@ class Search {
     std::vector<Range> ranges_;
 };
 
+/// An end of the support that is a datum counts as two parameters: the likelihood ratio has two degrees of freedom for it,
+/// where a parameter of a regular likelihood has one (Hogg 1956).
+int Search::free_parameters() const {
+    int free = request_.shift;
+    for (std::size_t i = 0; i < model_.parameter_count(); ++i) {
+        const bool held = i < request_.held.size() && !std::isnan(request_.held[i]);
+        // The base of a logarithm gives no other distributions.
+        const bool is_base = model_.name() == "LognormalB" && i == 2;
+        if (!held && !is_base) free += model_.family->ranges[i].kind == RangeKind::held ? 2 : 1;
+    }
+    return free;
+}
+
 /// The log-likelihood is that by density, or by cells, whatever has been maximised.
-Estimate Search::finished(const Candidate& candidate, Kind kind, double cell, int whole) const {
-    Estimate found = {candidate.place, candidate.value, kind, cell, free_parameters(), whole};
+Estimate Search::finished(const Candidate& candidate, Kind kind, SquareMatrix inverse, double cell) const {
+    Estimate found = {candidate.place,   candidate.value, kind, cell, free_parameters(), -1,
+                      std::move(inverse)};
     if (request_.method == Criterion::spacings) {
         const Likelihood density(model_, observations_, Criterion::density, request_.shift);
         found.log_likelihood = density(candidate.place);
@@ -207,143 +184,106 @@ std::optional<std::size_t> Search::whole_parameter(const Parameters& place) cons
     return std::nullopt;
 }
 
-Candidate Search::climb(const Parameters& place, const Likelihood& likelihood,
-                        const std::vector<Range>& ranges, double negligible, double cell) const {
-    const Coordinates coordinates(ranges, place, extent(cell));
-    const Point start = coordinates.point(place);
-    if (std::ranges::any_of(start, [](double t) { return !std::isfinite(t); })) return {place, -HUGE_VAL};
-    const Objective objective = [&](std::span<const double> point) {
-        for (std::size_t i = 0; i < point.size(); ++i) {
-            if (!(std::fabs(point[i] - start[i]) < kFar)) return -HUGE_VAL;
-        }
-        return likelihood(coordinates.parameters(point));
-    };
-    const fitting::Maximum found = fitting::maximise(objective, start, deadline_, negligible);
-    return {start.empty() ? place : coordinates.parameters(found.point), found.value};
-}
-
-/// Newton's method by accurate derivatives, for the digits that a search by values alone leaves.
-void Search::polish(Candidate& candidate, const Likelihood& likelihood, double cell) const {
-    constexpr int kSteps = 4;
-    constexpr double kDone = 1e-13;
-    for (int i = 0; i < kSteps; ++i) {
-        deadline_.check();
-        const Coordinates coordinates(ranges_, candidate.place, extent(cell));
-        Point point = coordinates.point(candidate.place);
-        const Objective objective = [&](std::span<const double> x) {
-            return likelihood(coordinates.parameters(x));
-        };
-        const Curvature shape(objective, point);
-        const SquareMatrix inverse = shape.inverse_information(1e-6);
-        if (inverse.size() == 0) return;
-        const double promised = shape.promised_gain(inverse);
-        if (!(promised > kDone * (1 + std::fabs(candidate.value)) * 1e-3)) return;
-        for (std::size_t row = 0; row < point.size(); ++row) {
-            for (std::size_t column = 0; column < point.size(); ++column)
-                point[row] += inverse(row, column) * shape.gradient[column];
-        }
-        const double value = objective(point);
-        // Near the top the values themselves no longer tell.
-        const double rounding = 1e-14 * std::fabs(candidate.value) * std::sqrt(observations_.count());
-        if (!(value > candidate.value - rounding)) return;
-        candidate = {coordinates.parameters(point), std::max(value, candidate.value)};
-    }
-}
-
-Nature Search::nature(const Candidate& candidate, const Likelihood& likelihood, double cell) const {
-    constexpr double kFlat = 1e-2, kLevel = 3e-3, kNegligibleGain = 1e-4;
-    const Coordinates coordinates(ranges_, candidate.place, extent(cell));
-    const Point point = coordinates.point(candidate.place);
-    if (point.empty()) return Nature::maximum;
-    const Objective objective = [&](std::span<const double> x) {
-        return likelihood(coordinates.parameters(x));
-    };
-    const Curvature shape(objective, point);
-    if (const SquareMatrix inverse = shape.inverse_information(kFlat); inverse.size() > 0) {
-        if (shape.all_below || shape.promised_gain(inverse) < kNegligibleGain) return Nature::maximum;
-    }
-    return shape.slope() < kLevel || shape.all_below ? Nature::level : Nature::ascending;
-}
-
-/// The ends of climbs from the places, the best first. Of much data a part comes first.
-std::vector<Candidate> Search::climbed(const std::vector<Parameters>& places, const Likelihood& likelihood,
+/// The ends of climbs from the places, the best first. Of many observations parts come first, and what they lead to is
+/// not climbed further.
+std::vector<Candidate> Search::climbed(const std::vector<Parameters>& places, Criterion criterion,
                                        double cell) const {
     constexpr double kRoughly = 1e-2;
-    constexpr std::size_t kMost = 8;
-    std::vector<Candidate> all;
-    for (const Parameters& place : places) all.push_back({place, likelihood(place)});
-    std::ranges::stable_sort(all, std::greater<>(), &Candidate::value);
+    constexpr std::size_t kMost = 8, kFew = 3;
+    constexpr std::array<std::size_t, 2> kParts = {250, 2000};
     const bool ends = std::ranges::any_of(ranges_, is_end);
-    const std::size_t climbs = ends ? kMost : static_cast<std::size_t>(model_.family->climbs);
-    if (all.size() > climbs) all.resize(climbs);
-    for (Candidate& candidate : all) {
-        if (candidate.value > -HUGE_VAL)
-            candidate = climb(candidate.place, likelihood, ranges_, kRoughly, cell);
+    std::size_t kept = criterion == Criterion::cells ? kFew
+                       : ends                        ? kMost
+                                                     : static_cast<std::size_t>(model_.family->climbs);
+    std::vector<Candidate> all;
+    for (const Parameters& place : places) all.push_back({place, -HUGE_VAL});
+    const auto climb_on = [&](const Observations& part, bool to_climb) {
+        const Ascent ascent(model_, part, criterion, request_.shift, cell, deadline_);
+        for (Candidate& candidate : all) candidate = ascent.candidate(candidate.place);
+        std::ranges::stable_sort(all, std::greater<>(), &Candidate::value);
+        if (all.size() > kept) all.resize(kept);
+        for (Candidate& candidate : all) {
+            if (to_climb && candidate.value > -HUGE_VAL)
+                candidate = ascent.climb(candidate.place, ranges_, kRoughly);
+        }
+        std::ranges::stable_sort(all, std::greater<>(), &Candidate::value);
+        kept = std::min(kept, kFew);
+    };
+    bool in_parts = false;
+    for (const std::size_t size : kParts) {
+        if (summarised() || observations_.rows().size() < 2 * size) continue;
+        climb_on(observations_.part(size), true);
+        in_parts = true;
     }
-    std::ranges::stable_sort(all, std::greater<>(), &Candidate::value);
+    climb_on(observations_, !in_parts);
     return all;
 }
 
 /// The highest of the candidates that is a maximum, or from which the likelihood only levels off.
-std::optional<Estimate> Search::best_of(std::vector<Candidate> candidates, const Likelihood& likelihood,
+std::optional<Estimate> Search::best_of(const std::vector<Candidate>& candidates, const Ascent& ascent,
                                         double cell) const {
-    constexpr double kToTheTop = 1e-9, kSame = 1e-7;
+    constexpr double kToTheTop = 1e-9, kSame = 1e-7, kToGain = 0.1;
     std::optional<Estimate> best;
+    double highest = -HUGE_VAL;
     for (Candidate candidate : candidates) {
-        if (!(candidate.value > -HUGE_VAL)) continue;
-        // Roughly climbed: a little is still to be gained.
-        if (best && candidate.value < best->log_likelihood - 0.1) break;
-        const Candidate top = climb(candidate.place, likelihood, ranges_, kToTheTop, cell);
+        if (!(candidate.value > highest - kToGain)) continue;
+        const Candidate top = ascent.climb(candidate.place, ranges_, kToTheTop);
         if (top.value > candidate.value) candidate = top;
-        if (best && candidate.value < best->log_likelihood + kSame) continue;
-        if (const auto end = on_datum(candidate.place, ranges_, extent(0)); end && cell == 0) {
+        if (!(candidate.value > highest + kSame)) continue;
+        if (const auto place = on_datum(candidate.place, ranges_, ascent.extent()); place && cell == 0) {
             // A density that is finite at the end of its support has its maximum there.
-            const double value = likelihood(*end);
-            if (value >= candidate.value - kSame) best = finished({*end, value}, Kind::edge);
+            const Candidate end = ascent.candidate(*place);
+            if (!(end.value >= candidate.value - kSame)) continue;
+            best = finished(end, Kind::edge);
+            highest = end.value;
             continue;
         }
-        const Nature found = nature(candidate, likelihood, cell);
-        if (found == Nature::ascending) continue;
-        polish(candidate, likelihood, cell);
-        best = finished(candidate,
-                        found == Nature::level ? Kind::edge
-                        : cell > 0             ? Kind::cells
-                                               : Kind::regular,
-                        cell);
+        Ascent::End end = ascent.end_of(candidate, ranges_);
+        if (end.nature == Nature::ascending) continue;
+        const Kind kind = end.nature == Nature::level ? Kind::edge : cell > 0 ? Kind::cells : Kind::regular;
+        highest = end.candidate.value;
+        best = finished(end.candidate, kind, std::move(end.inverse_information), cell);
     }
     return best;
 }
 
-/// Where the spacings have their maxima, which exist for all: places from which an inner maximum is in sight.
+/// Where the spacings of a part of the values have their maxima, which exist for all families: places from which an inner
+/// maximum is in sight.
 std::vector<Parameters> Search::places_by_spacings(const std::vector<Parameters>& places) const {
+    constexpr std::size_t kPart = 200, kMost = 3;
     if (model_.integers || !observations_.plain()) return {};
-    const Likelihood spacings(model_, observations_, Criterion::spacings, request_.shift);
+    const Observations part = observations_.part(kPart);
+    const Ascent spacings(model_, part, Criterion::spacings, request_.shift, 0, deadline_);
+    std::vector<Candidate> all;
+    for (const Parameters& place : places) all.push_back(spacings.candidate(place));
+    std::ranges::stable_sort(all, std::greater<>(), &Candidate::value);
+    if (all.size() > kMost) all.resize(kMost);
     std::vector<Parameters> found;
-    for (const Candidate& candidate : climbed(places, spacings, 0)) {
-        if (candidate.value > -HUGE_VAL) found.push_back(candidate.place);
+    for (const Candidate& candidate : all) {
+        if (candidate.value > -HUGE_VAL)
+            found.push_back(spacings.climb(candidate.place, ranges_, 1e-2).place);
     }
     return found;
 }
 
 Estimate Search::by_cells(const std::vector<Parameters>& places) const {
     const double cell = request_.cell > 0 ? request_.cell : observations_.recording_unit();
-    const Likelihood likelihood(model_, observations_, Criterion::cells, request_.shift, cell);
-    std::vector<Candidate> ends = climbed(places, likelihood, cell);
-    if (std::optional<Estimate> best = best_of(ends, likelihood, cell)) {
+    const std::vector<Candidate> ends = climbed(places, Criterion::cells, cell);
+    if (std::optional<Estimate> best = best_of(ends, ascent(Criterion::cells, cell), cell)) {
         best->kind = Kind::cells;
         best->cell = cell;
         return *best;
     }
     if (ends.empty() || !(ends.front().value > -HUGE_VAL)) refuse(model_, "these data cannot be fitted");
-    return finished(ends.front(), Kind::unfinished, cell);
+    return finished(ends.front(), Kind::unfinished, {}, cell);
 }
 
 /// The maximum over the whole numbers of one parameter, with the others fitted for each: steps that grow as long as they
 /// lead higher.
-Estimate Search::with_whole(std::size_t place, Parameters start) const {
-    constexpr double kMost = 1e9, kNothing = 1e-9;
+Estimate Search::with_whole(std::size_t place, const Parameters& start) const {
+    constexpr double kMost = 1e9, kNothing = 1e-9, kSame = 1e-4;
     constexpr int kMostTrials = 200;
-    const Likelihood likelihood(model_, observations_, Criterion::density, request_.shift);
+    const Ascent ascent = this->ascent(Criterion::density);
     std::vector<Range> ranges = ranges_;
     ranges[place] = fitting::kHeld;
     std::map<double, Candidate> tried;
@@ -352,20 +292,19 @@ Estimate Search::with_whole(std::size_t place, Parameters start) const {
         const auto known = tried.find(whole);
         if (known != tried.end()) return known->second.value;
         from[place] = whole;
-        Candidate& end = tried[whole] = climb(from, likelihood, ranges, 1e-9);
+        const Candidate& end = tried[whole] = ascent.climb(from, ranges, kNothing);
         if (end.value > -HUGE_VAL) from = end.place;
         return end.value;
     };
+    const auto& rounding = model_.family->rounding;
+    const double own_least = rounding.place == static_cast<int>(place) ? rounding.least : -HUGE_VAL;
     const double least =
-        model_.family->rounding.place == static_cast<int>(place) ? model_.family->rounding.least : -HUGE_VAL;
-    const double largest = model_.family->begins_with_count ? std::max(observations_.largest(), 1.0) : 1;
-    double best = std::max({std::round(start[place]), largest, least});
-    double highest = value(best);
+        std::max(own_least, model_.family->begins_with_count ? std::max(observations_.largest(), 1.0) : 1);
+    double best = std::max(std::round(start[place]), least), highest = value(best);
     for (double step = std::max(1.0, std::floor(best / 8)); step >= 1 && tried.size() < kMostTrials;) {
         bool moved = false;
         for (const double next : {best + step, best - step}) {
-            if (next < std::max(largest, least) || next > kMost || !(value(next) > highest + kNothing))
-                continue;
+            if (next < least || next > kMost || !(value(next) > highest + kNothing)) continue;
             highest = value(next);
             best = next;
             moved = true;
@@ -375,19 +314,12 @@ Estimate Search::with_whole(std::size_t place, Parameters start) const {
     }
     if (!(highest > -HUGE_VAL)) refuse(model_, "these data cannot be fitted");
     // From there on a larger number changes nothing.
-    const bool level = value(std::min(2 * best, kMost)) > highest - 1e-4;
-    return finished(tried.at(best), level ? Kind::edge : Kind::regular, 0, static_cast<int>(place));
-}
-
-/// Families whose start is the maximum begin anew, as do those with an end at the data.
-Estimate Search::from(const Estimate& start) {
-    const bool ends = std::ranges::any_of(ranges_, is_end);
-    if (model_.family->closed_form || ends || start.whole >= 0 || start.kind != Kind::regular)
-        return (*this)();
-    const Likelihood likelihood(model_, observations_, request_.method, request_.shift);
-    const Candidate top = climb(start.parameters, likelihood, ranges_, 1e-8);
-    if (!(top.value > -HUGE_VAL)) return (*this)();
-    return finished(top, Kind::regular);
+    const bool level = value(std::min(2 * best, kMost)) > highest - kSame;
+    Ascent::End end = ascent.end_of(tried.at(best), ranges);
+    Estimate found =
+        finished(end.candidate, level ? Kind::edge : Kind::regular, std::move(end.inverse_information));
+    found.whole = static_cast<int>(place);
+    return found;
 }
 
 /// Spacings set ends of the support beyond the extremes of the data that the likelihood puts them on.
@@ -405,15 +337,37 @@ void Search::free_ends(std::vector<Parameters>& places) {
     }
 }
 
+/// Families whose start is the maximum begin anew, as do those with an end at the data.
+Estimate Search::from(const Estimate& start) {
+    const bool ends = std::ranges::any_of(ranges_, is_end);
+    if (model_.family->closed_form || ends || start.whole >= 0 || start.kind != Kind::regular)
+        return (*this)();
+    const Candidate top = ascent(request_.method).climb(start.parameters, ranges_, 1e-8);
+    if (!(top.value > -HUGE_VAL)) return (*this)();
+    return finished(top, Kind::regular);
+}
+
+/// Where the family's own start is the maximum.
+std::optional<Estimate> Search::closed_form(const Parameters& start) const {
+    const bool free = std::ranges::all_of(request_.held, [](double held) { return std::isnan(held); });
+    if (!model_.family->closed_form || request_.method != Criterion::density || request_.shift || !free ||
+        !observations_.plain() || observations_.common_truncation().bounded())
+        return std::nullopt;
+    const Ascent ascent = this->ascent(Criterion::density);
+    const Candidate candidate = ascent.candidate(start);
+    if (!(candidate.value > -HUGE_VAL)) return std::nullopt;
+    if (!std::ranges::any_of(ranges_, is_end)) return finished(candidate, Kind::regular);
+    Ascent::End end = ascent.end_of(candidate, ranges_);
+    if (end.nature != Nature::maximum) return std::nullopt;
+    return finished(candidate, Kind::regular, std::move(end.inverse_information));
+}
+
 Estimate Search::operator()() {
     std::vector<Parameters> places = starts();
     if (places.empty()) refuse(model_, "these data give no start for the search");
     if (request_.method == Criterion::spacings) free_ends(places);
-    const bool simple = observations_.plain() && !observations_.common_truncation().bounded() &&
-                        !request_.shift &&
-                        std::ranges::all_of(request_.held, [](double held) { return std::isnan(held); });
-    if (const auto whole = whole_parameter(places.front());
-        whole && ranges_[*whole].kind != RangeKind::held && request_.method == Criterion::density) {
+    const auto whole = whole_parameter(places.front());
+    if (whole && ranges_[*whole].kind != RangeKind::held && request_.method == Criterion::density) {
         std::optional<Estimate> best;
         for (const Parameters& place : places) {
             const Estimate found = with_whole(*whole, place);
@@ -421,18 +375,13 @@ Estimate Search::operator()() {
         }
         return *best;
     }
-    const Likelihood likelihood(model_, observations_, request_.method, request_.shift);
-    const bool ends = std::ranges::any_of(ranges_, is_end);
-    if (simple && model_.family->closed_form && request_.method == Criterion::density) {
-        const Candidate start = {places.front(), likelihood(places.front())};
-        if (start.value > -HUGE_VAL && (!ends || nature(start, likelihood, 0) == Nature::maximum))
-            return finished(start, Kind::regular);
-    }
-    const std::vector<Candidate> found = climbed(places, likelihood, 0);
-    if (const auto best = best_of(found, likelihood, 0)) return *best;
+    if (const auto best = closed_form(places.front())) return *best;
+    const Ascent ascent = this->ascent(request_.method);
+    const std::vector<Candidate> found = climbed(places, request_.method, 0);
+    if (const auto best = best_of(found, ascent, 0)) return *best;
     if (request_.method == Criterion::density) {
         const std::vector<Parameters> inner = places_by_spacings(places);
-        if (const auto best = best_of(climbed(inner, likelihood, 0), likelihood, 0)) return *best;
+        if (const auto best = best_of(climbed(inner, Criterion::density, 0), ascent, 0)) return *best;
         places.insert(places.begin(), inner.begin(), inner.end());
         if (!model_.integers && !observations_.values().empty()) return by_cells(places);
     }
@@ -458,21 +407,16 @@ std::vector<Range> moving(const Model& model, const Request& request, const Esti
     return ranges;
 }
 
-/// The extent of data around an estimate, of which the spread is a measure of steps only.
-fitting::Extent extent_around(const Observations& observations, double cell) {
-    const std::vector<double> values = observations.representatives();
-    return extent_of(observations, Sample(values), cell);
-}
-
 }  // namespace
 
 LocalView::LocalView(const Model& model, const Observations& observations, const Request& request,
                      const Estimate& estimate)
     : ranges_(moving(model, request, estimate)),
-      extent_(extent_around(observations, estimate.cell)),
+      extent_(extent_of(observations, estimate.cell)),
       likelihood_(model, observations, criterion_of(request, estimate), request.shift, estimate.cell),
       coordinates_(ranges_, estimate.parameters, extent_),
-      centre_(coordinates_.point(estimate.parameters)) {}
+      centre_(coordinates_.point(estimate.parameters)),
+      known_(estimate.inverse_information) {}
 
 bool LocalView::end_on_datum(const Parameters& parameters) const {
     return on_datum(parameters, ranges_, extent_).has_value();
@@ -498,6 +442,7 @@ std::vector<double> LocalView::gradient(const std::function<double(const Paramet
 
 SquareMatrix LocalView::covariance() const {
     constexpr double kLeast = 1e-6;
+    if (known_.size() == size() && size() > 0) return known_;
     const Objective objective = [this](std::span<const double> x) { return (*this)(x); };
     return Curvature(objective, centre_).inverse_information(kLeast);
 }

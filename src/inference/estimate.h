@@ -38,10 +38,12 @@ struct Estimate {
     double log_likelihood;  ///< of the observations, by cells where the kind says so
     Kind kind;
     double cell = 0;  ///< where values count by cells
-    /// How many of the parameters were fitted.
+    /// How many parameters were fitted; one that is a datum, as the end of a support, counts as two.
     int free = 0;
     /// The parameter that is a whole number, -1 where there is none.
     int whole = -1;
+    /// The inverse of the observed information in the coordinates of the search; empty where it is not known.
+    SquareMatrix inverse_information = {};
 };
 
 /// Fits. Throws fitting::Failure where data and family do not go together, BadData, and fitting::TimedOut.
@@ -76,6 +78,7 @@ class LocalView {
     Likelihood likelihood_;
     fitting::Coordinates coordinates_;
     fitting::Point centre_;
+    SquareMatrix known_;
 };
 
 /// The covariance of the parameters from the observed information, in their order, the shift last: 0 for those that were

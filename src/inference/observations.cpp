@@ -141,6 +141,16 @@ std::vector<double> Observations::representatives() const {
     return sample;
 }
 
+Observations Observations::part(std::size_t size) const {
+    if (rows_.size() <= size) return *this;
+    std::vector<Row> rows;
+    const double step = static_cast<double>(rows_.size() - 1) / static_cast<double>(size - 1);
+    for (std::size_t i = 0; i < size; ++i)
+        rows.push_back(
+            rows_[std::min(static_cast<std::size_t>(static_cast<double>(i) * step + 0.5), rows_.size() - 1)]);
+    return Observations(std::move(rows));
+}
+
 double Observations::recording_unit() const {
     constexpr int kMostDecimals = 9, kMostZeros = 9;
     constexpr double kLargest = 1e15;

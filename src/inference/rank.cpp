@@ -14,6 +14,18 @@ namespace {
 /// Another name of the same family, or a base of logarithms: it stands back.
 constexpr std::array<std::string_view, 1> kOnlyOnRequest = {"LognormalB"};
 
+/// Families that models of amounts and counts begin with. Of some sixty others one nearly always fits fifty values a little
+/// better by chance: to stand before these it must be better by an evidence of e^2.
+constexpr std::array<std::string_view, 11> kUsual = {"Normal",   "Lognormal", "LognormalE", "Expon",
+                                                     "Gamma",    "Weibull",   "Uniform",    "Poisson",
+                                                     "Binomial", "NegBin",    "Geometric"};
+constexpr double kEvidence = 4;
+
+double place_by_evidence(const Fit& fit) {
+    const bool usual = std::ranges::find(kUsual, fit.model().name()) != kUsual.end();
+    return fit.aicc() + (usual ? 0 : kEvidence);
+}
+
 /// Whether two fits are one distribution, at all quantiles that the data could tell apart.
 bool same(const Fit& a, const Fit& b) {
     constexpr double kSame = 1e-5;
@@ -116,7 +128,7 @@ Ranking rank(std::span<const Model* const> models, std::shared_ptr<const Observa
     weigh(ranking.fits);
     std::ranges::stable_sort(ranking.fits, [](const Ranked& a, const Ranked& b) {
         const int first = place_of(a.fit->estimate().kind), second = place_of(b.fit->estimate().kind);
-        return first != second ? first < second : a.fit->aicc() < b.fit->aicc();
+        return first != second ? first < second : place_by_evidence(*a.fit) < place_by_evidence(*b.fit);
     });
     return ranking;
 }

@@ -24,7 +24,8 @@ struct LeftOut {
     std::string why;
 };
 
-/// The best first: fits with a regular maximum before those at an edge, before those that count by cells, by AICc.
+/// The best first: fits with a regular maximum before those at an edge, before those that count by cells; within these by
+/// AICc, to which special families have 4 added.
 struct Ranking {
     std::vector<Ranked> fits;
     std::vector<LeftOut> left_out;
