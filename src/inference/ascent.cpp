@@ -61,7 +61,8 @@ Candidate Ascent::climb(const Parameters& place, std::span<const Range> ranges, 
 }
 
 Ascent::End Ascent::end_of(Candidate candidate, std::span<const Range> ranges) const {
-    constexpr double kFlat = 1e-2, kLevel = 3e-3, kNegligibleGain = 1e-4, kDone = 1e-12;
+    constexpr double kFlat = 1e-2, kLevel = 3e-3, kNegligibleGain = 1e-4, kNothing = 1e-18, kLastStep = 1e-9,
+                     kNear = 1e-12;
     constexpr int kSteps = 4;
     End end = {std::move(candidate), Nature::maximum, {}};
     for (int i = 0; i < kSteps; ++i) {
@@ -82,7 +83,7 @@ Ascent::End Ascent::end_of(Candidate candidate, std::span<const Range> ranges) c
         }
         if (!definite) return end;
         end.inverse_information = inverse;
-        if (!(promised > kDone)) return end;
+        if (!(promised > kNothing)) return end;
         for (std::size_t row = 0; row < point.size(); ++row) {
             for (std::size_t column = 0; column < point.size(); ++column)
                 point[row] += inverse(row, column) * shape.gradient[column];
@@ -91,6 +92,8 @@ Ascent::End Ascent::end_of(Candidate candidate, std::span<const Range> ranges) c
         // Near the top the values themselves no longer tell.
         if (!(value > end.candidate.value - 1e-12 * (1 + std::fabs(end.candidate.value)))) return end;
         end.candidate = {coordinates.parameters(point), std::max(value, end.candidate.value)};
+        if (promised > kNear) end.inverse_information = {};  // it is that of another place
+        if (promised < kLastStep) return end;                // Newton's method squares what is left
     }
     return end;
 }

@@ -281,8 +281,8 @@ Estimate Search::by_cells(const std::vector<Parameters>& places) const {
 /// The maximum over the whole numbers of one parameter, with the others fitted for each: steps that grow as long as they
 /// lead higher.
 Estimate Search::with_whole(std::size_t place, const Parameters& start) const {
-    constexpr double kMost = 1e9, kNothing = 1e-9, kSame = 1e-4;
-    constexpr int kMostTrials = 200;
+    constexpr double kMost = 1e9, kRoughly = 1e-5, kSame = 1e-4;
+    constexpr int kMostTrials = 100;
     const Ascent ascent = this->ascent(Criterion::density);
     std::vector<Range> ranges = ranges_;
     ranges[place] = fitting::kHeld;
@@ -292,7 +292,7 @@ Estimate Search::with_whole(std::size_t place, const Parameters& start) const {
         const auto known = tried.find(whole);
         if (known != tried.end()) return known->second.value;
         from[place] = whole;
-        const Candidate& end = tried[whole] = ascent.climb(from, ranges, kNothing);
+        const Candidate& end = tried[whole] = ascent.climb(from, ranges, kRoughly);
         if (end.value > -HUGE_VAL) from = end.place;
         return end.value;
     };
@@ -300,11 +300,11 @@ Estimate Search::with_whole(std::size_t place, const Parameters& start) const {
     const double own_least = rounding.place == static_cast<int>(place) ? rounding.least : -HUGE_VAL;
     const double least =
         std::max(own_least, model_.family->begins_with_count ? std::max(observations_.largest(), 1.0) : 1);
-    double best = std::max(std::round(start[place]), least), highest = value(best);
-    for (double step = std::max(1.0, std::floor(best / 8)); step >= 1 && tried.size() < kMostTrials;) {
+    double best = std::clamp(std::round(start[place]), least, kMost), highest = value(best);
+    for (double step = 1; step >= 1 && tried.size() < kMostTrials;) {
         bool moved = false;
         for (const double next : {best + step, best - step}) {
-            if (next < least || next > kMost || !(value(next) > highest + kNothing)) continue;
+            if (next < least || next > kMost || !(value(next) > highest + kRoughly)) continue;
             highest = value(next);
             best = next;
             moved = true;
@@ -315,7 +315,9 @@ Estimate Search::with_whole(std::size_t place, const Parameters& start) const {
     if (!(highest > -HUGE_VAL)) refuse(model_, "these data cannot be fitted");
     // From there on a larger number changes nothing.
     const bool level = value(std::min(2 * best, kMost)) > highest - kSame;
-    Ascent::End end = ascent.end_of(tried.at(best), ranges);
+    const Candidate& rough = tried.at(best);
+    const Candidate top = ascent.climb(rough.place, ranges, 1e-9);
+    Ascent::End end = ascent.end_of(top.value > rough.value ? top : rough, ranges);
     Estimate found =
         finished(end.candidate, level ? Kind::edge : Kind::regular, std::move(end.inverse_information));
     found.whole = static_cast<int>(place);
@@ -368,12 +370,10 @@ Estimate Search::operator()() {
     if (request_.method == Criterion::spacings) free_ends(places);
     const auto whole = whole_parameter(places.front());
     if (whole && ranges_[*whole].kind != RangeKind::held && request_.method == Criterion::density) {
-        std::optional<Estimate> best;
-        for (const Parameters& place : places) {
-            const Estimate found = with_whole(*whole, place);
-            if (!best || found.log_likelihood > best->log_likelihood) best = found;
-        }
-        return *best;
+        // Real numbers between the whole ones show the way where the family has them.
+        const std::vector<Candidate> real = climbed(places, Criterion::density, 0);
+        const bool found = !real.empty() && real.front().value > -HUGE_VAL;
+        return with_whole(*whole, found ? real.front().place : places.front());
     }
     if (const auto best = closed_form(places.front())) return *best;
     const Ascent ascent = this->ascent(request_.method);
@@ -459,7 +459,7 @@ SquareMatrix covariance(const Model& model, const Observations& observations, co
         slopes.push_back(view.gradient([i](const Parameters& parameters) { return parameters[i]; }));
     SquareMatrix result(count);
     for (std::size_t i = 0; i < count; ++i) {
-        for (std::size_t j = 0; j < count; ++j) {
+        for (std::size_t j = 0; j <= i; ++j) {
             double sum = 0;
             for (std::size_t k = 0; known && k < view.size(); ++k) {
                 for (std::size_t l = 0; l < view.size(); ++l)
@@ -470,7 +470,9 @@ SquareMatrix covariance(const Model& model, const Observations& observations, co
             };
             const auto moves = [&](std::size_t place) { return ranges[place].kind != RangeKind::held; };
             const bool both_known = (fixed(i) || moves(i)) && (fixed(j) || moves(j));
-            result(i, j) = fixed(i) || fixed(j) ? 0 : known && both_known ? sum : numerics::kNaN;
+            result(i, j) = result(j, i) = fixed(i) || fixed(j)  ? 0
+                                          : known && both_known ? sum
+                                                                : numerics::kNaN;
         }
     }
     return result;

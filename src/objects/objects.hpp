@@ -311,7 +311,7 @@ struct FitOptions {
     bool shift = false;
     std::int32_t method = PRAL_MAXIMUM_LIKELIHOOD;
     double cell = 0;
-    double seconds = door::fit_defaults().seconds;
+    double seconds = 60;
     std::int32_t threads = 0;
 
     pral_fit_options taken() const {
