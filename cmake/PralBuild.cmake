@@ -73,8 +73,11 @@ elseif(NOT PRAL_SANITIZE)
 endif()
 
 # Nobody asks for floating-point exceptions; without them a comparison may become part of a vector loop.
-set_source_files_properties("${PROJECT_SOURCE_DIR}/src/numerics/each.cpp" PROPERTIES
-  COMPILE_OPTIONS -fno-trapping-math)
+foreach(source numerics/each numerics/each_normal distributions/arrays distributions/combined
+    distributions/univariate)
+  set_source_files_properties("${PROJECT_SOURCE_DIR}/src/${source}.cpp" PROPERTIES
+    COMPILE_OPTIONS -fno-trapping-math)
+endforeach()
 set_source_files_properties("${PROJECT_SOURCE_DIR}/src/classic/version.cpp" PROPERTIES
   COMPILE_DEFINITIONS PRAL_VERSION="${PROJECT_VERSION}")
 

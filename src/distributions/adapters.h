@@ -16,6 +16,8 @@
 
 namespace pral {
 
+enum class Function;
+
 /// X = location + scale Z, scale >= 0; 0 leaves the location. The standard distribution Z has support, cumulative,
 /// survival, log_density, quantile and, where it knows better, quantile_upper and log_cumulative.
 template <class Standard>
@@ -83,6 +85,9 @@ struct LocationScale {
     }
 
   private:
+    template <class S>
+    friend void evaluate_adapted(const LocationScale<S>&, Function, std::span<double>);  // arrays.h
+
     double log_scale_;
 };
 
@@ -185,6 +190,9 @@ struct LogLocationScale {
     }
 
   private:
+    template <class S>
+    friend void evaluate_adapted(const LogLocationScale<S>&, Function, std::span<double>);  // arrays.h
+
     double value(double z) const {
         const double exponent = spread * z;
         return usable_ && std::fabs(exponent) < 700 ? center_ * std::exp(exponent + center_rounding_)

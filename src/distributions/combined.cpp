@@ -5,7 +5,10 @@
 #include <ranges>
 #include <utility>
 
+#include "distributions/arrays.h"
 #include "distributions/expectations.h"
+#include "distributions/univariate_family.h"
+#include "numerics/each.h"
 #include "numerics/ordinals.h"
 
 namespace pral {
@@ -18,9 +21,6 @@ bool is_upper(Function function) {
 }
 bool is_logarithm(Function function) {
     return function == Function::log_cumulative || function == Function::log_survival;
-}
-bool is_inverse(Function function) {
-    return function == Function::quantile || function == Function::upper_quantile;
 }
 
 /// The least x in [low, high] with F(x) >= p, or with S(x) <= p on the upper side, 0 < p < 1; `high` has it. Newton's steps
@@ -80,27 +80,15 @@ class Truncation final : public Univariate {
     void evaluate(Function function, std::span<const double> in, std::span<double> out) const override {
         if (is_inverse(function))
             return invert(function == Function::quantile ? Side::lower : Side::upper, in, out);
-        if (function == Function::log_density) {
-            std::vector<double> x(in.begin(), in.end());
-            base_->evaluate(function, in, out);
-            for (std::size_t i = 0; i < out.size(); ++i)
-                out[i] = x[i] < support_.lower || x[i] > support_.upper ? -HUGE_VAL : out[i] - log_mass_;
-            return;
-        }
-        const std::vector<double> x(in.begin(), in.end());
-        if (!resolved_) {
-            for (std::size_t i = 0; i < out.size(); ++i) out[i] = unresolved_tail(function, x[i]);
-            return;
-        }
-        if (function == Function::cumulative) {
-            base_->evaluate(window_.by_upper ? Function::survival : Function::cumulative, x, out);
-            for (std::size_t i = 0; i < out.size(); ++i) out[i] = tail(function, x[i], {out[i], out[i]});
-            return;
-        }
-        std::vector<double> lower(in.size());
-        base_->evaluate(Function::cumulative, x, lower);
-        base_->evaluate(Function::survival, x, out);
-        for (std::size_t i = 0; i < out.size(); ++i) out[i] = tail(function, x[i], {lower[i], out[i]});
+        if (in.data() != out.data()) std::ranges::copy(in, out.begin());
+        const auto by_blocks = [&](std::span<double> values) {
+            for (; !values.empty(); values = values.subspan(std::min(kArrayBlock, values.size())))
+                evaluate_block(function, values.first(std::min(kArrayBlock, values.size())));
+        };
+        if (values() == Values::integers)
+            detail::each_once(out, by_blocks);
+        else
+            by_blocks(out);
     }
 
     Tails tails_below(double x) const override {
@@ -110,7 +98,9 @@ class Truncation final : public Univariate {
         if (x > support_.upper) return {1, 0};
         if (values() == Values::integers) return tails(std::ceil(x) - 1);
         if (!resolved_ && values() == Values::continuous) return tails(x);
-        return {part_below(at), part_above(at)};
+        const bool by_lower = at.lower <= 0.5;
+        return {share(window_.by_upper ? window_.below.upper - at.upper : at.lower - window_.below.lower),
+                share(by_lower ? window_.above.lower - at.lower : at.upper - window_.above.upper)};
     }
     double log_within(double lower, double upper) const override {
         return base_->log_within(std::max(lower, support_.lower), std::min(upper, support_.upper)) -
@@ -152,27 +142,98 @@ class Truncation final : public Univariate {
         if (base_->values() != Values::continuous) return base_->tails(quantile_at(end.number));
         return {end.number, 1 - end.number};
     }
-    double part_below(const Tails& at) const {
-        const double below =
-            window_.by_upper ? window_.below.upper - at.upper : at.lower - window_.below.lower;
-        return std::clamp(below / window_.mass, 0.0, 1.0);
+    /// The function of x, in place.
+    void evaluate_block(Function function, std::span<double> values) const {
+        if (!resolved_ && function != Function::log_density) {
+            for (double& x : values) x = unresolved_tail(function, x);
+            return;
+        }
+        double places[kArrayBlock];
+        std::ranges::copy(values, places);
+        const std::span<const double> x = {places, values.size()};
+        switch (function) {
+            case Function::log_density:
+                base_->evaluate(function, x, values);
+                for (std::size_t i = 0; i < x.size(); ++i)
+                    values[i] =
+                        x[i] < support_.lower || x[i] > support_.upper ? -HUGE_VAL : values[i] - log_mass_;
+                return;
+            case Function::cumulative:
+                return parts_below(x, values);
+            case Function::survival:
+                return parts_above(x, values);
+            default:
+                return log_parts(function, x, values);
+        }
     }
-    double part_above(const Tails& at) const {
-        const double above = at.lower > 0.5 ? at.upper - window_.above.upper : window_.above.lower - at.lower;
-        return std::clamp(above / window_.mass, 0.0, 1.0);
+    /// The share of what is kept that lies up to x, from the tails of the whole on the side that has the digits.
+    void parts_below(std::span<const double> x, std::span<double> parts) const {
+        base_->evaluate(window_.by_upper ? Function::survival : Function::cumulative, x, parts);
+        for (std::size_t i = 0; i < x.size(); ++i) {
+            const double part =
+                share(window_.by_upper ? window_.below.upper - parts[i] : parts[i] - window_.below.lower);
+            parts[i] = x[i] < support_.lower ? 0 : x[i] >= support_.upper ? 1 : part;
+        }
     }
-    double tail(Function function, double x, const Tails& at) const {
-        if (std::isnan(x)) return x;
-        const bool upper = is_upper(function), logarithm = is_logarithm(function);
-        if (x < support_.lower) return logarithm ? (upper ? 0 : -HUGE_VAL) : upper;
-        if (x >= support_.upper) return logarithm ? (upper ? -HUGE_VAL : 0) : !upper;
-        const double here = upper ? part_above(at) : part_below(at);
-        if (!logarithm) return here;
-        // Where nothing is left out on this side, the logarithm of the whole has what the tail itself loses.
+    /// The share beyond x: by the cumulative of the whole as long as its complement has the digits.
+    void parts_above(std::span<const double> x, std::span<double> parts) const {
+        constexpr double kComplement = 0.75;
+        const bool by_upper = window_.by_upper, mixed = !by_upper && window_.above.lower > kComplement;
+        base_->evaluate(by_upper ? Function::survival : Function::cumulative, x, parts);
+        double upper[kArrayBlock];
+        std::size_t count = 0;
+        for (std::size_t i = 0; mixed && i < x.size(); ++i) {
+            upper[count] = x[i];
+            count += parts[i] > kComplement;
+        }
+        if (count > 0) base_->evaluate(Function::survival, {upper, count}, {upper, count});
+        const double* next = upper;
+        for (std::size_t i = 0; i < x.size(); ++i) {
+            const double tail = parts[i];
+            const double above = by_upper                      ? tail - window_.above.upper
+                                 : mixed && tail > kComplement ? *next++ - window_.above.upper
+                                                               : window_.above.lower - tail;
+            parts[i] = x[i] < support_.lower ? 1 : x[i] >= support_.upper ? 0 : share(above);
+        }
+    }
+    double share(double mass) const {
+        const double part = mass / window_.mass;
+        return part < 0 ? 0 : part > 1 ? 1 : part;  // NaN stays NaN
+    }
+    /// Of a share next to 1 by the other one. Where nothing is left out on this side, the logarithm of the whole has what the
+    /// share itself loses.
+    void log_parts(Function function, std::span<const double> x, std::span<double> logs) const {
+        constexpr double kComplement = 0.75;
+        const bool upper = is_upper(function);
+        const auto parts = [&](bool of_upper, std::span<const double> from, std::span<double> to) {
+            of_upper ? parts_above(from, to) : parts_below(from, to);
+        };
+        parts(upper, x, logs);
+        double others[kArrayBlock], complements[kArrayBlock];
+        std::size_t count = 0;
+        for (std::size_t i = 0; i < x.size(); ++i) {
+            complements[i] = logs[i] > kComplement ? 1 : 0;
+            others[count] = x[i];
+            count += logs[i] > kComplement;
+        }
+        double asked[kArrayBlock];
+        std::copy_n(others, count, asked);
+        parts(!upper, {asked, count}, {others, count});
         const bool open = (upper ? window_.above.upper : window_.below.lower) == 0;
-        if (open && here < kFewDigits) return std::min((*base_)(function, x) - log_mass_, 0.0);
-        return here < 0.5 ? std::log(here) : numerics::log1p_fn(-(upper ? part_below(at) : part_above(at)));
+        const double* next = others;
+        std::uint64_t tiny = 0;
+        for (std::size_t i = 0; i < x.size(); ++i) {
+            if (complements[i] > 0) logs[i] = *next++;
+            tiny |= complements[i] == 0 && logs[i] < kFewDigits;
+        }
+        numerics::log_tail_each(logs, {complements, x.size()});
+        for (double& log : logs) log = log > 0 ? 0 : log + 0.0;  // no -0.0
+        if (!open || tiny == 0) return;
+        for (std::size_t i = 0; i < x.size(); ++i)
+            if (logs[i] < kLogFewDigits && x[i] >= support_.lower && x[i] < support_.upper)
+                logs[i] = std::min((*base_)(function, x[i]) - log_mass_, 0.0);
     }
+    static constexpr double kLogFewDigits = -667.7;  // ln(kFewDigits)
     static constexpr double kFewDigits = 1e-290;
     /// The tails of the whole differ too little: from the probability between an end and x.
     double unresolved_tail(Function function, double x) const {
@@ -197,37 +258,40 @@ class Truncation final : public Univariate {
             for (std::size_t i = 0; i < in.size(); ++i) out[i] = searched(side, in[i]);
             return;
         }
-        std::vector<double> tails[2];
-        std::vector<std::size_t> places[2];
-        std::vector<double> given(in.begin(), in.end());
-        for (std::size_t i = 0; i < given.size(); ++i) {
-            const double t = given[i];
-            if (!(t >= 0 && t <= 1)) {
-                out[i] = numerics::kNaN;
-            } else if (t == 0 || t == 1) {
-                out[i] = (t == 0) == (side == Side::lower) ? support_.lower : support_.upper;
-            } else {
-                const auto [of, tail] = base_tail(side, t);
-                tails[of == Side::upper].push_back(tail);
-                places[of == Side::upper].push_back(i);
-            }
+        detail::evaluate_inside(
+            in, out,
+            [&](double p, double& end) { return detail::is_inner_percentile(p, side, support_, end); },
+            [&](std::span<double> tails) { invert_all(side, tails); });
+    }
+    /// The lower tails of the whole from the front of an array, the upper ones from its back.
+    void invert_all(Side side, std::span<double> tails) const {
+        double few[kArrayBlock];
+        std::vector<double> many(tails.size() > kArrayBlock ? tails.size() : 0);
+        const std::span<double> sorted = many.empty() ? std::span(few, tails.size()) : std::span(many);
+        std::size_t lower = 0, upper = sorted.size();
+        for (const double t : tails) {
+            const auto [of, tail] = base_tail(side, t);
+            const bool is_lower = of == Side::lower;
+            upper -= !is_lower;
+            sorted[is_lower ? lower : upper] = tail;
+            lower += is_lower;
         }
-        for (const bool upper : {false, true}) {
-            base_->evaluate(upper ? Function::upper_quantile : Function::quantile, tails[upper],
-                            tails[upper]);
-            for (std::size_t j = 0; j < places[upper].size(); ++j)
-                out[places[upper][j]] = std::clamp(tails[upper][j], support_.lower, support_.upper);
+        const std::span<double> lowers = sorted.first(lower), uppers = sorted.subspan(lower);
+        if (!lowers.empty()) base_->evaluate(Function::quantile, lowers, lowers);
+        if (!uppers.empty()) base_->evaluate(Function::upper_quantile, uppers, uppers);
+        lower = 0, upper = sorted.size();
+        for (double& t : tails) {
+            const bool is_lower = base_tail(side, t).side == Side::lower;
+            upper -= !is_lower;
+            const double x = sorted[is_lower ? lower : upper];
+            lower += is_lower;
+            t = x < support_.lower ? support_.lower : x > support_.upper ? support_.upper : x;
         }
     }
-    struct BaseTail {
-        Side side;
-        double tail;
-    };
-    BaseTail base_tail(Side side, double t) const {
+    Tail base_tail(Side side, double t) const {
         const double u = side == Side::lower ? t : 1 - t, v = side == Side::lower ? 1 - t : t;
-        const double p = window_.below.lower + u * window_.mass;
-        if (p <= 0.5) return {Side::lower, p};
-        return {Side::upper, window_.above.upper + v * window_.mass};
+        const double p = window_.below.lower + u * window_.mass, q = window_.above.upper + v * window_.mass;
+        return p <= 0.5 ? Tail{Side::lower, p} : Tail{Side::upper, q};
     }
     /// Between ends whose tails hardly differ, or are beyond doubles.
     double searched(Side side, double t) const {
@@ -272,7 +336,7 @@ class Affine final : public Univariate {
 
     void evaluate(Function function, std::span<const double> in, std::span<double> out) const override {
         if (is_inverse(function)) {
-            base_->evaluate(mirrored(function), in, out);
+            base_->evaluate(of_base(function), in, out);
             for (double& x : out) x = placed(x);
             return;
         }
@@ -280,7 +344,7 @@ class Affine final : public Univariate {
         if (atoms && factor_ < 0 && function != Function::log_density)
             return mirrored_atoms(function, in, out);
         for (std::size_t i = 0; i < in.size(); ++i) out[i] = inverse(in[i]);
-        base_->evaluate(mirrored(function), out, out);
+        base_->evaluate(of_base(function), out, out);
         if (function == Function::log_density && !atoms) {
             const double log_factor = std::log(std::fabs(factor_));
             for (double& log : out) log -= log_factor;
@@ -329,25 +393,7 @@ class Affine final : public Univariate {
         const double nearest = std::round(base_x);
         return std::fabs(base_x - nearest) <= 1e-8 && placed(nearest) == x ? nearest : base_x;
     }
-    Function mirrored(Function function) const {
-        if (factor_ > 0) return function;
-        switch (function) {
-            case Function::cumulative:
-                return Function::survival;
-            case Function::survival:
-                return Function::cumulative;
-            case Function::log_cumulative:
-                return Function::log_survival;
-            case Function::log_survival:
-                return Function::log_cumulative;
-            case Function::quantile:
-                return Function::upper_quantile;
-            case Function::upper_quantile:
-                return Function::quantile;
-            default:
-                return function;
-        }
-    }
+    Function of_base(Function function) const { return factor_ > 0 ? function : mirrored(function); }
     /// P(-X <= x) is P(X >= -x), which counts an atom at -x.
     void mirrored_atoms(Function function, std::span<const double> in, std::span<double> out) const {
         for (std::size_t i = 0; i < in.size(); ++i) {

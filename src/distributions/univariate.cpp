@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <type_traits>
 
 #include "distributions/univariate_family.h"
+#include "numerics/each.h"
 
 namespace pral {
 
@@ -52,32 +54,64 @@ void FamilyObject::complete(Values values, const Support& support, const std::op
 
 void FamilyObject::evaluate(Function function, std::span<const double> in, std::span<double> out) const {
     if (point_) return detail::evaluate_point(*point_, function, in, out);
+    if (is_inverse(function)) return evaluate_all(function, in, out);
+    if (values_ == Values::integers) {
+        if (in.data() != out.data()) std::ranges::copy(in, out.begin());
+        return detail::each_once(out, [&](std::span<double> x) { evaluate_all(function, x, x); });
+    }
+    for (std::size_t first = 0; first < in.size(); first += kArrayBlock) {
+        const std::size_t n = std::min(kArrayBlock, in.size() - first);
+        evaluate_all(function, in.subspan(first, n), out.subspan(first, n));
+    }
+}
+
+void FamilyObject::evaluate_all(Function function, std::span<const double> in, std::span<double> out) const {
     const auto [lower, upper] = support_;
-    const bool integers = values_ == Values::integers;
-    const auto density_at = [&, lower = lower, upper = upper](double& x, double& answer) {
-        answer = std::isnan(x) ? x : -HUGE_VAL;
-        x += 0.0;  // -0.0 is 0
-        return x >= lower && x <= upper && !std::isinf(x) && !(integers && x != std::floor(x));
+    const auto limited = [](double p) {
+        p = p < 0 ? 0 : p;
+        return (p > 1 ? 1 : p) + 0.0;  // no -0.0
     };
-    // A tail is known below the support and above it.
-    const auto tail_at = [&, lower = lower, upper = upper](double below, double above) {
-        return [=](double& x, double& answer) {
-            answer = std::isnan(x) ? x : x < upper ? below : above;
-            if (integers) x = std::floor(x);
-            x += 0.0;
-            return x >= lower && x < upper && x != -HUGE_VAL;
+    const auto evaluated = [&](auto integer, std::span<double> x, auto inner) {
+        if constexpr (integer())
+            detail::each_once(x, inner);
+        else
+            inner(x);
+    };
+    const auto densities = [&](auto integer) {
+        const auto look = [=, lower = lower, upper = upper](double& x, double& answer) {
+            answer = std::isnan(x) ? x : -HUGE_VAL;
+            x += 0.0;  // -0.0 is 0
+            bool inside = (x >= lower) & (x <= upper) & (std::fabs(x) < HUGE_VAL);
+            if constexpr (integer()) inside = inside & (x == detail::whole_below(x));
+            return inside;
         };
-    };
-    const auto tails = [&](double below, double above) {
-        detail::evaluate_inside(in, out, tail_at(below, above), [&](std::span<double> x) {
-            inside(function, x);
-            for (double& p : x) p = std::clamp(p, 0.0, 1.0) + 0.0;  // no -0.0
+        detail::evaluate_inside(in, out, look, [&](std::span<double> x) {
+            evaluated(integer, x, [&](std::span<double> k) {
+                inside(function, k);
+                for (double& log : k) log = detail::infinite_again(log);
+            });
         });
     };
-    const auto logs = [&](Side side, double below, double above) {
-        detail::evaluate_inside(in, out, tail_at(below, above), [&](std::span<double> x) {
+    // A tail is known below the support and above it.
+    const auto tails = [&](auto integer, double below, double above, auto inner) {
+        const auto look = [=, lower = lower, upper = upper](double& x, double& answer) {
+            answer = std::isnan(x) ? x : x < upper ? below : above;
+            if constexpr (integer()) x = detail::whole_below(x);
+            x += 0.0;
+            return (x >= lower) & (x < upper) & (x > -HUGE_VAL);
+        };
+        detail::evaluate_inside(in, out, look, [&](std::span<double> x) { evaluated(integer, x, inner); });
+    };
+    const auto plain = [&](auto integer, double below, double above) {
+        tails(integer, below, above, [&](std::span<double> x) {
+            inside(function, x);
+            for (double& p : x) p = limited(p);
+        });
+    };
+    const auto logs = [&](auto integer, Side side, double below, double above) {
+        tails(integer, below, above, [&](std::span<double> x) {
             log_tails(side, x);
-            for (double& log : x) log = detail::infinite_again(std::min(log, 0.0));
+            for (double& log : x) log = detail::infinite_again(log > 0 ? 0 : log);
         });
     };
     const auto inverses = [&, lower = lower, upper = upper](Side side) {
@@ -86,28 +120,31 @@ void FamilyObject::evaluate(Function function, std::span<const double> in, std::
             [&](double p, double& end) { return detail::is_inner_percentile(p, side, support_, end); },
             [&](std::span<double> x_or_p) {
                 inside(function, x_or_p);
-                for (double& x : x_or_p) x = detail::infinite_again(std::clamp(x, lower, upper));
+                for (double& x : x_or_p) {
+                    x = x < lower ? lower : x;
+                    x = detail::infinite_again(x > upper ? upper : x);
+                }
             });
     };
-    switch (function) {
-        case Function::log_density:
-            return detail::evaluate_inside(in, out, density_at, [&](std::span<double> x) {
-                inside(function, x);
-                for (double& log : x) log = detail::infinite_again(log);
-            });
-        case Function::cumulative:
-            return tails(0, 1);
-        case Function::survival:
-            return tails(1, 0);
-        case Function::log_cumulative:
-            return logs(Side::lower, -HUGE_VAL, 0);
-        case Function::log_survival:
-            return logs(Side::upper, 0, -HUGE_VAL);
-        case Function::quantile:
-            return inverses(Side::lower);
-        case Function::upper_quantile:
-            return inverses(Side::upper);
-    }
+    const auto choose = [&](auto integer) {
+        switch (function) {
+            case Function::log_density:
+                return densities(integer);
+            case Function::cumulative:
+                return plain(integer, 0, 1);
+            case Function::survival:
+                return plain(integer, 1, 0);
+            case Function::log_cumulative:
+                return logs(integer, Side::lower, -HUGE_VAL, 0);
+            case Function::log_survival:
+                return logs(integer, Side::upper, 0, -HUGE_VAL);
+            case Function::quantile:
+                return inverses(Side::lower);
+            case Function::upper_quantile:
+                return inverses(Side::upper);
+        }
+    };
+    values_ == Values::integers ? choose(std::true_type()) : choose(std::false_type());
 }
 
 namespace {
@@ -171,9 +208,14 @@ void FamilyObject::log_tails(Side side, std::span<double> x) const {
             log_tails_from(side, places, logs);
             continue;
         }
+        constexpr double kLeast = -708;  // of a double that has all of its digits
+        std::uint64_t beyond = 0;
+        for (const double log : logs)
+            beyond |= (log >= kLeast) & (log < 1) ? std::uint64_t{0} : std::uint64_t{1};
+        if (beyond == 0) continue;
         for (std::size_t i = 0; i < logs.size(); ++i) {
             // May be the logarithm of a number in between that was denormal, or 0.
-            const bool underflowed = logs[i] < -708 && (logs[i] > -746 || logs[i] <= -numerics::kInfinity);
+            const bool underflowed = logs[i] < kLeast && (logs[i] > -746 || logs[i] <= -numerics::kInfinity);
             const bool lost = !(logs[i] < 1);
             if (!underflowed && !lost) continue;
             const double log = log_beyond(side, at[i]);
@@ -182,23 +224,30 @@ void FamilyObject::log_tails(Side side, std::span<double> x) const {
     }
 }
 
-/// Logarithms of tails from the tails: of the smaller one itself, or of 1 less the other.
+/// Logarithms of tails from the tails: of 1 less the other one as long as that has the digits, or of itself. x are no more
+/// than kArrayBlock.
 void FamilyObject::log_tails_from(Side side, std::span<const double> x, std::span<double> logs) const {
+    constexpr double kComplement = 0.75;
     const bool lower = side == Side::lower;
+    double tails[kArrayBlock], complements[kArrayBlock];
     std::ranges::copy(x, logs.begin());
     inside(lower ? Function::survival : Function::cumulative, logs);
-    std::vector<double> smaller;
-    for (std::size_t i = 0; i < x.size(); ++i)
-        if (!(logs[i] < 0.5)) smaller.push_back(x[i]);
-    if (!smaller.empty()) inside(lower ? Function::cumulative : Function::survival, smaller);
-    auto next = smaller.begin();
+    std::size_t count = 0;
     for (std::size_t i = 0; i < x.size(); ++i) {
-        if (logs[i] < 0.5) {
-            logs[i] = numerics::log1p_fn(-logs[i]);
-            continue;
-        }
-        const double tail = *next++, log = tail < kFarTail ? log_beyond(side, x[i]) : numerics::kNaN;
-        logs[i] = std::isnan(log) ? std::log(tail) : log;
+        complements[i] = logs[i] <= kComplement ? 1 : 0;
+        tails[count] = x[i];
+        count += complements[i] == 0;
+    }
+    if (count > 0) inside(lower ? Function::cumulative : Function::survival, {tails, count});
+    const double* next = tails;
+    for (std::size_t i = 0; i < x.size(); ++i)
+        if (complements[i] == 0) logs[i] = *next++;
+    std::copy_n(logs.begin(), x.size(), tails);
+    numerics::log_tail_each(logs, {complements, x.size()});
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        if (complements[i] != 0 || !(tails[i] < kFarTail)) continue;
+        const double log = log_beyond(side, x[i]);
+        if (!std::isnan(log)) logs[i] = log;
     }
 }
 

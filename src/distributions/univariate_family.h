@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "distributions/arrays.h"
 #include "distributions/discrete/exact_inversion.h"
 #include "distributions/univariate.h"
 
@@ -54,6 +55,20 @@ void evaluate_point(double point, Function function, std::span<const double> in,
 /// their own: look(x, answer) tells whether x is inside and may change it, or else gives the answer. The arrays may be the same.
 template <class Look, class Inner>
 void evaluate_inside(std::span<const double> in, std::span<double> out, Look look, Inner inner) {
+    std::uint64_t outside = 0;
+    for (const double given : in) {
+        double x = given, answer = 0;
+        outside |= look(x, answer) ? std::uint64_t{0} : std::uint64_t{1};
+    }
+    if (outside == 0) {
+        for (std::size_t i = 0; i < in.size(); ++i) {
+            double x = in[i], answer = 0;
+            look(x, answer);
+            out[i] = x;
+        }
+        if (!in.empty()) inner(out);
+        return;
+    }
     std::vector<std::pair<std::size_t, double>> answers;
     std::size_t inside = 0;
     for (std::size_t i = 0; i < in.size(); ++i) {
@@ -74,11 +89,44 @@ void evaluate_inside(std::span<const double> in, std::span<double> out, Look loo
 
 /// Whether p is a percentile inside (0,1); otherwise the end of the support that it stands for, or NaN.
 inline bool is_inner_percentile(double p, Side side, const Support& support, double& end) {
-    if (p > 0 && p < 1) return true;
-    end = p == 0   ? (side == Side::lower ? support.lower : support.upper)
-          : p == 1 ? (side == Side::lower ? support.upper : support.lower)
-                   : numerics::kNaN;
-    return false;
+    const double at_zero = side == Side::lower ? support.lower : support.upper,
+                 at_one = side == Side::lower ? support.upper : support.lower;
+    end = p == 0 ? at_zero : p == 1 ? at_one : numerics::kNaN;
+    return (p > 0) & (p < 1);
+}
+
+/// The largest integer up to x, by additions that vectors have.
+inline double whole_below(double x) {
+    constexpr double kToInteger = 0x1.8p52, kFractions = 0x1p51;
+    const double nearest = (x + kToInteger) - kToInteger, below = nearest > x ? nearest - 1 : nearest;
+    return std::fabs(x) < kFractions ? below : x < 0 || x > 0 ? std::floor(x) : x;
+}
+
+/// evaluate(values), in place, for a function of each value alone. Where the values are integers that repeat in a long
+/// array each of them is evaluated once.
+template <class Evaluate>
+void each_once(std::span<double> x, Evaluate evaluate) {
+    constexpr std::size_t kFewest = 32;
+    constexpr double kMostForEach = 8;  // places in the table of the integers between the extremes
+    if (x.size() < kFewest) return evaluate(x);
+    double least = x[0], most = x[0];
+    std::uint64_t others = 0;
+    for (const double k : x) {
+        others |= (std::fabs(k) < 0x1p51) & (k == whole_below(k)) ? std::uint64_t{0} : std::uint64_t{1};
+        least = k < least ? k : least;
+        most = k > most ? k : most;
+    }
+    if (others != 0 || !(most - least < kMostForEach * static_cast<double>(x.size()))) return evaluate(x);
+    const auto place = [least](double k) { return static_cast<std::size_t>(k - least); };
+    std::vector<double> table(place(most) + 1, numerics::kNaN), distinct;
+    for (const double k : x) table[place(k)] = k;
+    for (const double k : table)
+        if (!std::isnan(k)) distinct.push_back(k);
+    if (distinct.size() > x.size() / 2) return evaluate(x);
+    std::vector<double> results = distinct;
+    evaluate(std::span(results));
+    for (std::size_t i = 0; i < distinct.size(); ++i) table[place(distinct[i])] = results[i];
+    for (double& k : x) k = table[place(k)];
 }
 
 }  // namespace detail
@@ -116,6 +164,7 @@ class FamilyObject : public Univariate {
     virtual bool counts_neighbours() const = 0;
 
   private:
+    void evaluate_all(Function function, std::span<const double> in, std::span<double> out) const;
     double log_beyond(Side side, double x) const;
     void log_tails(Side side, std::span<double> x) const;
     void log_tails_from(Side side, std::span<const double> x, std::span<double> logs) const;
@@ -154,6 +203,15 @@ class UnivariateFamily final : public FamilyObject {
 
   private:
     bool inside(Function function, std::span<double> x) const override {
+        if constexpr (HasArrays<D>) {
+            for (; !x.empty(); x = x.subspan(std::min(kArrayBlock, x.size())))
+                evaluate_each(d_, function, x.first(std::min(kArrayBlock, x.size())));
+            return true;
+        } else {
+            return inside_one_by_one(function, x);
+        }
+    }
+    bool inside_one_by_one(Function function, std::span<double> x) const {
         switch (function) {
             case Function::log_density:
                 return each(x, [this](double at) { return d_.log_density(at); });
@@ -213,6 +271,10 @@ class UnivariateFamily final : public FamilyObject {
         } else if constexpr (requires { d_.quantiles(tails); }) {
             if (side == Side::lower) {
                 d_.quantiles(tails);
+                return true;
+            }
+            if constexpr (HasUpperQuantiles<D>) {
+                d_.quantiles_upper(tails);
                 return true;
             }
         }

@@ -41,16 +41,8 @@ class CountVariant : public Univariate {
         if (is_point(*this)) return detail::evaluate_point(support_.lower, function, in, out);
         if (function == Function::quantile) return invert(Side::lower, in, out);
         if (function == Function::upper_quantile) return invert(Side::upper, in, out);
-        constexpr std::size_t kBlock = 128;
-        double x[kBlock];
-        for (std::size_t first = 0; first < in.size(); first += kBlock) {
-            const std::size_t n = std::min(kBlock, in.size() - first);
-            std::ranges::copy(in.subspan(first, n), x);
-            evaluate_block(function, {x, n}, out.subspan(first, n));
-            if (function == Function::log_density) continue;
-            for (std::size_t i = 0; i < n; ++i)
-                if (x[i] >= support_.upper) out[first + i] = beyond(function);
-        }
+        std::ranges::copy(in, out.begin());
+        detail::each_once(out, [&](std::span<double> values) { evaluate_few(function, values); });
     }
 
   protected:
@@ -60,6 +52,20 @@ class CountVariant : public Univariate {
     }
     explicit CountVariant(Shared base) : base_(std::move(base)) {}
     double of_base(Function function, double x) const { return (*base_)(function, x); }
+
+    /// In place, by blocks.
+    void evaluate_few(Function function, std::span<double> values) const {
+        constexpr std::size_t kBlock = 128;
+        double x[kBlock];
+        for (; !values.empty(); values = values.subspan(std::min(kBlock, values.size()))) {
+            const std::span<double> block = values.first(std::min(kBlock, values.size()));
+            std::ranges::copy(block, x);
+            evaluate_block(function, {x, block.size()}, block);
+            if (function == Function::log_density) continue;
+            for (std::size_t i = 0; i < block.size(); ++i)
+                if (x[i] >= support_.upper) block[i] = beyond(function);
+        }
+    }
 
     virtual std::string prefix() const = 0;
     virtual std::optional<Moments> own_moments() const = 0;

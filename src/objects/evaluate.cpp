@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "distributions/expectations.h"
+#include "numerics/each.h"
 #include "objects/handles.h"
 
 using namespace pral::objects;
@@ -50,7 +51,7 @@ pral_status pral_pdf(const pral_distribution* distribution, const double* in, do
                      pral_error* error) {
     return over(distribution, in, out, n, error, [](const Univariate& d, auto from, auto to) {
         d.evaluate(Function::log_density, from, to);
-        for (double& value : to) value = std::exp(value);
+        pral::numerics::exp_each(to);
     });
 }
 

@@ -11,6 +11,7 @@
 #include "numerics/classical/error_report.h"
 #include "numerics/classical/reporting.h"
 #include "numerics/constants.h"
+#include "numerics/each.h"
 #include "support/accuracy.h"
 #include "support/table.h"
 
@@ -93,6 +94,37 @@ TEST(Normal, BlockOfCumulativesKeepsDoublePrecision) {
     EXPECT_EQ(ends[0] + ends[1], 0);
     EXPECT_EQ(ends[2] + ends[3], 2);
     EXPECT_TRUE(std::isnan(ends[4]));
+}
+
+TEST(Normal, BlocksKeepTwoUlpsInTheBodyAnd1e15InTheTails) {
+    const std::map<std::string, void (*)(std::span<double>)> blocks = {
+        {"cumulative", numerics::normal_cumulative_each},
+        {"log cumulative", numerics::normal_log_cumulative_each},
+        {"quantile", numerics::normal_quantile_each}};
+    test::Accuracy accuracy;
+    for (const auto& row : test::table("reference/normal.tsv")) {
+        const auto block = blocks.find(row[0]);
+        if (block == blocks.end()) continue;
+        const double x = test::number(row, 1), expected = test::number(row, 2);
+        double values[] = {x, 0.5, x, 0.01, x};
+        block->second(std::span<double>(values));
+        EXPECT_EQ(values[2], values[0]) << row[0] << ' ' << x;
+        EXPECT_EQ(values[4], values[0]) << row[0] << ' ' << x;
+        if (std::fabs(expected) < 1e-300)
+            EXPECT_NEAR(values[0], expected, 1e-300 * 1e-12) << row[0] << ' ' << x;
+        else if (kFunctions.at(row[0]).body(x))
+            accuracy.record(row[0] + " in blocks, body, ulps", test::ulps(values[0], expected), 2, row[1]);
+        else
+            accuracy.record(row[0] + " in blocks, tail", test::relative_error(values[0], expected), 1e-15,
+                            row[1]);
+    }
+    accuracy.report();
+    double ends[] = {-HUGE_VAL, -1e300, HUGE_VAL, 1e300, 0, numerics::kNaN};
+    numerics::normal_cumulative_each(ends);
+    EXPECT_EQ(ends[0] + ends[1], 0);
+    EXPECT_EQ(ends[2] + ends[3], 2);
+    EXPECT_EQ(ends[4], 0.5);
+    EXPECT_TRUE(std::isnan(ends[5]));
 }
 
 TEST(Normal, BlockOfQuantilesEqualsSingleOnes) {

@@ -3,6 +3,7 @@
 #include <pral_core/objects.hpp>
 
 #include <cmath>
+#include <iterator>
 #include <map>
 #include <string>
 #include <vector>
@@ -182,9 +183,47 @@ TEST(Values, ObeyTheLawsOfDistributions) {
     }
 }
 
+/// Functions of arrays by vector loops, and what adapters make of them.
+const char* const kInBlocks[] = {"Uniform(1, 3)",
+                                 "Uniform(-1e308, 1.5e308)",
+                                 "LognormalAlt(2, 0.2, 5, 0.7, 1)",
+                                 "Weibull3(1.5, 3, 2)",
+                                 "Logistic(1, 2)",
+                                 "LogLogistic(2, 3)",
+                                 "ExtValueMax(1, 2)",
+                                 "ExtValueMin(1, 2)",
+                                 "GEV(0, 1, 0.25)",
+                                 "Pareto2(2, 3)",
+                                 "Cauchy(1, 2)",
+                                 "Laplace(0, 1)",
+                                 "LogLaplace(2, 3, 1)",
+                                 "HS(0, 1)",
+                                 "JohnsonU(0, 2, 0, 1)",
+                                 "Lifetime2(1, 2)",
+                                 "Lognormal(2, 3) within percentiles [0.1, 0.9]",
+                                 "3 * Laplace(0, 1) - 1"};
+
+/// Bit for bit, whatever stands beside a value.
+void expect_functions_of_single_calls(const Distribution& d, std::vector<double> x) {
+    x.insert(x.end(), {HUGE_VAL, -HUGE_VAL, 0, -0.0, 2.5, 1e300, -1e300, 5e-324, std::nan("")});
+    std::vector<double> values(x.size());
+    using Function = pral_status (*)(const pral_distribution*, const double*, double*, size_t, pral_error*);
+    for (const Function function : {pral_pdf, pral_logpdf, pral_cdf, pral_sf, pral_logcdf, pral_logsf}) {
+        function(d.get(), x.data(), values.data(), x.size(), nullptr);
+        for (std::size_t i = 0; i < x.size(); i += i < 990 ? 11 : 1) {
+            double single = 0;
+            function(d.get(), &x[i], &single, 1, nullptr);
+            const bool same = single == values[i] || (std::isnan(single) && std::isnan(values[i]));
+            EXPECT_TRUE(same) << d.text() << " x = " << x[i] << ": " << single << ' ' << values[i];
+        }
+    }
+}
+
 TEST(Values, OfArraysAreThoseOfSingleCalls) {
     pral::Stream stream(4);
-    for (const char* text : kSorts) {
+    std::vector<const char*> texts(std::begin(kSorts), std::end(kSorts));
+    texts.insert(texts.end(), std::begin(kInBlocks), std::end(kInBlocks));
+    for (const char* text : texts) {
         const Distribution d = Distribution::parse(text);
         std::vector<double> u(1000);
         stream.fill(u);
@@ -199,6 +238,7 @@ TEST(Values, OfArraysAreThoseOfSingleCalls) {
         d.quantile(in_place, in_place);
         for (std::size_t i = 0; i < u.size(); ++i)
             EXPECT_TRUE(in_place[i] == x[i] || std::isnan(x[i])) << text;
+        expect_functions_of_single_calls(d, x);
     }
 }
 

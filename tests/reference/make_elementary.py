@@ -1,20 +1,48 @@
 #!/usr/bin/python3
-"""Reference values of the exponential function and the logarithm: writes elementary.tsv beside this script (mpmath)."""
+"""Reference values of exponentials, logarithms and cotangents: writes elementary.tsv beside this script (mpmath)."""
 import os
 import random
 
 import mpmath as m
 
-m.mp.dps = 40
+m.mp.dps = 60
 
 
 def points(name, rng):
-    near = [rng.uniform(-1, 1) for _ in range(60)] + [rng.choice((-1, 1)) * 10 ** -rng.uniform(0, 20) for _ in range(40)]
+    near = [rng.uniform(-1, 1) for _ in range(60)] + [rng.choice((-1, 1)) * 10 ** -rng.uniform(0, 20) for _ in range(15)]
     if name == "exp":
         edge = [0.0, -5e-324, 1.0, 709.78, 709.79, 1e300, -708.4, -740.0, -745.13, -745.14, -1e300]
         return edge + near + [rng.uniform(-745, 709) for _ in range(150)]
     edge = [1.0, 2.0, 0.5, 5e-324, 1e-310, 2.2250738585072014e-308, 1.7976931348623157e308, 2**0.5, 2**-0.5]
     return edge + [1 + x for x in near] + [10 ** rng.uniform(-308, 308) for _ in range(150)]
+
+
+CLOSE = m.mpf(0.96875)  # exact in binary
+OTHERS = {
+    "expm1": m.expm1,
+    "log1p": m.log1p,
+    "softplus": lambda x: m.log1p(m.exp(x)),
+    "log1m_exp": lambda x: m.log(-m.expm1(-x)),
+    "log_ratio": lambda x: m.log(x / CLOSE),
+    "log_complement": lambda x: m.log1p(-x),
+    "acot": lambda x: m.acot(x) if x > 0 else m.pi / 2 if x == 0 else m.pi + m.acot(x),
+    "cot_pi": lambda x: m.cot(m.pi * x),
+}
+
+
+def other_points(name, rng):
+    tiny = [10 ** -rng.uniform(0, 20) for _ in range(15)]
+    if name in ("log_complement", "cot_pi"):
+        edge = [0.25, 0.5, 0.75, 0.5 + 2**-53, 1 - 2**-53, 1e-300]
+        return edge + [x / 2 for x in tiny] + [rng.uniform(0, 0.75 if name == "log_complement" else 1) for _ in range(40)]
+    if name == "log1m_exp":
+        return [2.2250738585072014e-308, 0.6931471805599453, 37.0, 700.0] + tiny + [rng.uniform(0, 60) for _ in range(40)]
+    if name == "log_ratio":
+        return [0.96875, 0.484375, 1.453125, 1e-300, 1e300] + [0.96875 * (1 + x) for x in tiny] + [rng.uniform(0, 4) for _ in range(40)]
+    if name == "log1p":
+        return [-1 + 2**-53, 1.0, 1e300] + tiny + [-x / 2 for x in tiny] + [rng.uniform(-1, 3) for _ in range(40)]
+    wide = [rng.uniform(-700, 700) for _ in range(20)] + [rng.uniform(-3, 3) for _ in range(40)]
+    return [0.0, -1.0, 1.0, 709.5, -745.0] + tiny + [-x for x in tiny] + wide
 
 
 def main():
@@ -28,6 +56,11 @@ def main():
                 value = function(m.mpf(x)) if abs(x) < 1e6 or name == "log" else m.mpf(0 if x < 0 else "inf")
                 value = m.mpf("inf") if value > m.mpf(2) ** 1024 else value
                 out.write(f"{name}\t{x!r}\t{m.nstr(value, 25) if m.isfinite(value) else 'inf'}\n")
+        for name, function in OTHERS.items():
+            for x in other_points(name, rng):
+                with m.workdps(400):  # what is left of 1 less a tiny number
+                    value = function(m.mpf(x))
+                out.write(f"{name}\t{x!r}\t{m.nstr(value, 25)}\n")
 
 
 if __name__ == "__main__":

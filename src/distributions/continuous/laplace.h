@@ -19,6 +19,10 @@ class AsymmetricLaplace {
           log_peak_(std::log(lower) + log_below_) {}
 
     Support support() const { return kReals; }
+    /// Of the branch below 0 and of the one above.
+    double lower_weight() const { return below_.probability; }
+    double upper_weight() const { return above_.probability; }
+
     double cumulative(double z) const { return tail(below_, above_, z); }
     double survival(double z) const { return tail(above_, below_, -z); }
     double log_cumulative(double z) const {
