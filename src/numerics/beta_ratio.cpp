@@ -304,7 +304,22 @@ double BetaRatio::upper(double x, double y) const {
     });
 }
 
+/// A smaller coordinate times a stretched shape as large as this leaves nothing but that shape's power of the other one.
+std::optional<double> BetaRatio::log_power_beyond(double x, double y) const {
+    constexpr double kBeyond = 0x1p-100;
+    const auto log_of = [](double part, double other) {
+        return part < 0.5 ? std::log(part) : log1p_fn(-other);
+    };
+    if (stretch_x_ > 1 && x * stretch_x_ > kBeyond) return given_b_ * common_ * log_of(y, x);
+    if (stretch_y_ > 1 && y * stretch_y_ > kBeyond) return given_a_ * common_ * log_of(x, y);
+    return std::nullopt;
+}
+
 double BetaRatio::log_tail(bool of_lower, const Arguments& at) const {
+    if (common_ > 1) {  // the exponent grows with the shapes, beside it nothing else counts
+        const double exponent = density_exponent(at).hi;
+        if (exponent < -1) return (at.lambda > 0) == of_lower ? common_ * exponent : 0;
+    }
     const Tail t = tail(at);
     const double value = std::min(scaled_exponential(t.factor, t.exponent), 1.0);
     if (t.is_lower != of_lower) return t.complement >= 0 ? std::log(t.complement) : log1p_fn(-value);
@@ -313,11 +328,17 @@ double BetaRatio::log_tail(bool of_lower, const Arguments& at) const {
 }
 
 double BetaRatio::log_lower(double x, double y) const {
-    return with_ends(a_, b_, x, y, -kInfinity, 0, [&] { return log_tail(true, arguments(x, y)); });
+    return with_ends(a_, b_, x, y, -kInfinity, 0, [&] {
+        if (const auto log = log_power_beyond(x, y)) return stretch_y_ > 1 ? *log : 0;
+        return log_tail(true, arguments(x, y));
+    });
 }
 
 double BetaRatio::log_upper(double x, double y) const {
-    return with_ends(a_, b_, x, y, 0, -kInfinity, [&] { return log_tail(false, arguments(x, y)); });
+    return with_ends(a_, b_, x, y, 0, -kInfinity, [&] {
+        if (const auto log = log_power_beyond(x, y)) return stretch_x_ > 1 ? *log : 0;
+        return log_tail(false, arguments(x, y));
+    });
 }
 
 double BetaRatio::log_density(double x, double y) const {
@@ -327,6 +348,7 @@ double BetaRatio::log_density(double x, double y) const {
         if (x < 0 || y < 0 || own > 1) return -kInfinity;
         return own < 1 ? kInfinity : std::log(other);
     }
+    if (const auto log = log_power_beyond(x, y)) return *log;
     const Arguments at = arguments(x, y);
     const DoubleDouble logs = add(add(at.log_x, at.log_y), negated(log_stretch()));
     // The factor's own logarithm can be as large as the exponent, and of the other sign.

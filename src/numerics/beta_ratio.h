@@ -3,6 +3,8 @@
 // three digits where they are large.
 #pragma once
 
+#include <optional>
+
 #include "numerics/double_double.h"
 
 namespace pral::numerics {
@@ -54,6 +56,9 @@ class BetaRatio {
     };
     /// ln x and ln y, and a - (a + b) x, each from the smaller of x and y.
     struct Arguments;
+
+    /// Where the larger shape is stretched and has left nothing on its side: the logarithm of that tail, and of the density.
+    std::optional<double> log_power_beyond(double x, double y) const;
 
     /// The shapes as given, but for a common factor where both are so large that no double tells the distribution from a
     /// step; and with the larger one in the range of exact products, where the smaller coordinate is stretched to match.

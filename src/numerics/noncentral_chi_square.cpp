@@ -301,6 +301,18 @@ double tail(double nu, double lambda, double x, bool upper) {
     return first < 0.6 ? 1 - first : compute_tail(upper);
 }
 
+/// Beyond the range of compute(): all of the exponent is homogeneous in the three arguments, and nothing else of it shows
+/// but in the centre, where the density is the normal one's.
+double log_density_of_large(double nu, double lambda, double x) {
+    constexpr double kScale = 0x1p-200, kLeast = 1e-200;
+    if (!(std::max({nu, lambda, x}) <= DBL_MAX)) return -kInfinity;
+    if (0.25 * x - 0.25 * nu - 0.25 * lambda == 0)
+        return -kLnSqrt2Pi - 0.5 * (std::log(0.25 * nu + 0.5 * lambda) + 3 * kLn2);
+    return noncentral_chi_square_log_density(kScale * nu, std::max(kScale * lambda, kLeast),
+                                             std::max(kScale * x, kLeast)) /
+           kScale;
+}
+
 }  // namespace
 
 double noncentral_chi_square_lower(double nu, double lambda, double x) { return tail(nu, lambda, x, false); }
@@ -311,6 +323,7 @@ double noncentral_chi_square_log_density(double nu, double lambda, double x) {
     if (lambda <= kSmallestNoncentrality)
         return x < 0 || nu == 0 ? -kInfinity : finite_or_limit(log_gamma_density(0.5 * nu, 0.5 * x) - kLn2);
     if (x == 0 && nu <= 2) return nu == 0 ? -kInfinity : nu < 2 ? kInfinity : -0.5 * lambda - kLn2;
+    if (x > 0 && !(std::max({nu, lambda, x}) < kLargestArgument)) return log_density_of_large(nu, lambda, x);
     if (!is_inside(nu, lambda, x)) return -kInfinity;
     return compute(nu, lambda, x, Wanted::density).log();
 }

@@ -63,6 +63,58 @@ put("ZTPoisson(1e-300)", "logpdf", 2, log(mpf(1e-300) / 2))
 put("ZTPoisson(1e-300)", "sf", 1, mpf(1e-300) / 2)
 put("ZTNegBin(1e-300, 0.25)", "cdf", 1, -mpf("0.75") / log(mpf("0.25")))  # the logarithmic distribution
 
+# Counts whose shapes are beyond the squares of doubles; far out all of a tail is its first mass.
+def negative_binomial(text, s, p, q, xs, function="logpdf"):
+    with mp.workdps(700):
+        for x in xs:
+            k = mpf(x)
+            put(text, function, x, loggamma(s + k) - loggamma(s) - loggamma(k + 1) + s * log(p) + k * log(q))
+
+
+for alpha, beta, xs in ((2.5, 3, (1e149, 1e152, 1e300)), (2.5, 1e150, (1e152, 1e200, 1e300)), (1000, 1e200, (1e152, 1e300)),
+                        (0.001, 1e100, (1e200, 1e300))):
+    with mp.workdps(700):
+        p = 1 / (1 + mpf(beta))
+        q = beta * p
+    negative_binomial(f"Polya({alpha}, {beta})", mpf(alpha), p, q, xs)
+negative_binomial("NegBin(5, 0.25)", mpf(5), mpf("0.25"), mpf("0.75"), (1e152, 1e300))
+negative_binomial("NegBin(1e200, 0.5)", mpf(1e200), mpf("0.5"), mpf("0.5"), (1e100, 1e152, 1e300))
+negative_binomial("NegBin(1e155, 0.0001220703125)", mpf(1e155), mpf(2) ** -13, 1 - mpf(2) ** -13, (1e100, 1e200, 1e300))
+negative_binomial("NegBin(1e155, 0.0001220703125)", mpf(1e155), mpf(2) ** -13, 1 - mpf(2) ** -13, (1e200, 1e300), "logsf")
+negative_binomial("NegBin(5, 0.25)", mpf(5), mpf("0.25"), mpf("0.75"), (1e200,), "logsf")
+negative_binomial("Delaporte(2.5, 3, 4)", mpf("2.5"), mpf("0.25"), mpf("0.75"), (1e152, 1e300))  # but for a factor
+put("Delaporte(2.5, 3, 4)", "logcdf", 1e100, 0)
+
+
+def delaporte_above(k):
+    """ln P(X > k) of Delaporte(2.5, 3, 4): masses by convolution, summed until they no longer count."""
+    f = lambda n: fsum(exp(poisson(4, j) + loggamma(mpf("2.5") + n - j) - loggamma(mpf("2.5")) - loggamma(n - j + 1)
+                           + mpf("2.5") * log(mpf("0.25")) + (n - j) * log(mpf("0.75"))) for j in range(90))
+    return log(fsum(f(n) for n in range(k + 1, k + 250)))
+
+
+put("Delaporte(2.5, 3, 4)", "logsf", 2500, delaporte_above(2500))
+put("Delaporte(2.5, 3, 4)", "logsf", 5000, delaporte_above(5000))
+
+
+def noncentral(nu, noncentrality, xs):
+    """Where the saddle point's exponent is all that counts."""
+    text, shape, mean = f"NCChiSq({nu}, {noncentrality})", mpf(nu) / 2, mpf(noncentrality) / 2
+    for x in xs:
+        point = mpf(x) / 2
+        centre = 2 * mean * point / (shape + sqrt(shape * shape + 4 * mean * point))
+        w = mean / centre
+        exponent = mean / w + point * w - mean - point - shape * log(w)
+        put(text, "logpdf", x, exponent)
+        put(text, "logsf" if x > nu + noncentrality else "logcdf", x, exponent)
+
+
+with mp.workdps(700):
+    noncentral(3, 5, (1e290, 1e300))
+    noncentral(3, 1e300, (1e10, 2e300))
+    noncentral(1e300, 1, (1e299,))
+    noncentral(1e300, 1e299, (3e300,))
+
 # Kept between bounds
 phi = lambda z: erfc(-z / sqrt(mpf(2))) / 2
 
