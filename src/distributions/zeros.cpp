@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cmath>
 #include <utility>
 #include <vector>
@@ -22,6 +23,22 @@ Moments with_divergences_of(const Univariate& d, const Moments& moments) {
     };
     return with_divergences(moments, limit(Side::lower), limit(Side::upper));
 }
+
+/// A number that is computed when it is first asked for. Threads that ask at once compute the same.
+class Later {
+  public:
+    template <class Compute>
+    double operator()(Compute compute) const {
+        double value = value_.load(std::memory_order_relaxed);
+        if (!std::isnan(value)) return value;
+        value = compute();
+        value_.store(value, std::memory_order_relaxed);
+        return value;
+    }
+
+  private:
+    mutable std::atomic<double> value_{numerics::kNaN};
+};
 
 /// What both variants of a count do alike.
 class CountVariant : public Univariate {
@@ -109,9 +126,6 @@ class ZeroInflatedCount final : public CountVariant {
     ZeroInflatedCount(Shared base, double pi) : CountVariant(std::move(base)), pi_(pi) {
         const auto [lower, upper] = base_->support();
         support_ = pi == 0 ? Support{0, 0} : Support{std::min(lower, 0.0), std::max(upper, 0.0)};
-        negative_ = pi * of_base(Function::cumulative, -1);
-        positive_ = pi * of_base(Function::survival, 0);
-        not_positive_ = pi * of_base(Function::cumulative, 0) + (1 - pi);
     }
 
     double log_within(double lower, double upper) const override {
@@ -164,17 +178,28 @@ class ZeroInflatedCount final : public CountVariant {
         return sum < 0.5 ? std::log(sum) : numerics::log1p_fn(pi_ * numerics::expm1_fn(log));
     }
 
+    double negative() const {
+        return negative_([this] { return pi_ * of_base(Function::cumulative, -1); });
+    }
+    double positive() const {
+        return positive_([this] { return pi_ * of_base(Function::survival, 0); });
+    }
+    double not_positive() const {
+        return not_positive_([this] { return pi_ * of_base(Function::cumulative, 0) + (1 - pi_); });
+    }
+
     /// From below the values under 0, then all zeros, then the others.
     std::optional<Tail> tail_of_base(Side side, double tail) const override {
         const bool lower = side == Side::lower;
         const auto share = [&](double part) { return std::min(part / pi_, 1 - 0x1p-53); };
         const double below = lower ? tail : 1 - tail, above = lower ? 1 - tail : tail;
-        if (below <= negative_) return Tail{Side::lower, share(below)};
-        const bool beyond = lower ? below > not_positive_ : above < positive_;
+        if (below <= negative()) return Tail{Side::lower, share(below)};
+        const bool beyond = lower ? below > not_positive() : above < positive();
         return beyond ? std::optional(Tail{Side::upper, share(above)}) : std::nullopt;
     }
 
-    double pi_, negative_, positive_, not_positive_;
+    double pi_;
+    Later negative_, positive_, not_positive_;
 };
 
 // ------------------------------------------------------------------------------------------------- Without zeros
@@ -183,14 +208,11 @@ class ZeroTruncatedCount final : public CountVariant {
   public:
     double log_within(double lower, double upper) const override {
         if (is_point(*this)) return lower <= support_.lower && upper >= support_.lower ? 0 : -HUGE_VAL;
-        return std::min(base_->log_within(std::max(lower, 1.0), upper) - log_not_zero_, 0.0);
+        return std::min(base_->log_within(std::max(lower, 1.0), upper) - log_not_zero(), 0.0);
     }
     explicit ZeroTruncatedCount(Shared base) : CountVariant(std::move(base)) {
         const auto [lower, upper] = base_->support();
         support_ = {std::max(lower, 1.0), std::max(upper, 1.0)};
-        zero_ = of_base(Function::cumulative, 0);
-        not_zero_ = of_base(Function::survival, 0);
-        log_not_zero_ = of_base(Function::log_survival, 0);
     }
 
     std::optional<double> mode() const override {
@@ -209,20 +231,21 @@ class ZeroTruncatedCount final : public CountVariant {
     /// that cancels.
     std::optional<Moments> own_moments() const override {
         const bool heavy = moment_limit(Side::upper) < HUGE_VAL;
-        if (not_zero_ < (heavy ? kDeep : 0.05)) return std::nullopt;
+        if (not_zero() < (heavy ? kDeep : 0.05)) return std::nullopt;
         const std::optional<Moments> of = base_->moments();
-        if (!of || zero_ == 0) return of;
-        const double t = of->mean / not_zero_, d = of->mean - t, v = of->variance;
+        if (!of || zero() == 0) return of;
+        const double t = of->mean / not_zero(), d = of->mean - t, v = of->variance;
         const double m3 = of->skewness * v * std::sqrt(v), m4 = (of->kurtosis + 3) * v * v;
-        const double second = (v + d * d - zero_ * t * t) / not_zero_;
-        const double third = (m3 + 3 * d * v + d * d * d + zero_ * t * t * t) / not_zero_;
+        const double second = (v + d * d - zero() * t * t) / not_zero();
+        const double third = (m3 + 3 * d * v + d * d * d + zero() * t * t * t) / not_zero();
         const double fourth =
-            (m4 + 4 * d * m3 + 6 * d * d * v + d * d * d * d - zero_ * t * t * t * t) / not_zero_;
+            (m4 + 4 * d * m3 + 6 * d * d * v + d * d * d * d - zero() * t * t * t * t) / not_zero();
         return Moments{t, second, third / (second * std::sqrt(second)), fourth / (second * second) - 3};
     }
 
     void evaluate_block(Function function, std::span<const double> x, std::span<double> out) const override {
-        const bool below_range = not_zero_ < kDeep;
+        const double not_zero = this->not_zero(), log_not_zero = this->log_not_zero();
+        const bool below_range = not_zero < kDeep;
         const bool log_upper =
             function == Function::log_survival || (function == Function::survival && below_range);
         const bool lower = function == Function::cumulative || function == Function::log_cumulative;
@@ -235,7 +258,7 @@ class ZeroTruncatedCount final : public CountVariant {
             double& value = out[i];
             if (std::isnan(x[i])) continue;
             if (function == Function::log_density)
-                value = x[i] < 1 ? -HUGE_VAL : value - log_not_zero_;
+                value = x[i] < 1 ? -HUGE_VAL : value - log_not_zero;
             else if (x[i] < 1)
                 value = function == Function::survival         ? 1
                         : function == Function::log_cumulative ? -HUGE_VAL
@@ -243,9 +266,9 @@ class ZeroTruncatedCount final : public CountVariant {
             else if (function == Function::log_survival)
                 value = std::min(log_survival(std::floor(x[i]), value), 0.0);
             else if (log_upper)
-                value = std::min(std::exp(value - log_not_zero_), 1.0);
+                value = std::min(std::exp(value - log_not_zero), 1.0);
             else if (function == Function::survival)
-                value = std::min(value / not_zero_, 1.0);
+                value = std::min(value / not_zero, 1.0);
             else if (function == Function::cumulative)
                 value = std::clamp(cumulative(std::floor(x[i]), value), 0.0, 1.0);
             else
@@ -254,9 +277,9 @@ class ZeroTruncatedCount final : public CountVariant {
     }
     /// The share of [1, x] in what is left, x >= 1: a difference from the side on which little cancels, or else a sum.
     double cumulative(double x, double of_base_there) const {
-        const double difference = of_base_there - zero_;
-        if (difference >= 0.25 * of_base_there && not_zero_ >= kDeep) return difference / not_zero_;
-        const double above = std::exp(of_base(Function::log_survival, x) - log_not_zero_);
+        const double difference = of_base_there - zero();
+        if (difference >= 0.25 * of_base_there && not_zero() >= kDeep) return difference / not_zero();
+        const double above = std::exp(of_base(Function::log_survival, x) - log_not_zero());
         return above <= 0.75 || x > kFew ? 1 - above : std::exp(log_sum_to(x));
     }
     double log_cumulative(double x, double of_base_there) const {
@@ -264,14 +287,14 @@ class ZeroTruncatedCount final : public CountVariant {
             const double share = cumulative(x, of_base_there);
             return share < 0.5
                        ? std::log(share)
-                       : numerics::log1p_fn(-std::exp(of_base(Function::log_survival, x) - log_not_zero_));
+                       : numerics::log1p_fn(-std::exp(of_base(Function::log_survival, x) - log_not_zero()));
         }
         if (x <= kFew) return log_sum_to(x);
         const double log = of_base(Function::log_cumulative, x), zero = of_base(Function::log_cumulative, 0);
-        return log + numerics::log1m_exp(log - zero) - log_not_zero_;
+        return log + numerics::log1m_exp(log - zero) - log_not_zero();
     }
     double log_survival(double x, double log_of_base) const {
-        const double log = log_of_base - log_not_zero_;
+        const double log = log_of_base - log_not_zero();
         constexpr double kNearOne = -0.1;  // the logarithms cancel
         return log < kNearOne ? log : numerics::log1p_fn(-(*this)(Function::cumulative, x));
     }
@@ -286,21 +309,31 @@ class ZeroTruncatedCount final : public CountVariant {
         if (largest == -HUGE_VAL) return largest;
         double sum = 0;
         for (const double log : logs) sum += std::exp(log - largest);
-        return largest + std::log(sum) - log_not_zero_;
+        return largest + std::log(sum) - log_not_zero();
     }
 
     std::optional<Tail> tail_of_base(Side side, double tail) const override {
         const double below = side == Side::lower ? tail : 1 - tail,
                      above = side == Side::lower ? 1 - tail : tail;
-        const double lower = zero_ + not_zero_ * below;
+        const double lower = zero() + not_zero() * below;
         if (lower <= 0.5) return Tail{Side::lower, lower};
-        return Tail{Side::upper, not_zero_ * above};
+        return Tail{Side::upper, not_zero() * above};
     }
 
     static constexpr std::size_t kFew = 32;
     static constexpr double kDeep = 1e-290;  // tails below lose digits, or are none
 
-    double zero_, not_zero_, log_not_zero_;
+    double zero() const {
+        return zero_([this] { return of_base(Function::cumulative, 0); });
+    }
+    double not_zero() const {
+        return not_zero_([this] { return of_base(Function::survival, 0); });
+    }
+    double log_not_zero() const {
+        return log_not_zero_([this] { return of_base(Function::log_survival, 0); });
+    }
+
+    Later zero_, not_zero_, log_not_zero_;
 };
 
 }  // namespace
