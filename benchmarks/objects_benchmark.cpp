@@ -10,10 +10,30 @@
 
 namespace {
 
-constexpr const char* kTexts[] = {"Uniform(0, 1)",     "Normal(0, 1)",      "Expon(2)",
-                                  "Gamma(2.5, 3)",     "Beta(2, 3)",        "Student(5)",
-                                  "Poisson(4)",        "Binomial(20, 0.3)", "NCChiSq(3, 5)",
-                                  "ZIPoisson(4, 0.6)", "ZTPoisson(4)",      "Normal(0, 1) within [1, 2]"};
+constexpr const char* kTexts[] = {"Uniform(0, 1)",
+                                  "Normal(0, 1)",
+                                  "Expon(2)",
+                                  "Lognormal(2, 3)",
+                                  "Weibull(1.5, 3)",
+                                  "Logistic(0, 1)",
+                                  "ExtValueMax(0, 1)",
+                                  "Pareto(3, 1)",
+                                  "Cauchy(0, 1)",
+                                  "Laplace(0, 1)",
+                                  "Gamma(2.5, 3)",
+                                  "Beta(2, 3)",
+                                  "Student(5)",
+                                  "Poisson(4)",
+                                  "Binomial(20, 0.3)",
+                                  "NegBin(5, 0.3)",
+                                  "Hypergeo(20, 30, 100)",
+                                  "NCChiSq(3, 5)",
+                                  "ZIPoisson(4, 0.6)",
+                                  "ZTPoisson(4)",
+                                  "Normal(0, 1) within [1, 2]",
+                                  "Weibull(1.5, 3) within percentiles [0.05, 0.95]",
+                                  "Gamma(2.5, 3) within percentiles [0.05, 0.95]",
+                                  "Poisson(4) within [2, 9]"};
 
 pral_distribution* parsed(const std::string& text) {
     pral_distribution* distribution = nullptr;
@@ -90,11 +110,10 @@ const bool kRegistered = [] {
         }
     }
     const std::pair<const char*, std::pair<Function, bool>> functions[] = {
-        {"cdf", {pral_cdf, false}},
-        {"sf", {pral_sf, false}},
-        {"logsf", {pral_logsf, false}},
-        {"logpdf", {pral_logpdf, false}},
-        {"quantile", {pral_quantile, true}}};
+        {"pdf", {pral_pdf, false}},          {"logpdf", {pral_logpdf, false}},
+        {"cdf", {pral_cdf, false}},          {"sf", {pral_sf, false}},
+        {"logcdf", {pral_logcdf, false}},    {"logsf", {pral_logsf, false}},
+        {"quantile", {pral_quantile, true}}, {"upper_quantile", {pral_upper_quantile, true}}};
     for (const char* text : kTexts) {
         for (const auto& [name, function] : functions)
             benchmark::RegisterBenchmark((std::string("EvaluateObject/") + text + "/" + name).c_str(),
@@ -112,6 +131,13 @@ const bool kRegistered = [] {
     PRAL_CLASSIC(Uniform, 0, 1);
     PRAL_CLASSIC(Normal, 0, 1);
     PRAL_CLASSIC(Expon, 2);
+    PRAL_CLASSIC(Lognormal, 2, 3);
+    PRAL_CLASSIC(Weibull, 1.5, 3);
+    PRAL_CLASSIC(Logistic, 0, 1);
+    PRAL_CLASSIC(ExtValueMax, 0, 1);
+    PRAL_CLASSIC(Pareto, 3, 1);
+    PRAL_CLASSIC(Cauchy, 0, 1);
+    PRAL_CLASSIC(Laplace, 0, 1);
     PRAL_CLASSIC(Gamma, 2.5, 3);
     PRAL_CLASSIC(Beta, 2, 3);
     PRAL_CLASSIC(Student, 5);
