@@ -65,6 +65,21 @@ Starts at_ends(const Sample& x, Estimate estimate, std::span<const double> dista
     }
     return starts;
 }
+/// In place of the shapes the mean, and a width that is nearly the standard deviation.
+Parameters beta4_search(const Parameters& own) {
+    const double sum = own[0] + own[1], width = own[3] - own[2];
+    Parameters moved = own;
+    moved[0] = own[2] + own[0] / sum * width;
+    moved[1] = width * std::sqrt(own[0] / sum * (own[1] / sum) / sum);
+    return moved;
+}
+Parameters beta4_own(const Parameters& moved) {
+    const double below = moved[0] - moved[2], above = moved[3] - moved[0], width = moved[3] - moved[2];
+    Parameters own = moved;
+    own[0] = below / moved[1] * (above / moved[1]) * (below / width);
+    own[1] = below / moved[1] * (above / moved[1]) * (above / width);
+    return own;
+}
 Starts start_beta4(const StartData& data) {
     const Sample& x = data.x;
     return at_ends(x, [&](double min, double max, auto& places) {
@@ -82,6 +97,22 @@ Starts start_beta_subj(const StartData& data) {
         const double mode = (twice * middle - a * width * mean) / (twice - a * width);
         places.push_back(place({min, std::clamp(mode, min + 0.02 * width, max - 0.02 * width), mean, max}));
     });
+}
+/// In place of the shapes the value where the score is 0, the median, and the reciprocal slope of the score there, which the
+/// ends hardly move, however far out they are.
+Parameters johnson_b_search(const Parameters& own) {
+    const double min = own[2], max = own[3], part = 1 / (1 + std::exp(own[0] / own[1]));
+    Parameters moved = own;
+    moved[0] = min + part * (max - min);
+    moved[1] = (moved[0] - min) / own[1] * (1 - part);
+    return moved;
+}
+Parameters johnson_b_own(const Parameters& moved) {
+    const double below = moved[0] - moved[2], above = moved[3] - moved[0];
+    Parameters own = moved;
+    own[1] = below / moved[1] * (above / (moved[3] - moved[2]));
+    own[0] = own[1] * std::log(above / below);
+    return own;
 }
 /// Ends so far out that the family is a lognormal or a normal one, its limits, are tried as well.
 Starts start_johnson_b(const StartData& data) {
@@ -128,10 +159,13 @@ class TriangleLikelihood {
         : x_(sorted), lower_(lower), upper_(upper), logs_below_(x_.size()), logs_above_(x_.size()) {}
 
     std::span<const double> values() const { return x_; }
-    /// Coordinates of the ends: the logarithms of their distances from the data, in parts of the range.
+    /// Coordinates of the ends: the logarithms of their distances from the data, in parts of the range. Nearer than
+    /// `kAtTheData` they do not come.
+    static constexpr double kAtTheData = -30;
     std::pair<double, double> ends(std::span<const double> point) const {
         const double range = x_.back() - x_.front();
-        return {x_.front() - range * std::exp(point[0]), x_.back() + range * std::exp(point[1])};
+        const auto distance = [range](double log) { return range * std::exp(std::fmax(log, kAtTheData)); };
+        return {x_.front() - distance(point[0]), x_.back() + distance(point[1])};
     }
     /// A constant apart.
     double operator()(const Triangle3& t) const {
@@ -202,7 +236,7 @@ class TriangleSearch {
         for (const double below : kDistances) {
             for (const double above : kDistances) add({below, above}, 2);
         }
-        constexpr double kAtTheData = -30;
+        constexpr double kAtTheData = TriangleLikelihood::kAtTheData;
         for (const double distance : {-3.0, 0.0}) {
             keep({{kAtTheData, distance}, 0, 0});
             keep({{distance, kAtTheData}, likelihood_.values().size() - 1, 0});
@@ -325,11 +359,12 @@ const FittedFamily kFamilies[] = {
     fitted<Bradford, 3>("Bradford", {kPositive, kHeld, kHeld}, start_bradford),
     fitted<Beta, 2>("Beta", {kPositive, kPositive}, start_beta),
     fitted<Kumaraswamy, 2>("Kumaraswamy", {kPositive, kPositive}, start_kumaraswamy),
-    fitted<Beta4, 4>("Beta4", {kPositive, kPositive, kBelowMin, kAboveMax}, start_beta4, {.names = kEnds}),
+    fitted<Beta4, 4>("Beta4", {kLocation, kPositive, kBelowMin, kAboveMax}, start_beta4,
+        {.names = kEnds, .search = {beta4_search, beta4_own}}),
     fitted<BetaSubj, 4>("BetaSubj", {kBelowMin, kLocation, kLocation, kAboveMax}, start_beta_subj,
         {.names = {"minimum", nullptr, nullptr, "maximum"}}),
-    fitted<JohnsonB, 4>("JohnsonB", {kShape, kPositive, kBelowMin, kAboveMax}, start_johnson_b,
-        {.names = kJohnsonNames}),
+    fitted<JohnsonB, 4>("JohnsonB", {kLocation, kPositive, kBelowMin, kAboveMax}, start_johnson_b,
+        {.names = kJohnsonNames, .climbs = 4, .search = {johnson_b_search, johnson_b_own}}),
     fitted<Kumaraswamy4, 4>("Kumaraswamy4", {kPositive, kPositive, kBelowMin, kAboveMax}, start_kumaraswamy4,
         {.own_search = true}),
     fitted<Triangle, 3>("Triangle", {kBelowMin, kLocation, kAboveMax}, start_triangle, {.closed_form = true}),

@@ -37,6 +37,8 @@ std::string message(const FittedFamily& family, const char* text) {
 
 /// What a first climb may leave to gain.
 constexpr double kRoughly = 1e-2;
+/// From so many places the search climbs where the likelihood is not known to have several maxima.
+constexpr std::size_t kClimbs = 2;
 
 /// A place where the search may begin.
 struct Candidate {
@@ -176,7 +178,8 @@ void Fit::EstimateStartParameters() {
 /// value of the first.
 void Fit::keep_possible_places(const Sample& x) {
     const auto first_wrong = [&](const Parameters& place) {
-        const int outside = family_.closed_form ? -1 : Coordinates(ranges(), place, x).first_outside(place);
+        const Parameters moved = family_.search.from(place);
+        const int outside = family_.closed_form ? -1 : Coordinates(ranges(), moved, x).first_outside(moved);
         for (int i = 0; i < family_.parameter_count; ++i) {
             if (i == outside || !valid(place[static_cast<std::size_t>(i)])) return i;
         }
@@ -210,24 +213,27 @@ void Fit::choose_shift() {
 
 /// Moves a place to the maximum of the likelihood of x that the family's coordinates lead to.
 void Fit::climb(Candidate& candidate, const Sample& x, double negligible) {
-    const Coordinates coordinates(ranges(), candidate.place, x_);
+    const Parameters origin = family_.search.from(candidate.place);
+    const Coordinates coordinates(ranges(), origin, x_);
     // Where the likelihood grows without end, as it may for few data, it is not followed beyond these coordinates.
     constexpr double kFar = 17;
-    const Point start = coordinates.point(candidate.place);
+    const Point start = coordinates.point(origin);
+    const auto parameters_at = [&](std::span<const double> point) {
+        return family_.search.own(coordinates.parameters(point));
+    };
     const Objective objective = [&](std::span<const double> point) {
         for (std::size_t i = 0; i < point.size(); ++i) {
             if (!(std::fabs(point[i] - start[i]) < kFar)) return -HUGE_VAL;
         }
-        return log_likelihood(coordinates.parameters(point), x);
+        return log_likelihood(parameters_at(point), x);
     };
     const Maximum found = maximise(objective, start, deadline_, negligible);
-    if (found.value > candidate.log_likelihood)
-        candidate = {coordinates.parameters(found.point), found.value};
+    if (found.value > candidate.log_likelihood) candidate = {parameters_at(found.point), found.value};
 }
 
 /// The best places, the best first: of families that ask for more than two climbs the first climbs are of a small part.
 std::vector<Candidate> Fit::candidates(const Sample& x) {
-    constexpr std::size_t kClimbs = 2, kSmallPart = 128;
+    constexpr std::size_t kSmallPart = 128;
     std::vector<Candidate> all;
     const auto keep = [&](std::size_t count, const Sample& of) {
         for (Candidate& candidate : all) candidate.log_likelihood = log_likelihood(candidate.place, of);
@@ -260,6 +266,8 @@ void Fit::approach() {
     constexpr double kToTheTop = 1e-8;
     const std::size_t part_size = family_.costly ? 250 : 2000;
     const bool at_maximum = family_.closed_form && !truncated() && !shifting();
+    // A place of the first climbs so little below the best may be higher in the end, unless they were of a part.
+    constexpr double kMayPass = 4 * kRoughly;
     const bool each_value_counts = !at_maximum && (!family_.summarised || shifting());
     std::vector<double> part;
     if (each_value_counts && 2 * part_size < x_.size()) part = thinned(x_.values(), part_size);
@@ -268,9 +276,19 @@ void Fit::approach() {
     if (!at_maximum && (best_places.size() > 1 || !part.empty())) {
         for (Candidate& candidate : best_places) climb(candidate, first, kRoughly);
     }
+    const bool several = part.empty() && family_.climbs > static_cast<int>(kClimbs);
     Candidate best = *std::ranges::max_element(best_places, {}, &Candidate::log_likelihood);
     if (!part.empty()) best.log_likelihood = log_likelihood(best.place, x_);
-    if (!at_maximum) climb(best, x_, kToTheTop);
+    if (!at_maximum) {
+        const double rough = best.log_likelihood;
+        climb(best, x_, kToTheTop);
+        for (Candidate& other : best_places) {
+            if (!several || other.log_likelihood == rough || other.log_likelihood < rough - kMayPass)
+                continue;
+            climb(other, x_, kToTheTop);
+            if (other.log_likelihood > best.log_likelihood) best = other;
+        }
+    }
     parameters_ = best.place;
 }
 

@@ -40,7 +40,7 @@ struct Range {
 };
 inline constexpr Range kLocation = {Range::Kind::location}, kReal = {Range::Kind::real},
                        kBelowMin = {Range::Kind::below_min}, kAboveMax = {Range::Kind::above_max},
-                       kShape = {Range::Kind::shape}, kHeld = {Range::Kind::held};
+                       kHeld = {Range::Kind::held};
 /// A location that cannot be negative.
 inline constexpr Range kPositiveBelowMin = {Range::Kind::below_min, 0};
 constexpr Range between(double lower, double upper) { return {Range::Kind::between, lower, upper}; }
@@ -79,6 +79,16 @@ struct Rounding {
     double least = -HUGE_VAL;
 };
 
+/// Parameters that the search moves in place of the family's own, one for one, and back: those of which one tells nothing
+/// about the others, as a median and a slope do, and of which the limits are no edges.
+struct SearchParameters {
+    using Map = Parameters (*)(const Parameters&);
+    Map from_own = nullptr, to_own = nullptr;
+
+    Parameters from(const Parameters& own) const { return from_own != nullptr ? from_own(own) : own; }
+    Parameters own(const Parameters& moved) const { return to_own != nullptr ? to_own(moved) : moved; }
+};
+
 /// What is special to the fit of a family.
 struct Peculiarities {
     /// The starts are the maximum of the likelihood, truncation apart.
@@ -95,6 +105,8 @@ struct Peculiarities {
     int climbs = 2;
     /// The density takes about a microsecond.
     bool costly = false;
+    /// The ranges are theirs.
+    SearchParameters search = {};
 };
 
 struct FittedFamily : Peculiarities {

@@ -8,7 +8,9 @@
 #include <exception>
 #include <memory>
 #include <new>
+#include <optional>
 
+#include "matrix/decomposition.h"
 #include "numerics/gsl.h"
 
 namespace pral::fitting {
@@ -97,30 +99,52 @@ namespace {
 constexpr std::size_t kMost = 6;
 using Row = std::array<double, kMost>;
 
-/// The value, gradient and Hessian of a function at a point.
+using Square = std::array<Row, kMost>;
+
+/// The steps along which differences are taken, one a row.
+struct Axes {
+    Square steps = {};
+
+    /// Along each coordinate.
+    explicit Axes(std::size_t n) {
+        constexpr double kStep = 1e-3;
+        for (std::size_t i = 0; i < n; ++i) steps[i][i] = kStep;
+    }
+    /// So many of the steps, in coordinates.
+    Row sum(const Row& times, std::size_t n) const {
+        Row sum = {};
+        for (std::size_t i = 0; i < n; ++i) {
+            for (std::size_t j = 0; j < n; ++j) sum[j] += times[i] * steps[i][j];
+        }
+        return sum;
+    }
+};
+
+/// The value, gradient and Hessian of a function at a point, in units of the axes' steps.
 class LocalModel {
   public:
-    LocalModel(const Objective& f, const Point& at, double value) : n_(at.size()) {
-        Point x = at;
+    LocalModel(const Objective& f, const Maximum& at, const Axes& axes) : n_(at.point.size()) {
+        Point x;
+        const auto value_at = [&](std::size_t i, double up, std::size_t j) {
+            x = at.point;
+            for (std::size_t k = 0; k < n_; ++k) x[k] += up * axes.steps[i][k];
+            if (j != i) {
+                for (std::size_t k = 0; k < n_; ++k) x[k] += axes.steps[j][k];
+            }
+            return f(x);
+        };
         Row above = {};
         for (std::size_t i = 0; i < n_; ++i) {
-            x[i] = at[i] + kStep;
-            above[i] = f(x);
-            x[i] = at[i] - kStep;
-            const double below = f(x);
-            x[i] = at[i];
-            gradient_[i] = (above[i] - below) / (2 * kStep);
-            hessian_[i][i] = (above[i] - 2 * value + below) / (kStep * kStep);
+            above[i] = value_at(i, 1, i);
+            const double below = value_at(i, -1, i);
+            gradient_[i] = (above[i] - below) / 2;
+            hessian_[i][i] = above[i] - 2 * at.value + below;
             valid_ = valid_ && std::isfinite(above[i]) && std::isfinite(below);
         }
         for (std::size_t i = 0; i < n_ && valid_; ++i) {
             for (std::size_t j = 0; j < i; ++j) {
-                x[i] = at[i] + kStep;
-                x[j] = at[j] + kStep;
-                const double both = f(x);
-                x[i] = at[i];
-                x[j] = at[j];
-                hessian_[i][j] = hessian_[j][i] = (both - above[i] - above[j] + value) / (kStep * kStep);
+                const double both = value_at(i, 1, j);
+                hessian_[i][j] = hessian_[j][i] = both - above[i] - above[j] + at.value;
                 valid_ = valid_ && std::isfinite(both);
             }
         }
@@ -131,7 +155,7 @@ class LocalModel {
     /// The step to the maximum of the model whose Hessian's diagonal has been raised by (1 + damping); false when even that
     /// is not negative definite. Cholesky's decomposition.
     bool step(double damping, Row& step) const {
-        std::array<Row, kMost> l = {};
+        Square l = {};
         for (std::size_t i = 0; i < n_; ++i) {
             for (std::size_t j = 0; j <= i; ++j) {
                 double sum = i == j ? -hessian_[i][i] + damping * std::fabs(hessian_[i][i]) : -hessian_[i][j];
@@ -158,21 +182,57 @@ class LocalModel {
         return 0.5 * sum;
     }
 
+    /// The Hessian's principal axes and the curvatures along them.
+    struct Principal {
+        Square directions = {};
+        Row curvatures = {};
+        bool concave = true;
+    };
+    std::optional<Principal> principal() const {
+        std::vector<double> matrix;
+        for (std::size_t i = 0; i < n_; ++i)
+            matrix.insert(matrix.end(), hessian_[i].begin(),
+                          hessian_[i].begin() + static_cast<std::ptrdiff_t>(n_));
+        const auto found = matrix::symmetric_eigen(matrix.data(), static_cast<int>(n_));
+        if (!found) return std::nullopt;
+        Principal principal;
+        for (std::size_t k = 0; k < n_; ++k) {
+            principal.curvatures[k] = std::fabs(found->values[k]);
+            principal.concave = principal.concave && found->values[k] < 0;
+            for (std::size_t i = 0; i < n_; ++i) principal.directions[k][i] = found->vectors[i * n_ + k];
+        }
+        return principal;
+    }
+    /// The step upwards that is Newton's where the function is concave, and as long along the axes where it is not.
+    Row step(const Principal& principal) const {
+        Row step = {};
+        for (std::size_t k = 0; k < n_; ++k) {
+            double slope = 0;
+            for (std::size_t i = 0; i < n_; ++i) slope += principal.directions[k][i] * gradient_[i];
+            const double length = slope / std::fmax(principal.curvatures[k], 1e-300);
+            for (std::size_t i = 0; i < n_; ++i) step[i] += length * principal.directions[k][i];
+        }
+        return step;
+    }
+
   private:
-    static constexpr double kStep = 1e-3;
     std::size_t n_;
     bool valid_ = true;
     Row gradient_ = {};
-    std::array<Row, kMost> hessian_ = {};
+    Square hessian_ = {};
 };
+
+constexpr double kLongestStep = 2;
 
 /// One damped step upwards; false when none is found. A step that was damped, or that gained more than the model promised,
 /// as on a slope that levels off exponentially, is doubled as long as that leads higher.
-bool climb(const Objective& objective, const LocalModel& model, Maximum& best, double& damping) {
-    constexpr double kFirstDamping = 1e-3, kMostDamping = 1e9, kLongestStep = 2, kExcess = 1.2;
+bool climb(const Objective& objective, const LocalModel& model, const Axes& axes, Maximum& best,
+           double& damping) {
+    constexpr double kFirstDamping = 1e-3, kMostDamping = 1e9, kExcess = 1.2;
     for (; damping < kMostDamping; damping = std::max(kFirstDamping, 10 * damping)) {
-        Row step = {};
-        if (!model.step(damping, step)) continue;
+        Row times = {};
+        if (!model.step(damping, times)) continue;
+        const Row step = axes.sum(times, best.point.size());
         const Point start = best.point;
         const double before = best.value;
         const auto reach = [&](double factor) {
@@ -185,7 +245,7 @@ bool climb(const Objective& objective, const LocalModel& model, Maximum& best, d
             return true;
         };
         if (!reach(1)) continue;
-        if (damping > 0 || best.value - before > kExcess * model.gain(step)) {
+        if (damping > 0 || best.value - before > kExcess * model.gain(times)) {
             for (double factor = 2; factor < 100 && reach(factor); factor *= 2) {
             }
         }
@@ -200,17 +260,78 @@ bool climb(const Objective& objective, const LocalModel& model, Maximum& best, d
 bool newton(const Objective& objective, Maximum& best, double negligible) {
     constexpr int kMostSteps = 60, kLevelSteps = 2;
     const double level_gain = std::max(negligible, 1e-6);
+    const Axes axes(best.point.size());
     double damping = 0;
     for (int i = 0, level = 0; i < kMostSteps; ++i) {
-        const LocalModel model(objective, best.point, best.value);
+        const LocalModel model(objective, best, axes);
         if (!model.valid()) return false;
         Row full = {};
         const bool concave = model.step(0, full);
         if (concave && model.gain(full) < negligible) return true;
         const double before = best.value;
-        if (!climb(objective, model, best, damping)) return false;
+        if (!climb(objective, model, axes, best, damping)) return false;
         level = best.value - before < level_gain ? level + 1 : 0;
         if (level == kLevelSteps) return true;
+    }
+    return false;
+}
+
+/// The best of the points that lie on the way of a step, at it, before or beyond it; false when none is higher than `best`.
+bool search_along(const Objective& objective, const Row& step, Maximum& best) {
+    constexpr double kShortest = 1e-4, kLongest = 1e3;
+    double longest = 0;
+    for (const double part : step) longest = std::fmax(longest, std::fabs(part));
+    const double first = longest > kLongestStep ? kLongestStep / longest : 1;
+    const Point start = best.point;
+    const auto reach = [&](double factor) {
+        Point next = start;
+        for (std::size_t i = 0; i < next.size(); ++i) next[i] += factor * step[i];
+        const double value = objective(next);
+        if (!(value > best.value)) return false;
+        best = {std::move(next), value};
+        return true;
+    };
+    double factor = first;
+    while (factor > kShortest * first && !reach(factor)) factor *= 0.5;
+    if (!(factor > kShortest * first)) return false;
+    if (factor == first) {
+        while (factor < kLongest && reach(2 * factor)) factor *= 2;
+    } else {
+        reach(0.5 * factor);
+    }
+    return true;
+}
+
+/// Climbs along a ridge, which differences along the coordinates do not show: they are taken along the principal axes of the
+/// Hessian before, by steps that change the function alike.
+bool follow_ridge(const Objective& objective, Maximum& best, double negligible) {
+    constexpr int kMostSteps = 40, kLevelSteps = 3;
+    constexpr double kChange = 1e-4, kLongestAxis = 0.25;
+    const std::size_t n = best.point.size();
+    Axes axes(n);
+    for (int i = 0, level = 0; i < kMostSteps; ++i) {
+        const LocalModel model(objective, best, axes);
+        if (!model.valid()) return false;
+        const auto principal = model.principal();
+        if (!principal) return false;
+        const Row times = model.step(*principal);
+        if (i > 0 && principal->concave && model.gain(times) < negligible) return true;
+        const double before = best.value;
+        const bool higher = search_along(objective, axes.sum(times, n), best);
+        if (!higher && i > 1) return false;
+        level = best.value - before < negligible ? level + 1 : 0;
+        if (level == kLevelSteps) return true;
+        Axes next(n);
+        for (std::size_t k = 0; k < n; ++k) {
+            Row axis = axes.sum(principal->directions[k], n);
+            double longest = 0;
+            for (const double part : axis) longest = std::fmax(longest, std::fabs(part));
+            const double scale =
+                std::fmin(std::sqrt(2 * kChange / principal->curvatures[k]), kLongestAxis / longest);
+            for (double& part : axis) part *= scale;
+            next.steps[k] = axis;
+        }
+        axes = next;
     }
     return false;
 }
@@ -232,7 +353,8 @@ Maximum maximise(const Objective& objective, const Point& start, const Deadline&
     const Objective descent = [&](std::span<const double> x) { return -objective(x); };
     for (int round = 0; round < kMostRounds; ++round) {
         const double before = best.value;
-        if (newton(timed, best, negligible)) return best;
+        const bool level = newton(timed, best, negligible);
+        if (follow_ridge(timed, best, negligible) || level) return best;
         Point point = best.point;
         minimise(descent, point, kSimplex, deadline);
         if (const double value = timed(point); value > best.value) best = {point, value};

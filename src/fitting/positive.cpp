@@ -316,6 +316,18 @@ Starts start_lifetime3(const StartData& data) {
     }
     return starts;
 }
+/// The coefficient B as a part of its limits, -2 sqrt(A C) and 2 sqrt(A C).
+double lifetime3_limit(const Parameters& p) { return 2 * std::sqrt(p[0]) * std::sqrt(p[2]); }
+Parameters lifetime3_search(const Parameters& own) {
+    Parameters moved = own;
+    moved[1] /= lifetime3_limit(own);
+    return moved;
+}
+Parameters lifetime3_own(const Parameters& moved) {
+    Parameters own = moved;
+    own[1] *= lifetime3_limit(moved);
+    return own;
+}
 Starts start_lifetime_exp(const StartData& data) {
     if (const Message objection = not_negative(data.x)) return objection;
     const double m = data.x.mean();
@@ -376,7 +388,6 @@ Starts start_ncf(const StartData& data) {
 
 /// Beyond, the family is as good as its limits, and its density takes long.
 constexpr Range kNotHuge = between(0, 1e4);
-constexpr Range kSquaredRate = {Range::Kind::location, -HUGE_VAL, HUGE_VAL, -2};
 constexpr std::array<Range, 4> kAllPositive = {kPositive, kPositive, kPositive, kPositive};
 
 // clang-format off
@@ -408,7 +419,7 @@ const FittedFamily kFamilies[] = {
     fitted<LogGamma, 3>("LogGamma", {kPositive, kPositive, kBelowMin}, start_log_gamma, {.closed_form = true}),
     fitted<LogLaplace, 3>("LogLaplace", kAllPositive, start_log_laplace, {.closed_form = true}),
     fitted<Lifetime2, 2>("Lifetime2", kAllPositive, start_lifetime2),
-    fitted<Lifetime3, 3>("Lifetime3", {kPositive, kSquaredRate, kPositive}, start_lifetime3),
+    fitted<Lifetime3, 3>("Lifetime3", {kPositive, between(-1, 1), kPositive}, start_lifetime3, {.search = {lifetime3_search, lifetime3_own}}),
     fitted<LifetimeExp, 2>("LifetimeExp", {kReal, kPositive}, start_lifetime_exp),
     fitted<Pearson6, 3>("Pearson6", kAllPositive, start_pearson6, {.names = {"alpha1", "alpha2"}, .climbs = 4}),
     fitted<F, 2>("F", kAllPositive, start_f),

@@ -132,9 +132,28 @@ Starts start_student3(const StartData& data) {
     return by_quantiles<RealCounts<Student3>>(data.x, {3.5, 6, 15, 100});
 }
 
+/// The shapes as alpha1/alpha2 and alpha2, the reciprocal slope of the score where it is 0, and that place: the median.
+/// With these held a large alpha2 leads to the normal distribution, a large ratio to the lognormal one.
+Parameters johnson_u_search(const Parameters& own) {
+    const auto [alpha1, alpha2, beta, gamma] = std::tuple(own[0], own[1], own[2], own[3]);
+    const double ratio = alpha1 / alpha2;
+    Parameters moved = own;
+    moved[0] = ratio;
+    moved[2] = beta * std::cosh(ratio) / alpha2;
+    moved[3] = gamma - beta * std::sinh(ratio);
+    return moved;
+}
+Parameters johnson_u_own(const Parameters& moved) {
+    const auto [ratio, alpha2, width, median] = std::tuple(moved[0], moved[1], moved[2], moved[3]);
+    Parameters own = moved;
+    own[0] = ratio * alpha2;
+    own[2] = width * alpha2 / std::cosh(ratio);
+    own[3] = median + width * alpha2 * std::tanh(ratio);
+    return own;
+}
 Starts start_johnson_u(const StartData& data) {
     Starts starts;
-    for (const double alpha2 : {0.7, 1.3, 2.5, 6.0}) {
+    for (const double alpha2 : {0.4, 0.7, 1.3, 2.5, 6.0}) {
         for (const double alpha1 : {0.0, -0.7 * alpha2, 0.7 * alpha2, -2 * alpha2, 2 * alpha2}) {
             const LocationAndScale fit(JohnsonU{alpha1, alpha2, 1, 0}, data.x);
             starts.places.push_back(place({alpha1, alpha2, fit.scale, fit.location}));
@@ -167,7 +186,8 @@ const FittedFamily kFamilies[] = {
     fitted<RealCounts<Student>, 1>("Student", {kPositive}, start_student, {.names = {"nu"}, .rounding = {0}}),
     fitted<RealCounts<Student3>, 3>("Student3", {kLocation, kPositive, above(3)}, start_student3,
         {.names = kMoments, .rounding = {2}}),
-    fitted<JohnsonU, 4>("JohnsonU", {kReal, kPositive, kPositive, kLocation}, start_johnson_u, {.own_search = true}),
+    fitted<JohnsonU, 4>("JohnsonU", {kReal, kPositive, kPositive, kLocation}, start_johnson_u,
+        {.own_search = true, .climbs = 4, .search = {johnson_u_search, johnson_u_own}}),
 };
 // clang-format on
 
