@@ -307,6 +307,43 @@ double mode(const Univariate& d) {
     return top;
 }
 
+namespace {
+
+struct Trial {
+    double x, value;
+};
+
+/// The least double (or integer) in (low, high] at which a rising function is not negative; it is at `high`. By false position
+/// with the remedy of Illinois (Dowell and Jarratt 1971), since logarithms of tails are nearly straight, and every third time
+/// by halving the doubles in the bracket.
+template <class Function>
+double first_not_missing(Function missing, Trial low, Trial high, bool integers) {
+    constexpr int kSteps = 200;
+    int side = 0;
+    for (int step = 0; step < kSteps; ++step) {
+        if (integers && high.x - low.x <= 1) break;
+        double middle = numerics::middle_double(low.x, high.x);
+        if (integers) middle = std::floor(middle);
+        if (middle <= low.x || middle >= high.x) break;
+        double next = middle;
+        if (step % 3 != 2) {
+            const double share = low.value / (low.value - high.value);
+            next = low.x + share * (high.x - low.x);
+            if (integers) next = std::floor(next);
+            if (!(next > low.x && next < high.x)) next = middle;
+        }
+        const double value = missing(next);
+        const int moved = value >= 0 ? 1 : -1;
+        Trial& kept = moved > 0 ? low : high;
+        if (moved == side) kept.value /= 2;
+        (moved > 0 ? high : low) = {next, value};
+        side = moved;
+    }
+    return high.x;
+}
+
+}  // namespace
+
 double log_quantile(const Univariate& d, Side side, double log_p) {
     if (!(log_p <= 0)) return numerics::kNaN;
     if (log_p == -HUGE_VAL) return end_of(d, side);
@@ -316,27 +353,23 @@ double log_quantile(const Univariate& d, Side side, double log_p) {
     const double inner = d(quantile_of(side), std::exp(kLeast));
     double outer = end_of(d, side);
     const auto limited = [](double x) { return std::clamp(x, -numerics::kInfinity, numerics::kInfinity); };
-    // The least x with ln F(x) >= log_p, or with ln S(x) <= log_p.
-    const auto reached = [&](double x) {
+    // The least x with ln F(x) >= log_p, or with ln S(x) <= log_p: what is missing of it rises through 0 there.
+    const auto missing = [&](double x) {
         const double log = d(log_tail_of(side), x);
-        return side == Side::lower ? log >= log_p : log <= log_p;
+        return side == Side::lower ? log - log_p : log_p - log;
     };
     // From inside out in steps that grow: far beyond the answer some tails are costly.
     const double direction = side == Side::lower ? -1 : 1;
     for (double step = std::max(std::fabs(inner), DBL_MIN); std::isinf(outer) && step <= numerics::kInfinity;
          step *= 16) {
         const double place = inner + direction * step;
-        if (reached(place) == (side == Side::upper)) outer = place;
+        if ((missing(place) >= 0) == (side == Side::upper)) outer = place;
     }
-    double low = limited(std::min(inner, outer)), high = limited(std::max(inner, outer));
-    if (reached(low)) return low > -numerics::kInfinity ? low : outer;
-    if (!reached(high)) return outer;
-    for (int step = 0; step < 64; ++step) {
-        const double middle = numerics::middle_double(low, high);
-        if (middle == low || middle == high) break;
-        (reached(middle) ? high : low) = middle;
-    }
-    return high;
+    const double low = limited(std::min(inner, outer)), high = limited(std::max(inner, outer));
+    const double at_low = missing(low), at_high = missing(high);
+    if (at_low >= 0) return low > -numerics::kInfinity ? low : outer;
+    if (!(at_high >= 0)) return outer;
+    return first_not_missing(missing, {low, at_low}, {high, at_high}, d.values() == Values::integers);
 }
 
 }  // namespace pral

@@ -204,6 +204,22 @@ double Delaporte::log_density(double k) const {
     return Convolution(polya_, poisson_, k, [&](double i) { return polya_.log_density(i); }).log_sum();
 }
 
+/// Below the range of doubles by the same convolution.
+double Delaporte::log_survival(double k) const {
+    constexpr double kWithDigits = 1e-280;
+    if (is_continuous()) return numerics::log_gamma_upper(limit_.shape, limit_.standardised(k));
+    if (no_polya()) return poisson_.log_survival(k);
+    if (no_poisson()) return polya_.log_survival(k);
+    if (is_beyond_poisson(k)) return polya_.log_survival(k - lambda);
+    const double upper = survival(k);
+    if (upper > 0.5) return numerics::log1p_fn(-cumulative(k));
+    if (upper > kWithDigits) return std::log(upper);
+    const auto log_survival_of_polya = [&](double i) { return polya_.log_survival(i); };
+    const double both = Convolution(polya_, poisson_, k, log_survival_of_polya).log_sum(),
+                 poisson = poisson_.log_survival(k);
+    return std::max(both, poisson) + numerics::log1p_fn(std::exp(-std::fabs(both - poisson)));
+}
+
 double Delaporte::mass_ratio(double k) const {
     if (is_near(k)) {
         Masses at = from_zero(k);

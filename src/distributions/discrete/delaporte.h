@@ -42,6 +42,7 @@ struct Delaporte : SummedTails<Delaporte> {
     double up_to(double k) const;
     double above(double k) const;
     double log_density(double k) const;
+    double log_survival(double k) const;
     double mass_ratio(double k) const;
     void masses(double first, std::span<double> out) const;
     double start(double p) const;
