@@ -215,7 +215,8 @@ void FamilyObject::log_tails(Side side, std::span<double> x) const {
         if (beyond == 0) continue;
         for (std::size_t i = 0; i < logs.size(); ++i) {
             // May be the logarithm of a number in between that was denormal, or 0.
-            const bool underflowed = logs[i] < kLeast && (logs[i] > -746 || logs[i] <= -numerics::kInfinity);
+            const bool denormal = logs[i] > -746 && !has_exact_logarithms();
+            const bool underflowed = logs[i] < kLeast && (denormal || logs[i] <= -numerics::kInfinity);
             const bool lost = !(logs[i] < 1);
             if (!underflowed && !lost) continue;
             const double log = log_beyond(side, at[i]);

@@ -162,6 +162,9 @@ class FamilyObject : public Univariate {
     virtual std::optional<double> own_mode() const = 0;
     /// Whether numbers next to a value count as that value.
     virtual bool counts_neighbours() const = 0;
+    /// Whether the family's logarithms of tails come from logarithms where the tails are beyond doubles, and never from a
+    /// denormal number (kExactLogarithms).
+    virtual bool has_exact_logarithms() const = 0;
 
   private:
     void evaluate_all(Function function, std::span<const double> in, std::span<double> out) const;
@@ -262,6 +265,10 @@ class UnivariateFamily final : public FamilyObject {
     bool counts_neighbours() const override {
         if constexpr (requires { D::kCountsNeighbours; }) return D::kCountsNeighbours;
         return false;
+    }
+
+    bool has_exact_logarithms() const override {
+        return requires { D::kExactLogarithms; };
     }
 
     bool invert(Side side, std::span<double> tails) const {

@@ -20,6 +20,7 @@ namespace pral {
 struct Delaporte : SummedTails<Delaporte> {
     /// Masses and their ratios are no cheaper than tails: the walk leaves its steps to Newton's.
     static constexpr int kWalk = 2;
+    static constexpr bool kExactLogarithms = true;
     double alpha, beta, lambda;
 
     Delaporte(double alpha_, double beta_, double lambda_);
