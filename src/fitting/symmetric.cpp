@@ -1,11 +1,13 @@
 // Start values of the families on all real numbers.
 #include <numbers>
+#include <optional>
 
 #include "distributions/families.h"
 #include "distributions/real_counts.h"
 #include "fitting/starts.h"
 #include "numerics/constants.h"
 #include "numerics/gamma.h"
+#include "numerics/golden_section.h"
 
 namespace pral::fitting {
 
@@ -45,14 +47,99 @@ Starts start_laplace(const StartData& data) {
     return one({median, sqrt2 * sum / data.x.count()});
 }
 
-/// The standard deviation of greatest likelihood for the other two parameters.
-double error_deviation(const Sample& x, double mu, double nu) {
-    const double farthest = std::fmax(x.max() - mu, mu - x.min());
-    double sum = 0;
-    for (const double value : x.values()) sum += std::pow(std::fabs(value - mu) / farthest, nu);
+/// The likelihood of a location and a shape, with the best scale for them: the generalised mean of the distances.
+struct ErrorProfile {
+    double log_mean, mean_log_likelihood;
+
+    ErrorProfile(const Sample& x, double mu, double nu) {
+        const double farthest = std::fmax(x.max() - mu, mu - x.min());
+        double sum = 0;
+        for (const double value : x.values()) sum += std::pow(std::fabs(value - mu) / farthest, nu);
+        log_mean = std::log(farthest) + std::log(nu * sum / x.count()) / nu;
+        mean_log_likelihood = std::log(0.5 * nu) - numerics::log_gamma(1 / nu) - log_mean - 1 / nu;
+    }
+};
+Parameters error_place(const Sample& x, double mu, double nu) {
     const double log_moments = numerics::log_gamma(3 / nu) - numerics::log_gamma(1 / nu);
-    return farthest * std::exp(std::log(nu * sum / x.count()) / nu + 0.5 * log_moments);
+    return place({mu, std::exp(ErrorProfile(x, mu, nu).log_mean + 0.5 * log_moments), nu});
 }
+
+/// The search for the location and the shape where that is below 1: then the likelihood has a cusp at every value, and its
+/// greatest is at one of them. It has no bound as the shape goes to 0, which is not followed.
+class CuspSearch {
+  public:
+    explicit CuspSearch(const Sample& x)
+        : all_(x), part_values_(thinned(x.sorted(), kPart)), part_(part_values_) {}
+
+    std::optional<Parameters> operator()() const {
+        constexpr std::array kShapes = {1.0, 0.85, 0.7, 0.55, 0.42, 0.32, 0.24, 0.18};
+        std::array<Cusp, kShapes.size()> found;
+        for (std::size_t i = 0; i < found.size(); ++i) found[i] = best_of_part(kShapes[i]);
+        std::size_t best = 0;
+        for (std::size_t i = 1; i + 1 < found.size(); ++i) {
+            const bool peak = found[i].value > found[i - 1].value && found[i].value > found[i + 1].value;
+            if (peak && (best == 0 || found[i].value > found[best].value)) best = i;
+        }
+        if (best == 0) return std::nullopt;
+        return refined(found[best], kShapes[best + 1], kShapes[best - 1]);
+    }
+
+  private:
+    static constexpr std::size_t kPart = 250;
+    struct Cusp {
+        double mu, value;
+    };
+
+    static double likelihood(const Sample& x, double mu, double nu) {
+        return ErrorProfile(x, mu, nu).mean_log_likelihood;
+    }
+    static void improve(Cusp& best, const Sample& x, double mu, double nu) {
+        const double value = likelihood(x, mu, nu);
+        if (value > best.value) best = {mu, value};
+    }
+    /// Of part of the values, at distances that become smaller about the best.
+    Cusp best_of_part(double nu) const {
+        constexpr std::ptrdiff_t kTries = 24;
+        const std::span<const double> sorted = part_.sorted();
+        Cusp best = {sorted[0], -HUGE_VAL};
+        std::ptrdiff_t from = 0, end = std::ssize(sorted);
+        for (std::ptrdiff_t step = (end - from + kTries - 1) / kTries;; step = (step + 3) / 4) {
+            for (std::ptrdiff_t i = from; i < end; i += step)
+                improve(best, part_, sorted[static_cast<std::size_t>(i)], nu);
+            if (step <= 1) return best;
+            const std::ptrdiff_t at = std::ranges::lower_bound(sorted, best.mu) - sorted.begin();
+            from = std::max<std::ptrdiff_t>(at - 2 * step, 0);
+            end = std::min(at + 2 * step, std::ssize(sorted));
+        }
+    }
+    /// Of all values: in turn the shape for the location, and the values about the location for the shape.
+    Parameters refined(Cusp best, double least, double most) const {
+        constexpr int kRounds = 4;
+        const std::span<const double> sorted = all_.sorted();
+        const std::ptrdiff_t reach = 2 * (std::ssize(sorted) / static_cast<std::ptrdiff_t>(kPart) + 4);
+        double nu = 1;
+        for (int round = 0; round < kRounds; ++round) {
+            const auto cost = [&](double t) { return -likelihood(all_, best.mu, std::exp(t)); };
+            nu = std::exp(numerics::golden_section_minimise(cost, std::log(least), std::log(most), 1e-6));
+            best.value = likelihood(all_, best.mu, nu);
+            const double before = best.mu;
+            const std::ptrdiff_t at = std::ranges::lower_bound(sorted, best.mu) - sorted.begin();
+            const std::ptrdiff_t end = std::min(at + reach, std::ssize(sorted));
+            double last = before;
+            for (std::ptrdiff_t i = std::max<std::ptrdiff_t>(at - reach, 0); i < end; ++i) {
+                const double value = sorted[static_cast<std::size_t>(i)];
+                if (value != last) improve(best, all_, value, nu);
+                last = value;
+            }
+            if (best.mu == before) break;
+        }
+        return error_place(all_, best.mu, nu);
+    }
+
+    const Sample& all_;
+    std::vector<double> part_values_;
+    Sample part_;
+};
 /// Locations that suit the shapes: the likelihood has maxima about the quartiles as well, and for few data or flat ones its
 /// maximum is the limit of large nu, the uniform distribution.
 Starts start_error(const StartData& data) {
@@ -69,7 +156,8 @@ Starts start_error(const StartData& data) {
                                  {x.mean(), 5.0},
 
                                  {centre, kUniform}})
-        starts.places.push_back(place({mu, error_deviation(x, mu, nu), nu}));
+        starts.places.push_back(error_place(x, mu, nu));
+    if (const auto cusp = CuspSearch(x)()) starts.places.push_back(*cusp);
     return starts;
 }
 
@@ -178,7 +266,7 @@ const FittedFamily kFamilies[] = {
     fitted<ExtValueMin, 2>("ExtValueMin", kLocationScale, start_location_scale<ExtValueMin>),
     fitted<GEV, 3>("GEV", {kLocation, kPositive, kReal}, start_gev),
     fitted<GLogistic, 3>("GLogistic", {kLocation, kPositive, kPositive}, start_glogistic, {.climbs = 4}),
-    fitted<Error, 3>("Error", {kLocation, kPositive, kPositive}, start_error, {.names = kMoments, .climbs = 4}),
+    fitted<Error, 3>("Error", {kLocation, kPositive, kPositive}, start_error, {.names = kMoments, .climbs = 5}),
     fitted<NormalMix, 3>("NormalMix", {kLocation, kPositive, between(0, 3)}, start_normal_mix,
         {.names = {"mu", "sigma"}, .climbs = 4}),
     fitted<SkewNormal, 3>("SkewNormal", {kLocation, kPositive, shape_up_to(100)}, start_skew_normal,

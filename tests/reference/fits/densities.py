@@ -1,7 +1,7 @@
 """Log-densities of the fittable families for arrays of observations, told by NumPy and SciPy's special functions and
 independently of the library; -inf outside the support. Parameters in the library's order."""
 import numpy as np
-from numpy import exp, expm1, log, log1p, logaddexp, pi, sqrt
+from numpy import exp, expm1, log, log1p, logaddexp, pi, sqrt, where
 from scipy.special import betaln, gammainc, gammaincc, gammaln, ive, log_ndtr, logsumexp, xlog1py, xlogy
 
 
@@ -133,7 +133,7 @@ def lifetime(x, a, b, c=0):
 
 
 def lifetime_exp(x, a, b):
-    return a + b * x - exp(a) * expm1(b * x) / b
+    return a + b * x - where(b * x < 1, exp(a) * expm1(b * x), exp(a + b * x) - exp(a)) / b
 
 
 def poisson_weighted(mean, parts):
