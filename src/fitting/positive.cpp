@@ -328,13 +328,33 @@ Parameters lifetime3_own(const Parameters& moved) {
     own[1] *= lifetime3_limit(moved);
     return own;
 }
+/// The maximum itself: A has a closed form for each B, of which growths from almost none to several times that of Gumbel's
+/// minimum, with the deviation of the data, are tried. A follows B too closely to climb along both.
 Starts start_lifetime_exp(const StartData& data) {
-    if (const Message objection = not_negative(data.x)) return objection;
-    const double m = data.x.mean();
-    Starts starts;
-    for (const double growth : {0.05, 0.5, 2.0, 8.0})
-        starts.places.push_back(place({std::log(growth / (m * numerics::expm1_fn(growth))), growth / m}));
-    return starts;
+    const Sample& x = data.x;
+    if (const Message objection = not_negative(x)) return objection;
+    if (x.constant()) return one({-1 - std::log(x.mean()), 1 / x.mean()});
+    const auto best_a = [&](double b) {
+        double sum = 0;  // of e^(b x) - 1, over e^(b max)
+        for (const double value : x.values())
+            sum -= std::exp(b * (value - x.max())) * numerics::expm1_fn(-b * value);
+        return std::log(x.count() * b / sum) - b * x.max();
+    };
+    const auto cost = [&](double log_b) {
+        const double b = std::exp(log_b);
+        return -best_a(b) - b * x.mean();
+    };
+    constexpr double kLeastGrowth = 1e-3, kMostOfGumbel = 8, kStep = 0.7;
+    const double of_gumbel = numerics::kPi / std::sqrt(6.0) / x.deviation();
+    const double from = std::log(kLeastGrowth / x.mean()), to = std::log(kMostOfGumbel * of_gumbel);
+    constexpr int kMostSteps = 2000;
+    double best = from, least = cost(from);
+    for (int i = 1; i < kMostSteps && from + i * kStep < to + kStep; ++i) {
+        const double t = from + i * kStep, value = cost(t);
+        if (value < least) best = t, least = value;
+    }
+    const double b = std::exp(numerics::golden_section_minimise(cost, best - kStep, best + kStep, 1e-9));
+    return one({best_a(b), b});
 }
 
 /// Both shapes by a scan, the scale by the median; and the limits of large shapes: the gamma distribution, that of gamma
