@@ -84,6 +84,8 @@ struct Rounding {
 struct SearchParameters {
     using Map = Parameters (*)(const Parameters&);
     Map from_own = nullptr, to_own = nullptr;
+    /// Of the family's own, for fits in which one of them is held.
+    std::array<Range, 4> own_ranges = {};
 
     Parameters from(const Parameters& own) const { return from_own != nullptr ? from_own(own) : own; }
     Parameters own(const Parameters& moved) const { return to_own != nullptr ? to_own(moved) : moved; }

@@ -439,7 +439,7 @@ const FittedFamily kFamilies[] = {
     fitted<LogGamma, 3>("LogGamma", {kPositive, kPositive, kBelowMin}, start_log_gamma, {.closed_form = true}),
     fitted<LogLaplace, 3>("LogLaplace", kAllPositive, start_log_laplace, {.closed_form = true}),
     fitted<Lifetime2, 2>("Lifetime2", kAllPositive, start_lifetime2),
-    fitted<Lifetime3, 3>("Lifetime3", {kPositive, between(-1, 1), kPositive}, start_lifetime3, {.search = {lifetime3_search, lifetime3_own}}),
+    fitted<Lifetime3, 3>("Lifetime3", {kPositive, between(-1, 1), kPositive}, start_lifetime3, {.search = {lifetime3_search, lifetime3_own, {kPositive, {Range::Kind::location, -HUGE_VAL, HUGE_VAL, -2}, kPositive}}}),
     fitted<LifetimeExp, 2>("LifetimeExp", {kReal, kPositive}, start_lifetime_exp),
     fitted<Pearson6, 3>("Pearson6", kAllPositive, start_pearson6, {.names = {"alpha1", "alpha2"}, .climbs = 4}),
     fitted<F, 2>("F", kAllPositive, start_f),

@@ -275,7 +275,7 @@ const FittedFamily kFamilies[] = {
     fitted<RealCounts<Student3>, 3>("Student3", {kLocation, kPositive, above(3)}, start_student3,
         {.names = kMoments, .rounding = {2}}),
     fitted<JohnsonU, 4>("JohnsonU", {kReal, kPositive, kPositive, kLocation}, start_johnson_u,
-        {.own_search = true, .climbs = 4, .search = {johnson_u_search, johnson_u_own}}),
+        {.own_search = true, .climbs = 4, .search = {johnson_u_search, johnson_u_own, {kReal, kPositive, kPositive, kLocation}}}),
 };
 // clang-format on
 

@@ -6,7 +6,6 @@ namespace pral::inference {
 
 namespace {
 
-using fitting::Coordinates;
 using fitting::Objective;
 using fitting::Parameters;
 using fitting::Point;
@@ -43,35 +42,35 @@ Ascent::Ascent(const Model& model, const Observations& observations, Criterion c
       extent_(extent_of(observations, cell)),
       deadline_(deadline) {}
 
-Candidate Ascent::climb(const Parameters& place, std::span<const Range> ranges, double negligible) const {
+Candidate Ascent::climb(const Parameters& place, const Motion& motion, double negligible) const {
     // Beyond this many coordinates from its start a climb does not go: there the likelihood grows for ever, or levels off.
     constexpr double kFar = 17;
-    const Coordinates coordinates(ranges, place, extent_);
-    const Point start = coordinates.point(place);
+    const Chart chart(motion, place, extent_);
+    const Point start = chart.point(place);
     if (start.empty()) return candidate(place);
     if (std::ranges::any_of(start, [](double t) { return !std::isfinite(t); })) return {place, -HUGE_VAL};
     const Objective objective = [&](std::span<const double> point) {
         for (std::size_t i = 0; i < point.size(); ++i) {
             if (!(std::fabs(point[i] - start[i]) < kFar)) return -HUGE_VAL;
         }
-        return likelihood_(coordinates.parameters(point));
+        return likelihood_(chart.parameters(point));
     };
     const fitting::Maximum found = fitting::maximise(objective, start, deadline_, negligible);
-    return {coordinates.parameters(found.point), found.value};
+    return {chart.parameters(found.point), found.value};
 }
 
-Ascent::End Ascent::end_of(Candidate candidate, std::span<const Range> ranges) const {
+Ascent::End Ascent::end_of(Candidate candidate, const Motion& motion) const {
     constexpr double kFlat = 1e-2, kLevel = 3e-3, kNegligibleGain = 1e-4, kNothing = 1e-18, kLastStep = 1e-9,
                      kNear = 1e-12;
     constexpr int kSteps = 4;
     End end = {std::move(candidate), Nature::maximum, {}};
     for (int i = 0; i < kSteps; ++i) {
         deadline_.check();
-        const Coordinates coordinates(ranges, end.candidate.place, extent_);
-        Point point = coordinates.point(end.candidate.place);
+        const Chart chart(motion, end.candidate.place, extent_);
+        Point point = chart.point(end.candidate.place);
         if (point.empty()) return end;
         const Objective objective = [&](std::span<const double> x) {
-            return likelihood_(coordinates.parameters(x));
+            return likelihood_(chart.parameters(x));
         };
         const Curvature shape(objective, point);
         SquareMatrix inverse = shape.inverse_information(kFlat);
@@ -91,7 +90,7 @@ Ascent::End Ascent::end_of(Candidate candidate, std::span<const Range> ranges) c
         const double value = objective(point);
         // Near the top the values themselves no longer tell.
         if (!(value > end.candidate.value - 1e-12 * (1 + std::fabs(end.candidate.value)))) return end;
-        end.candidate = {coordinates.parameters(point), std::max(value, end.candidate.value)};
+        end.candidate = {chart.parameters(point), std::max(value, end.candidate.value)};
         if (promised > kNear) end.inverse_information = {};  // it is that of another place
         if (promised < kLastStep) return end;                // Newton's method squares what is left
     }

@@ -11,6 +11,30 @@
 
 namespace pral::inference {
 
+/// How the parameters of a fit may move: the family's own, or those that its search moves in their place.
+struct Motion {
+    std::vector<fitting::Range> ranges;
+    fitting::SearchParameters search = {};
+};
+
+/// Coordinates of the parameters near a place, of which a step of 1 is a large one.
+class Chart {
+  public:
+    Chart(const Motion& motion, const fitting::Parameters& place, const fitting::Extent& extent)
+        : search_(motion.search), coordinates_(motion.ranges, search_.from(place), extent) {}
+
+    fitting::Point point(const fitting::Parameters& parameters) const {
+        return coordinates_.point(search_.from(parameters));
+    }
+    fitting::Parameters parameters(std::span<const double> point) const {
+        return search_.own(coordinates_.parameters(point));
+    }
+
+  private:
+    fitting::SearchParameters search_;
+    fitting::Coordinates coordinates_;
+};
+
 struct Candidate {
     fitting::Parameters place;
     double value;
@@ -37,7 +61,7 @@ fitting::Extent extent_of(const Observations& observations, double cell);
 /// Climbs of one criterion over given observations.
 class Ascent {
   public:
-    /// All but the ranges must outlive it.
+    /// All must outlive it.
     Ascent(const Model& model, const Observations& observations, Criterion criterion, bool shifted,
            double cell, const fitting::Deadline& deadline);
 
@@ -46,8 +70,7 @@ class Ascent {
     Candidate candidate(const fitting::Parameters& place) const { return {place, value(place)}; }
 
     /// The end of a climb, some ten times `negligible` below the top.
-    Candidate climb(const fitting::Parameters& place, std::span<const fitting::Range> ranges,
-                    double negligible) const;
+    Candidate climb(const fitting::Parameters& place, const Motion& motion, double negligible) const;
 
     struct End {
         Candidate candidate;
@@ -56,7 +79,7 @@ class Ascent {
     };
     /// What the likelihood does at a climb's end; a maximum is polished by accurate derivatives, for the digits that a search
     /// by values alone leaves.
-    End end_of(Candidate candidate, std::span<const fitting::Range> ranges) const;
+    End end_of(Candidate candidate, const Motion& motion) const;
 
   private:
     const Likelihood likelihood_;

@@ -12,7 +12,6 @@ namespace pral::inference {
 
 namespace {
 
-using fitting::Coordinates;
 using fitting::Deadline;
 using fitting::Failure;
 using fitting::Objective;
@@ -21,15 +20,21 @@ using fitting::Point;
 using fitting::Range;
 using RangeKind = fitting::Range::Kind;
 
-/// How the parameters may move: those that are held not at all, a shift as an end of the support.
-std::vector<Range> ranges_of(const Model& model, const Request& request) {
-    const auto& own = model.family->ranges;
-    std::vector<Range> ranges(own.begin(), own.begin() + model.family->parameter_count);
-    for (std::size_t i = 0; i < request.held.size(); ++i) {
-        if (!std::isnan(request.held[i])) ranges[i] = fitting::kHeld;
+/// Those that are held do not move, a shift is an end of the support.
+Motion motion_of(const Model& model, const Request& request) {
+    const auto held = [&](std::size_t i) { return i < request.held.size() && !std::isnan(request.held[i]); };
+    const fitting::FittedFamily& family = *model.family;
+    bool any_held = false;
+    for (std::size_t i = 0; i < model.parameter_count(); ++i) any_held = any_held || held(i);
+    const bool as_searched = family.search.to_own == nullptr || !any_held;
+    const auto& own = as_searched ? family.ranges : family.search.own_ranges;
+    Motion motion = {{own.begin(), own.begin() + family.parameter_count}};
+    if (as_searched) motion.search = family.search;
+    for (std::size_t i = 0; i < model.parameter_count(); ++i) {
+        if (held(i)) motion.ranges[i] = fitting::kHeld;
     }
-    if (request.shift) ranges.push_back(fitting::kBelowMin);
-    return ranges;
+    if (request.shift) motion.ranges.push_back(fitting::kBelowMin);
+    return motion;
 }
 
 class Search {
@@ -42,7 +47,7 @@ class Search {
           representatives_(observations.representatives()),
           sample_(representatives_),
           deadline_(deadline),
-          ranges_(ranges_of(model, request)) {
+          motion_(motion_of(model, request)) {
         check_request();
     }
 
@@ -81,7 +86,7 @@ class Search {
     const std::vector<double> representatives_;
     const Sample sample_;
     const Deadline deadline_;
-    std::vector<Range> ranges_;
+    Motion motion_;
 };
 
 /// An end of the support that is a datum counts as two parameters: the likelihood ratio has two degrees of freedom for it,
@@ -191,7 +196,7 @@ std::vector<Candidate> Search::climbed(const std::vector<Parameters>& places, Cr
     constexpr double kRoughly = 1e-2;
     constexpr std::size_t kMost = 8, kFew = 3;
     constexpr std::array<std::size_t, 2> kParts = {250, 2000};
-    const bool ends = std::ranges::any_of(ranges_, is_end);
+    const bool ends = std::ranges::any_of(motion_.ranges, is_end);
     std::size_t kept = criterion == Criterion::cells ? kFew
                        : ends                        ? kMost
                                                      : static_cast<std::size_t>(model_.family->climbs);
@@ -204,7 +209,7 @@ std::vector<Candidate> Search::climbed(const std::vector<Parameters>& places, Cr
         if (all.size() > kept) all.resize(kept);
         for (Candidate& candidate : all) {
             if (to_climb && candidate.value > -HUGE_VAL)
-                candidate = ascent.climb(candidate.place, ranges_, kRoughly);
+                candidate = ascent.climb(candidate.place, motion_, kRoughly);
         }
         std::ranges::stable_sort(all, std::greater<>(), &Candidate::value);
         kept = std::min(kept, kFew);
@@ -227,10 +232,11 @@ std::optional<Estimate> Search::best_of(const std::vector<Candidate>& candidates
     double highest = -HUGE_VAL;
     for (Candidate candidate : candidates) {
         if (!(candidate.value > highest - kToGain)) continue;
-        const Candidate top = ascent.climb(candidate.place, ranges_, kToTheTop);
+        const Candidate top = ascent.climb(candidate.place, motion_, kToTheTop);
         if (top.value > candidate.value) candidate = top;
         if (!(candidate.value > highest + kSame)) continue;
-        if (const auto place = on_datum(candidate.place, ranges_, ascent.extent()); place && cell == 0) {
+        if (const auto place = on_datum(candidate.place, motion_.ranges, ascent.extent());
+            place && cell == 0) {
             // A density that is finite at the end of its support has its maximum there.
             const Candidate end = ascent.candidate(*place);
             if (!(end.value >= candidate.value - kSame)) continue;
@@ -238,7 +244,7 @@ std::optional<Estimate> Search::best_of(const std::vector<Candidate>& candidates
             highest = end.value;
             continue;
         }
-        Ascent::End end = ascent.end_of(candidate, ranges_);
+        Ascent::End end = ascent.end_of(candidate, motion_);
         if (end.nature == Nature::ascending) continue;
         const Kind kind = end.nature == Nature::level ? Kind::edge : cell > 0 ? Kind::cells : Kind::regular;
         highest = end.candidate.value;
@@ -261,7 +267,7 @@ std::vector<Parameters> Search::places_by_spacings(const std::vector<Parameters>
     std::vector<Parameters> found;
     for (const Candidate& candidate : all) {
         if (candidate.value > -HUGE_VAL)
-            found.push_back(spacings.climb(candidate.place, ranges_, 1e-2).place);
+            found.push_back(spacings.climb(candidate.place, motion_, 1e-2).place);
     }
     return found;
 }
@@ -284,15 +290,15 @@ Estimate Search::with_whole(std::size_t place, const Parameters& start) const {
     constexpr double kMost = 1e9, kRoughly = 1e-5, kSame = 1e-4;
     constexpr int kMostTrials = 100;
     const Ascent ascent = this->ascent(Criterion::density);
-    std::vector<Range> ranges = ranges_;
-    ranges[place] = fitting::kHeld;
+    Motion motion = motion_;
+    motion.ranges[place] = fitting::kHeld;
     std::map<double, Candidate> tried;
     Parameters from = start;
     const auto value = [&](double whole) {
         const auto known = tried.find(whole);
         if (known != tried.end()) return known->second.value;
         from[place] = whole;
-        const Candidate& end = tried[whole] = ascent.climb(from, ranges, kRoughly);
+        const Candidate& end = tried[whole] = ascent.climb(from, motion, kRoughly);
         if (end.value > -HUGE_VAL) from = end.place;
         return end.value;
     };
@@ -316,8 +322,8 @@ Estimate Search::with_whole(std::size_t place, const Parameters& start) const {
     // From there on a larger number changes nothing.
     const bool level = value(std::min(2 * best, kMost)) > highest - kSame;
     const Candidate& rough = tried.at(best);
-    const Candidate top = ascent.climb(rough.place, ranges, 1e-9);
-    Ascent::End end = ascent.end_of(top.value > rough.value ? top : rough, ranges);
+    const Candidate top = ascent.climb(rough.place, motion, 1e-9);
+    Ascent::End end = ascent.end_of(top.value > rough.value ? top : rough, motion);
     Estimate found =
         finished(end.candidate, level ? Kind::edge : Kind::regular, std::move(end.inverse_information));
     found.whole = static_cast<int>(place);
@@ -329,22 +335,24 @@ void Search::free_ends(std::vector<Parameters>& places) {
     const double beyond = sample_.range() / observations_.count();
     for (std::size_t i = 0; i < model_.parameter_count(); ++i) {
         const bool fixed = i < request_.held.size() && !std::isnan(request_.held[i]);
-        if (ranges_[i].kind != RangeKind::held || fixed) continue;
+        if (motion_.ranges[i].kind != RangeKind::held || fixed) continue;
         const double at = places.front()[i];
         if (at != sample_.min() && at != sample_.max()) continue;
-        ranges_[i] = at == sample_.min() ? fitting::kBelowMin : fitting::kAboveMax;
-        if (at == sample_.min() && at > 0 && beyond >= at) ranges_[i] = fitting::kPositiveBelowMin;
+        motion_.ranges[i] = at == sample_.min() ? fitting::kBelowMin : fitting::kAboveMax;
+        if (at == sample_.min() && at > 0 && beyond >= at) motion_.ranges[i] = fitting::kPositiveBelowMin;
         for (Parameters& place : places)
-            place[i] = at == sample_.max() ? at + beyond : ranges_[i].lower == 0 ? 0.5 * at : at - beyond;
+            place[i] = at == sample_.max()            ? at + beyond
+                       : motion_.ranges[i].lower == 0 ? 0.5 * at
+                                                      : at - beyond;
     }
 }
 
 /// Families whose start is the maximum begin anew, as do those with an end at the data.
 Estimate Search::from(const Estimate& start) {
-    const bool ends = std::ranges::any_of(ranges_, is_end);
+    const bool ends = std::ranges::any_of(motion_.ranges, is_end);
     if (model_.family->closed_form || ends || start.whole >= 0 || start.kind != Kind::regular)
         return (*this)();
-    const Candidate top = ascent(request_.method).climb(start.parameters, ranges_, 1e-8);
+    const Candidate top = ascent(request_.method).climb(start.parameters, motion_, 1e-8);
     if (!(top.value > -HUGE_VAL)) return (*this)();
     return finished(top, Kind::regular);
 }
@@ -358,8 +366,8 @@ std::optional<Estimate> Search::closed_form(const Parameters& start) const {
     const Ascent ascent = this->ascent(Criterion::density);
     const Candidate candidate = ascent.candidate(start);
     if (!(candidate.value > -HUGE_VAL)) return std::nullopt;
-    if (!std::ranges::any_of(ranges_, is_end)) return finished(candidate, Kind::regular);
-    Ascent::End end = ascent.end_of(candidate, ranges_);
+    if (!std::ranges::any_of(motion_.ranges, is_end)) return finished(candidate, Kind::regular);
+    Ascent::End end = ascent.end_of(candidate, motion_);
     if (end.nature != Nature::maximum) return std::nullopt;
     return finished(candidate, Kind::regular, std::move(end.inverse_information));
 }
@@ -369,7 +377,7 @@ Estimate Search::operator()() {
     if (places.empty()) refuse(model_, "these data give no start for the search");
     if (request_.method == Criterion::spacings) free_ends(places);
     const auto whole = whole_parameter(places.front());
-    if (whole && ranges_[*whole].kind != RangeKind::held && request_.method == Criterion::density) {
+    if (whole && motion_.ranges[*whole].kind != RangeKind::held && request_.method == Criterion::density) {
         // Real numbers between the whole ones show the way where the family has them.
         const std::vector<Candidate> real = climbed(places, Criterion::density, 0);
         const bool found = !real.empty() && real.front().value > -HUGE_VAL;
@@ -401,25 +409,25 @@ Criterion criterion_of(const Request& request, const Estimate& estimate) {
     return estimate.kind == Kind::cells ? Criterion::cells : request.method;
 }
 
-std::vector<Range> moving(const Model& model, const Request& request, const Estimate& estimate) {
-    std::vector<Range> ranges = ranges_of(model, request);
-    if (estimate.whole >= 0) ranges[static_cast<std::size_t>(estimate.whole)] = fitting::kHeld;
-    return ranges;
+Motion moving(const Model& model, const Request& request, const Estimate& estimate) {
+    Motion motion = motion_of(model, request);
+    if (estimate.whole >= 0) motion.ranges[static_cast<std::size_t>(estimate.whole)] = fitting::kHeld;
+    return motion;
 }
 
 }  // namespace
 
 LocalView::LocalView(const Model& model, const Observations& observations, const Request& request,
                      const Estimate& estimate)
-    : ranges_(moving(model, request, estimate)),
+    : motion_(moving(model, request, estimate)),
       extent_(extent_of(observations, estimate.cell)),
       likelihood_(model, observations, criterion_of(request, estimate), request.shift, estimate.cell),
-      coordinates_(ranges_, estimate.parameters, extent_),
-      centre_(coordinates_.point(estimate.parameters)),
+      chart_(motion_, estimate.parameters, extent_),
+      centre_(chart_.point(estimate.parameters)),
       known_(estimate.inverse_information) {}
 
 bool LocalView::end_on_datum(const Parameters& parameters) const {
-    return on_datum(parameters, ranges_, extent_).has_value();
+    return on_datum(parameters, motion_.ranges, extent_).has_value();
 }
 
 std::vector<double> LocalView::gradient(const std::function<double(const Parameters&)>& of) const {
@@ -450,7 +458,7 @@ SquareMatrix LocalView::covariance() const {
 SquareMatrix covariance(const Model& model, const Observations& observations, const Request& request,
                         const Estimate& estimate) {
     const std::size_t count = model.parameter_count() + request.shift;
-    const std::vector<Range> ranges = moving(model, request, estimate);
+    const Motion motion = moving(model, request, estimate);
     const LocalView view(model, observations, request, estimate);
     const SquareMatrix of_coordinates = view.covariance();
     const bool known = of_coordinates.size() > 0;
@@ -468,7 +476,9 @@ SquareMatrix covariance(const Model& model, const Observations& observations, co
             const auto fixed = [&](std::size_t place) {
                 return place < request.held.size() && !std::isnan(request.held[place]);
             };
-            const auto moves = [&](std::size_t place) { return ranges[place].kind != RangeKind::held; };
+            const auto moves = [&](std::size_t place) {
+                return motion.ranges[place].kind != RangeKind::held;
+            };
             const bool both_known = (fixed(i) || moves(i)) && (fixed(j) || moves(j));
             result(i, j) = result(j, i) = fixed(i) || fixed(j)  ? 0
                                           : known && both_known ? sum

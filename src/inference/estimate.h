@@ -10,10 +10,8 @@
 #include <string>
 #include <vector>
 
-#include "fitting/coordinates.h"
 #include "fitting/deadline.h"
-#include "inference/curvature.h"
-#include "inference/likelihood.h"
+#include "inference/ascent.h"
 
 namespace pral::inference {
 
@@ -61,9 +59,7 @@ class LocalView {
 
     std::size_t size() const { return centre_.size(); }
     const fitting::Point& centre() const { return centre_; }
-    fitting::Parameters parameters(std::span<const double> point) const {
-        return coordinates_.parameters(point);
-    }
+    fitting::Parameters parameters(std::span<const double> point) const { return chart_.parameters(point); }
     double operator()(std::span<const double> point) const { return likelihood_(parameters(point)); }
     /// Whether an end of the support is as good as on a datum.
     bool end_on_datum(const fitting::Parameters& parameters) const;
@@ -73,10 +69,10 @@ class LocalView {
     SquareMatrix covariance() const;
 
   private:
-    std::vector<fitting::Range> ranges_;
+    Motion motion_;
     fitting::Extent extent_;
     Likelihood likelihood_;
-    fitting::Coordinates coordinates_;
+    Chart chart_;
     fitting::Point centre_;
     SquareMatrix known_;
 };

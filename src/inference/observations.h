@@ -91,8 +91,7 @@ class Observations {
     /// About so many of them, at equal distances in their order, with the first and the last; all where they are no more.
     Observations part(std::size_t size) const;
 
-    /// The unit in which the values have been recorded: the largest number of which all are multiples, among those with
-    /// few decimal digits; where they have too many digits, the smallest distance of two of them.
+    /// In which the exact values have been written down.
     double recording_unit() const;
 
   private:
