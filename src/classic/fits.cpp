@@ -47,9 +47,9 @@ fitting::Parameters remembered_fit(const FitDescriptor& descriptor, std::span<co
     const FitKey key = {call.key != nullptr ? call.key : descriptor.name,
                         descriptor.code,
                         call.uncertainty,
-                        call.TruncMin,
-                        call.TruncMax,
-                        call.firstParameter != nullptr ? *call.firstParameter : kNotGiven};
+                        call.TruncMin.value_or(kNotGiven),
+                        call.TruncMax.value_or(kNotGiven),
+                        call.firstParameter.value_or(kNotGiven)};
     if (const fitting::Parameters* known = kept ? memory.results.find(key, data) : nullptr) return *known;
     const auto [parameters, evaluations] = fitting::fit(family_of(descriptor), data, call, deadline);
     memory.evaluations += evaluations;
@@ -100,25 +100,25 @@ bool FitDistribution(FitDescriptor& descriptor, std::span<const double> data, co
     return undo.success;
 }
 
-bool EvaluateFitted(const FitDescriptor& descriptor, std::span<double> out, const double* U, double TruncMin,
-                    double TruncMax) {
+bool EvaluateFitted(const FitDescriptor& descriptor, std::span<double> out, std::optional<double> U,
+                    std::optional<double> TruncMin, std::optional<double> TruncMax) {
+    const double* const percentile = U ? &*U : nullptr;
     return unless_failed([&] {
         family_of(descriptor)
             .values(out, descriptor.params.data(), fitting::limits_of(TruncMin, TruncMax),
-                    percentile_given(U) ? U : nullptr, random_stream());
+                    percentile_given(percentile) ? percentile : nullptr, random_stream());
     });
 }
 
-bool FitAndEvaluate(FitDescriptor& descriptor, std::span<double> out, std::span<const double> data, double U,
-                    const FitCall& call) {
+bool FitAndEvaluate(FitDescriptor& descriptor, std::span<double> out, std::span<const double> data,
+                    std::optional<double> U, const FitCall& call) {
     if (!within_bounds(data, call) || !FitDistribution(descriptor, data, call)) return false;
-    if (!EvaluateFitted(descriptor, out, U == kNotGiven ? nullptr : &U, call.TruncMin, call.TruncMax))
-        return false;
+    if (!EvaluateFitted(descriptor, out, U, call.TruncMin, call.TruncMax)) return false;
     return out.empty() || std::fabs(out.front()) < numerics::kInfinity;
 }
 
-double FitLogLikelihood(const FitDescriptor& descriptor, std::span<const double> data, double TruncMin,
-                        double TruncMax, double shift) {
+double FitLogLikelihood(const FitDescriptor& descriptor, std::span<const double> data,
+                        std::optional<double> TruncMin, std::optional<double> TruncMax, double shift) {
     std::vector<double> moved(data.begin(), data.end());
     for (double& value : moved) value = value - shift + 0.0;  // no -0.0
     const double log = fitting::log_likelihood(family_of(descriptor), descriptor.params, Sample(moved),
@@ -141,8 +141,8 @@ struct Data {
     FitCall call() const {
         FitCall request;
         request.uncertainty = uncertainty;
-        request.TruncMin = TruncMin;
-        request.TruncMax = TruncMax;
+        request.TruncMin = if_given(TruncMin);
+        request.TruncMax = if_given(TruncMax);
         request.key = key;
         return request;
     }
@@ -161,7 +161,7 @@ bool fit_values(int code, double* out, int count, const Data& data, double U) {
         if (!turn) return fail(kOverlap);
         FitDescriptor descriptor(code);
         const std::span<double> values(out, static_cast<std::size_t>(size));
-        const bool success = FitAndEvaluate(descriptor, values, data.values(), U, data.call());
+        const bool success = FitAndEvaluate(descriptor, values, data.values(), if_given(U), data.call());
         if (!success) std::ranges::fill(values, 0.0);
         return success;
     });
@@ -279,8 +279,8 @@ bool PralFitLogLikelihood_Core(double* out, const char* distribution, const doub
         const pral::Turnstile::Turn turn(fits);
         if (!turn) return pral::fail(kOverlap);
         std::copy_n(parameters, count, descriptor.params.begin());
-        *out =
-            FitLogLikelihood(descriptor, given.values(), TruncMin, TruncMax, shift != nullptr ? *shift : 0);
+        *out = FitLogLikelihood(descriptor, given.values(), if_given(TruncMin), if_given(TruncMax),
+                                shift != nullptr ? *shift : 0);
         if (*out > -pral::numerics::kInfinity) *out *= pral::numerics::kLn10;
         return true;
     });
@@ -293,7 +293,7 @@ bool PralDiscreteFit_Core(double* out, const double* data, int n, int* uncertain
     return pral::guarded(out, count, [&](int size) {
         const Data given = {data, n, is_set(uncertainty), TruncMin, TruncMax, key};
         if (!given.check() || !within_bounds(given.values(), given.call())) return false;
-        const pral::Limits limits = pral::fitting::limits_of(TruncMin, TruncMax);
+        const pral::Limits limits = pral::fitting::limits_of(if_given(TruncMin), if_given(TruncMax));
         const int mode =
             limits.given ? (limits.min_is_percentile ? 2 : 0) + (limits.max_is_percentile ? 1 : 0) : -1;
         return pral::array_member({out, static_cast<std::size_t>(size)}, Empirical(given).table,

@@ -2,6 +2,7 @@
 // process.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 
@@ -10,7 +11,11 @@
 
 namespace pral::classic {
 
-using fitting::kNotGiven;
+/// Stands for a bound, a percentile or a first parameter that is not given.
+inline constexpr double kNotGiven = 1e100;
+inline std::optional<double> if_given(double number) {
+    return number != kNotGiven ? std::optional(number) : std::nullopt;
+}
 
 /// The distribution to be fitted and its parameters: -DBL_MAX before a fit and after one that has failed.
 struct FitDescriptor {
@@ -35,18 +40,18 @@ struct FitCall : fitting::FitRequest {
 /// refuses without a message leave the text as it is.
 bool FitDistribution(FitDescriptor& descriptor, std::span<const double> data, const FitCall& call);
 
-/// Fits and fills `out` with values of the fitted distribution: at percentile U, or draws when U is kNotGiven or -1. Data
-/// outside the bounds fail without a message.
-bool FitAndEvaluate(FitDescriptor& descriptor, std::span<double> out, std::span<const double> data, double U,
-                    const FitCall& call);
+/// Fits and fills `out` with values of the fitted distribution: at percentile U, or draws without one, or with -1. Data outside
+/// the bounds fail without a message.
+bool FitAndEvaluate(FitDescriptor& descriptor, std::span<double> out, std::span<const double> data,
+                    std::optional<double> U, const FitCall& call);
 
 /// The base-10 log-likelihood of the data at the descriptor's parameters, which may be real numbers where the distribution
 /// has integers; -DBL_MAX where there is none.
-double FitLogLikelihood(const FitDescriptor& descriptor, std::span<const double> data, double TruncMin,
-                        double TruncMax, double shift = 0);
+double FitLogLikelihood(const FitDescriptor& descriptor, std::span<const double> data,
+                        std::optional<double> TruncMin, std::optional<double> TruncMax, double shift = 0);
 
-/// Fills `out` with values of the distribution at the descriptor's parameters; draws when U is null or -1.
-bool EvaluateFitted(const FitDescriptor& descriptor, std::span<double> out, const double* U, double TruncMin,
-                    double TruncMax);
+/// Fills `out` with values of the distribution at the descriptor's parameters, likewise.
+bool EvaluateFitted(const FitDescriptor& descriptor, std::span<double> out, std::optional<double> U,
+                    std::optional<double> TruncMin, std::optional<double> TruncMax);
 
 }  // namespace pral::classic

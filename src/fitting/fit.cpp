@@ -62,9 +62,9 @@ class Fit {
     }
 
     FitResult operator()() {
-        if (given(request_.TruncMin) && x_.min() < request_.TruncMin)
+        if (request_.TruncMin && x_.min() < *request_.TruncMin)
             throw Failure(message(family_, "TruncData minimum must be <= min(data)"));
-        if (given(request_.TruncMax) && request_.TruncMax < x_.max())
+        if (request_.TruncMax && *request_.TruncMax < x_.max())
             throw Failure(message(family_, "TruncData maximum must be >= max(data)"));
         EstimateStartParameters();
         if (shifting()) choose_shift();
@@ -103,7 +103,7 @@ class Fit {
         throw Failure(family_.own_search ? message(family_, "Unable to perform the fit")
                                          : "Error: Unable to perform a fit from selected data");
     }
-    bool truncated() const { return given(request_.TruncMin) || given(request_.TruncMax); }
+    bool truncated() const { return request_.TruncMin || request_.TruncMax; }
     bool shifting() const { return request_.shift != nullptr; }
     std::size_t parameter_count() const { return static_cast<std::size_t>(family_.parameter_count); }
     double& shift(Parameters& parameters) const { return parameters[parameter_count()]; }
@@ -162,22 +162,14 @@ class Fit {
 /// The places where the search may begin; the first, checked, becomes the parameters.
 void Fit::EstimateStartParameters() {
     std::optional<Sample> moved;
-    if (shifting() && !given(request_.TruncMin) && *request_.shift != 0)
-        moved.emplace(less(x_, *request_.shift));
+    if (shifting() && !request_.TruncMin && *request_.shift != 0) moved.emplace(less(x_, *request_.shift));
     const Sample& x = moved ? *moved : x_;
-    const double* first = nullptr;
-    if (family_.begins_with_count && request_.firstParameter != nullptr) {
-        held_ = given(*request_.firstParameter);
-        if (held_)
-            first = request_.firstParameter;
-        else
-            *request_.firstParameter = x.max();
-    }
-    Starts starts =
-        std::isfinite(x.mean())
-            ? family_.starts({x, first, deadline_, given(request_.TruncMin) ? request_.TruncMin : -HUGE_VAL,
-                              given(request_.TruncMax) ? request_.TruncMax : HUGE_VAL})
-            : Starts{Parameters{numerics::kNaN}};
+    held_ = family_.begins_with_count && request_.firstParameter;
+    const double* const first = held_ ? &*request_.firstParameter : nullptr;
+    Starts starts = std::isfinite(x.mean())
+                        ? family_.starts({x, first, deadline_, request_.TruncMin.value_or(-HUGE_VAL),
+                                          request_.TruncMax.value_or(HUGE_VAL)})
+                        : Starts{Parameters{numerics::kNaN}};
     if (starts.objection != nullptr) throw Failure(starts.objection);
     if (starts.places.empty()) starts.places = {Parameters{numerics::kNaN}};
     places_ = std::move(starts.places);
@@ -219,13 +211,13 @@ void Fit::keep_possible_places(const Sample& x) {
 void Fit::choose_shift() {
     constexpr double kLowPercentile = 0.0001, kMargin = 0.01;
     double low = 0, start = *request_.shift;
-    if (given(request_.TruncMin)) {
+    if (request_.TruncMin) {
         try {
             RandomStream unused;
             family_.values({&low, 1}, parameters_.data(), limits_, &kLowPercentile, unused);
         } catch (const Failure&) {  // the place has no distribution: the search may find one
         }
-        start = low <= request_.TruncMin ? 0 : request_.TruncMin - low - kMargin;
+        start = low <= *request_.TruncMin ? 0 : *request_.TruncMin - low - kMargin;
     }
     for (Parameters& place : places_) shift(place) = start;
     shift(parameters_) = start;
@@ -500,8 +492,8 @@ std::string timeout_message(const FittedFamily& family) {
 
 bool within_bounds(std::span<const double> data, const FitRequest& request) {
     const Sample x(data);
-    return !(given(request.TruncMin) && x.min() < request.TruncMin) &&
-           !(given(request.TruncMax) && x.max() > request.TruncMax);
+    return !(request.TruncMin && x.min() < *request.TruncMin) &&
+           !(request.TruncMax && x.max() > *request.TruncMax);
 }
 
 double log_likelihood(const FittedFamily& family, const Parameters& parameters, const Sample& x,

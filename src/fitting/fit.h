@@ -2,6 +2,7 @@
 // time, numbers of a stream and memory are the caller's.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -11,15 +12,10 @@
 
 namespace pral::fitting {
 
-/// Stands for a bound or a first parameter that is not given.
-inline constexpr double kNotGiven = 1e100;
-inline bool given(double bound) { return bound != kNotGiven; }
-
 /// The bounds of a fit: a side that is not given is a percentile at its end.
-inline Limits limits_of(double lower, double upper) {
-    const bool below = given(lower), above = given(upper);
-    if (!below && !above) return {};
-    return {below ? lower : 0, above ? upper : 1, !below, !above, true};
+inline Limits limits_of(std::optional<double> lower, std::optional<double> upper) {
+    if (!lower && !upper) return {};
+    return {lower.value_or(0), upper.value_or(1), !lower, !upper, true};
 }
 
 /// What is needed to fit the family of that name; null where it cannot be fitted.
@@ -27,13 +23,13 @@ const FittedFamily* fitted_family(std::string_view name);
 
 /// How to fit. Bounds tell that the data are a truncated sample.
 struct FitRequest {
-    double TruncMin = kNotGiven, TruncMax = kNotGiven;
+    std::optional<double> TruncMin, TruncMax;
     /// Fitted as well, from this start; bounds hold before the shift is added.
     double* shift = nullptr;
     /// In addition to the estimator's.
     const double* startValues = nullptr;
-    /// Fixes the count of families that begin with one; receives the count used.
-    double* firstParameter = nullptr;
+    /// Fixes the count of families that begin with one.
+    std::optional<double> firstParameter;
 };
 
 struct FitResult {
