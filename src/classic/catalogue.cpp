@@ -1,6 +1,9 @@
 #include "classic/catalogue.h"
 
 #include <array>
+#include <optional>
+
+#include "classic/fit_forms.h"
 
 namespace pral::classic {
 
@@ -147,14 +150,16 @@ constexpr CatalogueRow kRows[] = {
 };
 static_assert(std::size(kRows) == 137);
 
-using Families = std::array<const fitting::FittedFamily*, std::size(kRows)>;
+using Families = std::array<std::optional<fitting::FittedFamily>, std::size(kRows)>;
 
 /// The families by code, found by their names.
 Families families_by_code() {
     constexpr std::size_t kPrefix = std::string_view("Pral").size();
     Families families = {};
-    for (std::size_t code = 0; code < families.size(); ++code)
-        families[code] = fitting::fitted_family(std::string_view(kRows[code].name).substr(kPrefix));
+    for (std::size_t code = 0; code < families.size(); ++code) {
+        if (const auto* family = fitting::fitted_family(std::string_view(kRows[code].name).substr(kPrefix)))
+            families[code] = in_classic_form(*family);
+    }
     return families;
 }
 
@@ -171,9 +176,9 @@ int code_of(std::string_view name) {
 
 const fitting::FittedFamily* fitted_family(int code) {
     static const Families families = families_by_code();
-    return code >= 0 && static_cast<std::size_t>(code) < families.size()
-               ? families[static_cast<std::size_t>(code)]
-               : nullptr;
+    if (code < 0 || static_cast<std::size_t>(code) >= families.size()) return nullptr;
+    const auto& family = families[static_cast<std::size_t>(code)];
+    return family ? &*family : nullptr;
 }
 
 }  // namespace pral::classic

@@ -11,6 +11,7 @@
 #include "classic/fit_memory.h"
 #include "classic/fits.h"
 #include "classic/members.h"
+#include "classic/short_cuts.h"
 #include "classic/stream.h"
 #include "distributions/families.h"
 #include "distributions/real_counts.h"
@@ -334,7 +335,7 @@ bool PralDiscreteFitProb10_Core(double* out, double* x, int count, const double*
                                       const int* cumulative, const int* boundsMode, const double* boundsMin, \
                                       const double* boundsMax, const double* shift) {                        \
         return pral::guarded(out, 1, [&](int) {                                                              \
-            return pral::probability_member(out, x, count, TYPE ARGUMENTS, cumulative,                       \
+            return pral::probability_member(out, x, count, pral::classic::Form<TYPE> ARGUMENTS, cumulative,  \
                                             {nullptr, boundsMode, boundsMin, boundsMax, shift},              \
                                             pral::Scale::natural_log);                                       \
         });                                                                                                  \

@@ -4,8 +4,11 @@
 
 #include <cmath>
 #include <span>
+#include <type_traits>
 
 #include "classic/call.h"
+#include "classic/forms.h"
+#include "classic/kept.h"
 #include "classic/stream.h"
 #include "distributions/draws.h"
 #include "distributions/joint.h"
@@ -44,18 +47,18 @@ inline double shifted(double value, const double* shift) {
 
 inline bool percentile_given(const double* U) { return U != nullptr && *U != -1.0; }
 
-/// Whether the family rounds its values to integers only after the shift.
+/// Whether values are rounded to integers only after the shift.
 template <Family D>
-bool rounds_after_shift(const D& d) {
-    if constexpr (requires { d.rounds_after_shift(); })
-        return d.rounds_after_shift();
+bool rounds_after_shift(const D& d, const double* shift) {
+    if constexpr (classic::RoundedAfterShift<D>)
+        return shift != nullptr && d.approximates();
     else
         return false;
 }
 
 /// The shifted and then rounded value at percentile 0 < u < 1 of such a family.
-template <Family D>
-double rounded_value(double u, const Truncated<D>& kept, double shift) {
+template <class Kept>
+double rounded_value(double u, const Kept& kept, double shift) {
     double value = kept.quantile(u) + shift;
     if constexpr (requires { kept.quantile_unrounded(u); })
         value = std::trunc(kept.quantile_unrounded(u) + shift);
@@ -63,15 +66,18 @@ double rounded_value(double u, const Truncated<D>& kept, double shift) {
 }
 
 /// The shifted value at percentile u, ends included; `bare` calls may use a generator of the family's own.
-template <Family D>
-double value_at(double u, const Truncated<D>& kept, const double* shift, bool bare) {
-    const D& d = kept.base();
-    const bool at_an_end = u == 1 || (u == 0 && !Truncated<D>::kOwnBounds);
-    if (const auto point = d.point_mass(); point && !(at_an_end && requires { D::kEndsFirst; }))
+template <class Kept>
+double value_at(double u, const Kept& kept, const double* shift, bool bare) {
+    const auto& d = kept.base();
+    using D = std::remove_cvref_t<decltype(d)>;
+    const bool at_an_end = u == 1 || (u == 0 && !requires { Kept::kBeginsWithZeros; });
+    if (const auto point = d.point_mass(); point && !(at_an_end && classic::kEndsFirst<D>))
         return shifted(*point, shift);
     if (at_an_end) return shifted(u == 0 ? kept.lower() : kept.upper(), shift);
-    if (rounds_after_shift(d) && shift != nullptr) return rounded_value(u, kept, *shift);
-    if constexpr (requires { d.random(u, random_stream()); }) {
+    if (rounds_after_shift(d, shift)) return rounded_value(u, kept, *shift);
+    if constexpr (requires { kept.random(random_stream()); }) {
+        if (bare) return shifted(kept.random(random_stream()), shift);
+    } else if constexpr (requires { d.random(u, random_stream()); }) {
         if (bare) return shifted(d.random(u, random_stream()), shift);
     }
     return shifted(kept.limited(kept.quantile(u)), shift);
@@ -80,9 +86,9 @@ double value_at(double u, const Truncated<D>& kept, const double* shift, bool ba
 /// PralX_Core: checks bounds, then the percentile (drawn when not given), then the parameters.
 template <Family D>
 bool value_member(double* out, const D& d, const Modifiers& given) {
-    const Message objection = d.check();
+    const Message objection = classic::sampling_objection(d);
     const Limits limits = given.limits();
-    const Truncated<D> kept(d, objection == nullptr, limits);
+    const classic::Kept<D> kept(d, objection == nullptr, limits);
     if (!check_bounds(kept, limits)) return false;
     const double u = percentile_given(given.U) ? *given.U : random_stream().uniform();
     if (!(u >= 0 && u <= 1)) return fail(kPercentileMessage);
@@ -92,19 +98,22 @@ bool value_member(double* out, const D& d, const Modifiers& given) {
 }
 
 /// value_at() of a call that is not bare.
-template <Family D>
-double value_apart(double u, const Truncated<D>& kept, const double* shift) {
-    if constexpr (requires { kept.base().rounds_after_shift(); }) return value_at(u, kept, shift, false);
-    return shifted(value_at_percentile(kept, u), shift);
+template <class Kept>
+double value_apart(double u, const Kept& kept, const double* shift) {
+    using D = std::remove_cvref_t<decltype(kept.base())>;
+    if constexpr (std::is_same_v<Kept, Truncated<D>> && !classic::kEndsFirst<D>)
+        return shifted(value_at_percentile(kept, u), shift);
+    else
+        return value_at(u, kept, shift, false);
 }
 
 /// PralXArray_Core: one inverted draw an element, never a special generator; a given percentile fills the
 /// array.
 template <Family D>
 bool array_member(std::span<double> out, const D& d, const Modifiers& given) {
-    const Message objection = d.check();
+    const Message objection = classic::sampling_objection(d);
     const Limits limits = given.limits();
-    const Truncated<D> kept(d, objection == nullptr, limits);
+    const classic::Kept<D> kept(d, objection == nullptr, limits);
     if (!check_bounds(kept, limits)) return false;
     const bool same = percentile_given(given.U);
     if (same && !(*given.U >= 0 && *given.U <= 1)) return fail(kPercentileMessage);
@@ -115,7 +124,7 @@ bool array_member(std::span<double> out, const D& d, const Modifiers& given) {
         std::ranges::fill(out, value_apart(u, kept, given.shift));
         return true;
     }
-    if (rounds_after_shift(d) && given.shift != nullptr) {
+    if (rounds_after_shift(d, given.shift)) {
         random_stream().fill(out);
         for (double& value : out) value = rounded_value(value, kept, *given.shift);
         return true;
@@ -141,7 +150,7 @@ template <Family D>
 bool probability_member(double* out, double* x, int count, const D& d, const int* cumulative,
                         const Modifiers& given, Scale scale) {
     if (!shift_values(x, count, given.shift)) return false;
-    const Message objection = check_probability(d);
+    const Message objection = classic::objection_to_probability(d);
     const Limits limits = given.limits();
     const Truncated<D> kept(d, objection == nullptr, limits);
     if (!check_bounds(kept, limits)) return false;

@@ -6,6 +6,7 @@
 #include "classic/core_api.h"
 #include "classic/factor_memory.h"
 #include "classic/members.h"
+#include "classic/short_cuts.h"
 #include "classic/stream.h"
 #include "classic/vectors.h"
 #include "matrix/matrix.h"
@@ -30,6 +31,13 @@ using pral::multivariate::wait_for_trials;
 using pral::multivariate::wait_for_urn;
 
 namespace {
+
+template <class Count>
+Message draw_count(double& out, double number, double p, pral::RandomStream& stream) {
+    return pral::draw(out, pral::classic::Form<Count>(number, p), stream);
+}
+/// Large counts are approximated here, too.
+constexpr pral::multivariate::CountDraws kDraws = {draw_count<pral::Binomial>, draw_count<pral::NegBin>};
 
 constexpr Message kTooSmall = "Error: the number of elements in otput array too small";
 constexpr Message kCutOff = "Error: the number of elements in otput array must be equal w";
@@ -132,7 +140,7 @@ bool multinomial(double* out, int size, double n, const double* p, int k) {
     if (!all_probabilities(probabilities)) return fail("Error: p must be between [0,1]");
     if (!sums_to_one(probabilities)) return fail("Error: p must sum up to 1");
     return succeeded(
-        share_by_probability(n, probabilities, pral::multivariate::kNoGroup, out, random_stream()));
+        share_by_probability(n, probabilities, pral::multivariate::kNoGroup, out, random_stream(), kDraws));
 }
 
 bool multinomial_probability(double* result, const double* counts, int ns, const double* probabilities,
@@ -241,7 +249,7 @@ bool trials_excess(double* out, int size, const double* s, int ns, const double*
         if (size < ns) return fail(kTooSmall);
         const Vector quota = vector_of(s, ns);
         std::vector<double> counts;
-        const Message objection = wait_for_trials(quota, vector_of(p, np), counts, random_stream());
+        const Message objection = wait_for_trials(quota, vector_of(p, np), counts, random_stream(), kDraws);
         return write_excess(out, objection, counts, quota);
     });
 }
@@ -320,7 +328,7 @@ bool PralNegMultinomial_Core(double* out, const double* s, int ns, const double*
         if (!trials_are_valid(s, ns, p, np)) return false;
         std::vector<double> counts;
         const Message objection =
-            wait_for_trials(vector_of(s, ns), vector_of(p, np), counts, random_stream());
+            wait_for_trials(vector_of(s, ns), vector_of(p, np), counts, random_stream(), kDraws);
         return write_total(out, objection, counts);
     });
 }

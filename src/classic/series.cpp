@@ -1,4 +1,5 @@
 // The exported series of prices, log returns and populations: what they check and draw stands in timeseries/.
+#include "classic/short_cuts.h"
 #include "classic/stream.h"
 #include "classic/vectors.h"
 #include "timeseries/autoregressive.h"
@@ -7,6 +8,7 @@
 #include "timeseries/population.h"
 
 using namespace pral::timeseries;
+using pral::classic::Form;
 
 namespace {
 
@@ -113,7 +115,7 @@ PRAL_EXPORT_VECTOR(TimeSeasonalGBM,
                           {LogReturn, LastValue}));
 
 PRAL_EXPORT_VECTOR(TimeYule, (double N0, double beta, double t, int logarithm), (N0, beta, t, logarithm),
-                   population(out, size, Yule{N0, beta, t}, logarithm));
+                   population(out, size, YuleOf<Form<pral::NegBin>>{N0, beta, t}, logarithm));
 
 PRAL_EXPORT_VECTOR(TimeDeath, (double N0, double beta, double t, int logarithm), (N0, beta, t, logarithm),
-                   population(out, size, Death{N0, beta, t}, logarithm));
+                   population(out, size, DeathOf<Form<pral::Binomial>>{N0, beta, t}, logarithm));

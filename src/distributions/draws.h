@@ -28,20 +28,20 @@ Message draw(double& out, const D& d, RandomStream& stream) {
 /// The value at percentile 0 <= u <= 1 of what is kept.
 template <Family D>
 [[gnu::noinline]] double value_at_percentile(const Truncated<D>& kept, double u) {
-    const bool at_an_end = u == 1 || (u == 0 && !Truncated<D>::kOwnBounds);
-    double value = at_an_end ? (u == 0 ? kept.lower() : kept.upper()) : 0;
-    if (const auto point = kept.base().point_mass(); point && !(at_an_end && requires { D::kEndsFirst; }))
-        value = *point;
-    else if (!at_an_end)
-        value = kept.limited(kept.quantile(u));
-    return numerics::finite_or_limit(value + 0.0);  // no -0.0
+    const auto value = [&] {
+        if (const auto point = kept.base().point_mass()) return *point;
+        if (u == 0) return kept.lower();
+        return u == 1 ? kept.upper() : kept.limited(kept.quantile(u));
+    };
+    return numerics::finite_or_limit(value() + 0.0);  // no -0.0
 }
 
-/// Draws of what is kept, each by inversion of a number of the stream; a point mass needs none.
-template <Family D>
-[[gnu::noinline]] void draw_each(std::span<double> out, const Truncated<D>& kept, RandomStream& stream) {
-    if (kept.base().point_mass()) {
-        std::ranges::fill(out, value_at_percentile(kept, 0.5));
+/// Draws of what is kept, a Truncated<D> or a class derived from it, each by inversion of a number of the stream; a point mass
+/// needs none.
+template <class Kept>
+[[gnu::noinline]] void draw_each(std::span<double> out, const Kept& kept, RandomStream& stream) {
+    if (const auto point = kept.base().point_mass()) {
+        std::ranges::fill(out, numerics::finite_or_limit(*point + 0.0));
         return;
     }
     stream.fill(out);

@@ -56,7 +56,6 @@ concept Distribution = requires(const D& d, double x) {
 ///   quantile_upper(q)       the inverse of the survival, without forming 1 - q
 ///   quantiles(span)         quantile() of each element, in place
 ///   quantiles_upper(span)   quantile_upper() of each element, in place
-///   exact_quantile_upper(q) where quantile_upper() is an approximation for large parameters, if approximated()
 ///   quantile_table()        a QuantileTable (quantile_table.h) for arrays, truncated or not; neither is a point mass.
 ///                           LocationScale has it for standard distributions with kCostlyQuantiles = true
 ///   log_cumulative(x)       ln F(x), where F itself loses digits or underflows
@@ -68,11 +67,6 @@ concept Distribution = requires(const D& d, double x) {
 ///                           support; without it all are
 ///   mode()                  a value of the highest density, the least of several; peak() where a parameter is called mode
 ///   random(u, stream)       a generator of its own for bare calls; u is a uniform already drawn
-///   check_probability()     the objection in the probability members, where it differs from check()
-///   kEndsFirst = true       percentiles 0 and 1 give the ends even where there is a point mass
-///   quantile_within(...)    the quantile between bounds, where it is not that of the rescaled percentile; percentile 0
-///                           need not be an end then. With quantiles_within(...) for arrays; both get a Window
-///   rounds_after_shift()    with quantile_unrounded(side, tail): values are rounded to integers after the shift
 ///   kIntegers = true        values are integers; the probability members count those within 1e-8 of one
 ///   kKnots = true           the density jumps at places inside the support
 ///   kDiscrete = true        values are a countable set: the percentile that is inverted is exactly the one that the
@@ -82,15 +76,6 @@ concept Family = Distribution<D> && requires(const D& d) {
     { d.check() } -> std::same_as<Message>;
     { d.point_mass() } -> std::same_as<std::optional<double>>;
 };
-
-/// The probability members' objection to the parameters.
-template <Family D>
-Message check_probability(const D& d) {
-    if constexpr (requires { d.check_probability(); })
-        return d.check_probability();
-    else
-        return d.check();
-}
 
 /// The two tails at a point: lower = P(X <= x), upper = P(X > x).
 struct Tails {
@@ -121,30 +106,15 @@ double quantile(const D& d, double p) {
     return d.quantile(p);
 }
 
-/// The x that leaves q above it, 0 <= q <= 1; `exactly`, even where the family approximates.
+/// The x that leaves q above it, 0 <= q <= 1.
 template <Distribution D>
-double quantile_upper(const D& d, double q, bool exactly = false) {
+double quantile_upper(const D& d, double q) {
     if (q <= 0) return d.support().upper;
     if (q >= 1) return d.support().lower;
-    if constexpr (requires { d.exact_quantile_upper(q); }) {
-        if (exactly) return d.exact_quantile_upper(q);
-    }
     if constexpr (HasUpperQuantile<D>)
         return d.quantile_upper(q);
     else
         return d.quantile(1 - q);
-}
-
-/// quantile_upper() of each element, in place.
-template <Distribution D>
-void quantiles_upper(const D& d, std::span<double> q, bool exactly = false) requires HasUpperQuantiles<D> {
-    if constexpr (requires { d.approximated(); }) {
-        if (exactly && d.approximated()) {
-            for (double& value : q) value = d.exact_quantile_upper(value);
-            return;
-        }
-    }
-    d.quantiles_upper(q);
 }
 
 /// A value as a bare call draws it, the percentile's uniform included.

@@ -10,7 +10,6 @@ template <Family D>
 struct RealCounts : D {
     using D::D;
     Message check() const { return D::check_range(); }
-    Message check_probability() const { return D::check_range(); }
 };
 
 }  // namespace pral

@@ -48,20 +48,12 @@ struct Window {
     double percentile(double u) const { return std::min(min.lower + u * mass, 1 - 0x1p-53); }
     /// The upper tail of the whole where the share `above` of the window lies higher.
     double upper_tail(double above) const { return max.upper + above * mass; }
-    /// Percentiles in it are too near to 1 for what a family makes of them where it does not invert its own tails: the
-    /// approximations of counts with large parameters.
-    bool beyond_percentiles() const { return min.upper < 1e-13; }
 };
 
 /// A family kept between two bounds. Without bounds it is the family itself.
 template <Family D>
 class Truncated {
   public:
-    /// Whether the family itself tells its quantiles between bounds.
-    static constexpr bool kOwnBounds = requires(const D& d, const Window& window) {
-        d.quantile_within(0.5, window);
-    };
-
     /// Completes the bounds; `valid` tells that the parameters are in order. Where they are not, what would
     /// have to be computed from them counts as 0, so that contradicting bounds are still found first.
     Truncated(const D& base, bool valid, const Limits& limits)
@@ -91,30 +83,36 @@ class Truncated {
     /// The percentile of the untruncated distribution at the upper bound.
     double max_percentile() const { return max_.tails.lower; }
 
+    const Window& window() const { return window_; }
+    /// No double separates the tails at the bounds: the probability is as good as all at one of them, at the lower one where
+    /// the denser side is the upper tail.
+    bool inseparable() const { return far_ && !(window_.mass > 0); }
+    Side denser_side() const { return far_side_; }
+    /// Percentile 0 < u < 1 of what is kept as a tail of the whole, where possible the smaller one.
+    Tail tail_of_base(double u) const {
+        if (!bounded_ && CountableFamily<D>) return {Side::lower, u};
+        const double p = window_.percentile(u);
+        if (p <= 0.5 || (CountableFamily<D> && !window_.above_median()))
+            return {Side::lower, std::max(p, kLeastTail)};
+        return {Side::upper, std::max(window_.upper_tail(1 - u), kLeastTail)};
+    }
+
     /// The quantile of what is kept, 0 < u < 1: that of the whole at the rescaled percentile, taken from the smaller tail.
     double quantile(double u) const {
         if (!bounded_) return base_.quantile(u);
-        if constexpr (kOwnBounds) return own_or_nearest(base_.quantile_within(u, window_));
         if (inseparable()) return nearest();
-        const auto [side, tail] = base_tail(u);
-        return limited(side == Side::lower ? pral::quantile(base_, tail)
-                                           : pral::quantile_upper(base_, tail, window_.beyond_percentiles()));
+        const auto [side, tail] = tail_of_base(u);
+        return limited(side == Side::lower ? pral::quantile(base_, tail) : pral::quantile_upper(base_, tail));
     }
 
     /// quantile() of each element, in place.
     void quantiles(std::span<double> u) const {
-        if (inseparable() && !kOwnBounds) {
+        if (inseparable()) {
             std::ranges::fill(u, nearest());
             return;
         }
         if constexpr (HasQuantiles<D>) {
             if (!bounded_) return base_.quantiles(u);
-            if constexpr (kOwnBounds) {
-                base_.quantiles_within(u, window_);
-                if (!inseparable()) return;
-                for (double& value : u) value = own_or_nearest(value);
-                return;
-            }
             if (CountableFamily<D> && !window_.above_median()) {
                 for (double& value : u) value = window_.percentile(value);
                 base_.quantiles(u);
@@ -123,8 +121,8 @@ class Truncated {
             }
             if constexpr (HasUpperQuantiles<D>) {
                 if (window_.above_median()) {
-                    for (double& value : u) value = base_tail(value).probability;
-                    pral::quantiles_upper(base_, u, window_.beyond_percentiles());
+                    for (double& value : u) value = tail_of_base(value).probability;
+                    base_.quantiles_upper(u);
                     for (double& value : u) value = limited(value);
                     return;
                 }
@@ -135,7 +133,7 @@ class Truncated {
             if (u.size() >= kTableFrom) {
                 auto table = base_.quantile_table();
                 for (double& value : u) {
-                    const auto [side, tail] = base_tail(value);
+                    const auto [side, tail] = tail_of_base(value);
                     const double x = table(side, tail);
                     value = std::isnan(x) ? quantile_apart(value) : limited(x);
                 }
@@ -143,16 +141,6 @@ class Truncated {
             }
         }
         for (double& value : u) value = quantile(value);
-    }
-
-    /// The quantile of a family that rounds its values only after the shift, before that.
-    double quantile_unrounded(double u) const requires requires(const D& d, double p) {
-        d.quantile_unrounded(Side::lower, p);
-    }
-    {
-        if (inseparable() || window_.beyond_percentiles()) return quantile(u);
-        const auto [side, tail] = base_tail(u);
-        return limited(base_.quantile_unrounded(side, tail));
     }
 
     /// x, moved to the nearer end of what is kept if rounding has led it outside.
@@ -243,20 +231,7 @@ class Truncated {
         return std::clamp(below / window_.mass, 0.0, 1.0);
     }
 
-    /// Percentile 0 < u < 1 of what is kept as a tail of the whole, where possible the smaller one.
-    Tail base_tail(double u) const {
-        if (!bounded_ && CountableFamily<D>) return {Side::lower, u};
-        const double p = window_.percentile(u);
-        if (p <= 0.5 || (CountableFamily<D> && !window_.above_median()))
-            return {Side::lower, std::max(p, kLeastTail)};
-        return {Side::upper, std::max(window_.upper_tail(1 - u), kLeastTail)};
-    }
-
-    /// No double separates the tails at the bounds: the probability is as good as all at one of them.
-    bool inseparable() const { return far_ && !(window_.mass > 0); }
     double nearest() const { return limited(far_side_ == Side::upper ? lower_ : upper_); }
-    /// The same for a family that has put its zeros aside.
-    double own_or_nearest(double x) const { return inseparable() && x != 0 ? nearest() : x; }
 
     [[gnu::noinline]] Bound complete(double number, bool is_percentile, bool valid) const {
         number += 0.0;  // no -0.0
@@ -277,7 +252,6 @@ class Truncated {
     /// The range to which values are clamped: support or bounds; for integer families the integers inside. Bounds without
     /// an integer between them leave their value as it is.
     void set_limits() {
-        if (kOwnBounds && bounded_) return;
         double least = lower_, most = upper_;
         if constexpr (IntegerFamily<D>) {
             const auto inwards = [](double end, double integer) {

@@ -49,7 +49,7 @@ Places places_beta_binomial(const CountMoments& m) {
     }
     return places;
 }
-/// The share of zeros is alpha/(alpha + beta); the variants want a beta above 2.
+/// The share of zeros is alpha/(alpha + beta).
 Places places_beta_geometric(const CountMoments& m) {
     Places places;
     const double zeros = std::clamp(m.zeros, 0.02, 0.98);
@@ -189,7 +189,7 @@ const FittedFamily kFamilies[] = {
         inflated<places_logarithmic, 1>, {.names = kInflated1}),
     fitted<ZeroInflated<RealCounts<Binomial>>, 3>("ZIBinomial", {kCount, kProbability, kProbability},
         inflated<places_binomial, 2>, {.names = kInflated2, .begins_with_count = true}),
-    fitted<ZeroInflated<RealCounts<NegBin>, NegBinChecks>, 3>("ZINegBin", {kPositive, kProbability, kProbability},
+    fitted<ZeroInflated<RealCounts<NegBin>>, 3>("ZINegBin", {kPositive, kProbability, kProbability},
         inflated<places_neg_bin, 2>, {.names = kInflated2}),
     fitted<ZIPolya, 3>("ZIPolya", {kPositive, kPositive, kProbability},
         inflated<places_polya, 2>, {.names = kInflated2}),
@@ -199,22 +199,22 @@ const FittedFamily kFamilies[] = {
         inflated<places_skellam, 2>, {.names = kInflated2}),
     fitted<ZeroInflated<RealCounts<BetaBinomial>>, 4>("ZIBetaBinomial", {kCount, kPositive, kPositive, kProbability},
         inflated<places_beta_binomial, 3>, {.names = kInflated3, .begins_with_count = true, .rounding = {0}}),
-    fitted<ZIBetaGeometric, 3>("ZIBetaGeometric", {kPositive, above(2), kProbability},
+    fitted<ZIBetaGeometric, 3>("ZIBetaGeometric", {kPositive, kPositive, kProbability},
         inflated<places_beta_geometric, 2>, {.names = kInflated2}),
-    fitted<ZeroInflated<RealCounts<BetaNegBin>, BetaNegBinChecks>, 4>("ZIBetaNegBin",
+    fitted<ZeroInflated<RealCounts<BetaNegBin>>, 4>("ZIBetaNegBin",
         {kPositive, kPositive, kPositive, kProbability}, inflated<places_beta_neg_bin, 3>, {.names = kInflated3}),
     fitted<ZTPoisson, 1>("ZTPoisson", {kPositive}, truncated<places_poisson>),
     fitted<ZTDelaporte, 3>("ZTDelaporte", {kPositive, kPositive, kPositive}, truncated<places_delaporte>),
     fitted<ZTGeometric, 1>("ZTGeometric", {kProbability}, start_zt_geometric, {.closed_form = true}),
     fitted<ZeroTruncated<RealCounts<Binomial>>, 2>("ZTBinomial", {kCount, kProbability},
         truncated<places_binomial>, {.begins_with_count = true}),
-    fitted<ZeroTruncated<RealCounts<NegBin>, NegBinChecks>, 2>("ZTNegBin", {kPositive, kProbability},
+    fitted<ZeroTruncated<RealCounts<NegBin>>, 2>("ZTNegBin", {kPositive, kProbability},
         truncated<places_neg_bin>),
     fitted<ZTPolya, 2>("ZTPolya", {kPositive, kPositive}, truncated<places_polya>),
     fitted<ZeroTruncated<RealCounts<BetaBinomial>>, 3>("ZTBetaBinomial", {kCount, kPositive, kPositive},
         truncated<places_beta_binomial>, {.begins_with_count = true, .rounding = {0}}),
-    fitted<ZTBetaGeometric, 2>("ZTBetaGeometric", {kPositive, above(2)}, truncated<places_beta_geometric>),
-    fitted<ZeroTruncated<RealCounts<BetaNegBin>, BetaNegBinChecks>, 3>("ZTBetaNegBin",
+    fitted<ZTBetaGeometric, 2>("ZTBetaGeometric", {kPositive, kPositive}, truncated<places_beta_geometric>),
+    fitted<ZeroTruncated<RealCounts<BetaNegBin>>, 3>("ZTBetaNegBin",
         {kPositive, kPositive, kPositive}, truncated<places_beta_neg_bin>),
 };
 // clang-format on

@@ -142,7 +142,7 @@ struct Member {
 
     static double log_likelihood(const double* parameters, const Sample& x, const Limits& limits) {
         const D d = of(parameters);
-        if (pral::check_probability(d) != nullptr) return -HUGE_VAL;
+        if (d.check() != nullptr) return -HUGE_VAL;
         if (const auto log_mass = log_window_mass(d, limits); log_mass && within(x, d.support(), limits))
             return pral::log_likelihood(d, x) - x.count() * *log_mass;
         const Truncated<D> kept(d, true, limits);

@@ -9,8 +9,12 @@
 
 namespace pral::multivariate {
 
+const CountDraws kPlainDraws = {
+    [](double& out, double n, double p, RandomStream& stream) { return draw(out, Binomial(n, p), stream); },
+    [](double& out, double s, double p, RandomStream& stream) { return draw(out, NegBin(s, p), stream); }};
+
 Message share_by_probability(double n, std::span<const double> p, std::size_t skipped, double* counts,
-                             RandomStream& stream) {
+                             RandomStream& stream, const CountDraws& draws) {
     std::size_t last = 0;
     for (std::size_t i = 0; i < p.size(); ++i) {
         if (i != skipped && p[i] > 0) last = i;
@@ -22,8 +26,8 @@ Message share_by_probability(double n, std::span<const double> p, std::size_t sk
         if (i == skipped || (!first && left == 0)) continue;
         first = false;
         const double rest = 1 - used, conditional = i != last && p[i] < rest ? p[i] / rest : 1;
-        const Binomial share(left, p[i] == 0 ? 0 : conditional);
-        if (const Message objection = draw(counts[i], share, stream)) return objection;
+        const double share = p[i] == 0 ? 0 : conditional;
+        if (const Message objection = draws.binomial(counts[i], left, share, stream)) return objection;
         counts[i] = std::clamp(counts[i], 0.0, left);
         left -= counts[i];
         used += p[i];
@@ -73,13 +77,14 @@ struct Urn {
 struct Trials {
     std::span<const double> p;
     RandomStream& stream;
+    const CountDraws& draws;
 
     Message wait(std::size_t g, double missing, const std::vector<double>&, double& others) const {
         // Nothing is waited for without a quota, not even where the category never comes.
-        return draw(others, NegBin{missing, missing > 0 ? p[g] : 1}, stream);
+        return draws.negative_binomial(others, missing, missing > 0 ? p[g] : 1, stream);
     }
     Message share(double n, std::size_t g, const std::vector<double>&, double* shares) const {
-        return share_by_probability(n, p, g, shares, stream);
+        return share_by_probability(n, p, g, shares, stream, draws);
     }
 };
 
@@ -91,8 +96,8 @@ Message wait_for_urn(std::span<const double> quota, std::span<const double> D, s
 }
 
 Message wait_for_trials(std::span<const double> quota, std::span<const double> p, std::vector<double>& counts,
-                        RandomStream& stream) {
-    return wait_for_quotas(quota, Trials{p, stream}, counts);
+                        RandomStream& stream, const CountDraws& draws) {
+    return wait_for_quotas(quota, Trials{p, stream, draws}, counts);
 }
 
 }  // namespace pral::multivariate

@@ -13,11 +13,18 @@ namespace pral::multivariate {
 
 inline constexpr std::size_t kNoGroup = static_cast<std::size_t>(-1);
 
+/// How counts are drawn; null, or the message of the family that refuses.
+struct CountDraws {
+    using Draw = Message (*)(double& out, double number, double p, RandomStream& stream);
+    Draw binomial, negative_binomial;
+};
+extern const CountDraws kPlainDraws;
+
 /// Shares n items among the groups but `skipped` by conditional binomials: a group takes Binomial(what is left, its
 /// probability over that of the groups not yet asked); nothing is drawn once nothing is left, but for the first
 /// group. The last group with a positive probability takes all. Writes the counts, 0 for the group skipped.
 Message share_by_probability(double n, std::span<const double> p, std::size_t skipped, double* counts,
-                             RandomStream& stream);
+                             RandomStream& stream, const CountDraws& draws = kPlainDraws);
 
 /// The same without replacement, by conditional hypergeometrics over the sizes of the groups.
 Message share_by_size(double n, std::span<const double> sizes, std::size_t skipped, double* counts,
@@ -53,6 +60,6 @@ Message wait_for_urn(std::span<const double> quota, std::span<const double> D, s
 
 /// In independent trials with probability p[g] of each category.
 Message wait_for_trials(std::span<const double> quota, std::span<const double> p, std::vector<double>& counts,
-                        RandomStream& stream);
+                        RandomStream& stream, const CountDraws& draws = kPlainDraws);
 
 }  // namespace pral::multivariate

@@ -11,8 +11,9 @@ namespace pral::timeseries {
 inline bool is_whole(double x) { return std::isfinite(x) && x == std::floor(x); }
 
 /// X_i = X_(i-1) + NegBin(X_(i-1), p), p = e^(-beta t): every individual leaves a geometric number of descendants. A
-/// population beyond the largest double stays there.
-struct Yule {
+/// population beyond the largest double stays there. `Count` is the negative binomial distribution, or a form of it.
+template <class Count>
+struct YuleOf {
     double population, beta, t;
     double p = std::exp(-beta * t);
 
@@ -23,13 +24,15 @@ struct Yule {
         return nullptr;
     }
     double next(Draws& draws) {
-        population = finite_or_limit(population + draws(NegBin{population, p}));
+        population = finite_or_limit(population + draws(Count{population, p}));
         return population;
     }
 };
+using Yule = YuleOf<NegBin>;
 
-/// X_i ~ Binomial(X_(i-1), p), p = e^(-beta t): the survivors.
-struct Death {
+/// X_i ~ Binomial(X_(i-1), p), p = e^(-beta t): the survivors. `Count` is the binomial distribution, or a form of it.
+template <class Count>
+struct DeathOf {
     double population, beta, t;
     double p = std::exp(-beta * t);
 
@@ -41,10 +44,11 @@ struct Death {
         return nullptr;
     }
     double next(Draws& draws) {
-        population = draws(Binomial{population, p});
+        population = draws(Count{population, p});
         return population;
     }
 };
+using Death = DeathOf<Binomial>;
 
 /// Counts of the population, or their base-10 logarithms when `logarithm` is not 0: -DBL_MAX for 0. Returns the first
 /// objection, or null; what has been written before it stays.

@@ -1,5 +1,5 @@
-// What is special among the families on the integers: exact hits of a percentile, large parameters against closed forms,
-// the generators of bare calls, and tables against single inversions where they have recurrences of their own.
+// What is special among the families on the integers: exact hits of a percentile, large parameters against closed forms, and
+// tables against single inversions where they have recurrences of their own.
 #include <gtest/gtest.h>
 
 #include <cfloat>
@@ -9,10 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "classic/core_api.h"
 #include "distributions/families.h"
 #include "distributions/sample.h"
-#include "support/chi_square.h"
 
 namespace {
 
@@ -176,69 +174,6 @@ TEST(Discrete, LongSumsHaveTheirClosedForms) {
         EXPECT_NEAR(both.survival(std::floor(k)) / single.survival(std::floor(k)), 1, 1e-10);
     }
     std::printf("worst %.1e\n", worst);
-}
-
-/// `counted_below` is what the cumulative at negative values tells of zeros.
-template <class D>
-void expect_fits(const char* name, const D& d, double counted_below = 0) {
-    RandomStream stream;
-    stream.seed(20240611);
-    std::vector<double> sample(20000);
-    for (double& value : sample) value = d.random(stream.uniform(), stream);
-    const double p = test::chi_square_p_value(
-        sample, [&](double k) { return tails(d, k).lower - (k < 0 ? counted_below : 0); });
-    std::printf("%-20s p = %.3f\n", name, p);
-    EXPECT_GT(p, 1e-3) << name;
-    EXPECT_LT(p, 1 - 1e-3) << name;
-}
-
-TEST(Discrete, GeneratorsOfBareCallsHaveTheirDistribution) {
-    expect_fits("Skellam", Skellam(3.5, 8));
-    expect_fits("BurntFingerPoisson", BurntFingerPoisson(1.5, 0.75));
-    expect_fits("BurntFingerPoisson", BurntFingerPoisson(2, 2));
-    expect_fits("PoissonUniform", PoissonUniform(2, 9));
-    expect_fits("ZIPoisson", ZIPoisson(3, 0.7));
-    expect_fits("ZISkellam", ZISkellam(3.5, 8, 0.4), 0.6);
-    expect_fits("ZIHypergeo", ZIHypergeo(20, 30, 100, 0.9));
-    expect_fits("ZIBetaGeometric", ZIBetaGeometric(3, 4, 0.25));
-}
-
-/// The call's own uniform is spent first; what is nested draws afresh.
-TEST(Discrete, BareCallsDrawInTheOrderTold) {
-    double out, u[4], first, second;
-    const auto draws = [&] {
-        RandomStream stream;
-        stream.seed(7);
-        for (double& value : u) value = stream.uniform();
-        PralSetRandomSeed(7);
-    };
-    draws();
-    ASSERT_TRUE(PralSkellam_Core(&out, 30, 20, nullptr, nullptr, nullptr, nullptr, nullptr));
-    PralPoisson_Core(&first, 30, &u[1], nullptr, nullptr, nullptr, nullptr);
-    PralPoisson_Core(&second, 20, &u[2], nullptr, nullptr, nullptr, nullptr);
-    EXPECT_EQ(out, first - second);
-    draws();
-    ASSERT_TRUE(PralPoissonUniform_Core(&out, 30, 50, nullptr, nullptr, nullptr, nullptr, nullptr));
-    PralPoisson_Core(&first, 30 + 20 * u[1], &u[2], nullptr, nullptr, nullptr, nullptr);
-    EXPECT_EQ(out, first);
-    draws();
-    ASSERT_TRUE(PralBurntFingerPoisson_Core(&out, 40, 30, nullptr, nullptr, nullptr, nullptr, nullptr));
-    PralExpon_Core(&first, 1.0 / 40, &u[1], nullptr, nullptr, nullptr, nullptr);
-    PralPoisson_Core(&second, (1 - first) * 30, &u[2], nullptr, nullptr, nullptr, nullptr);
-    EXPECT_EQ(out, first < 1 ? 1 + second : 0);
-    // Equal rates: the Poisson's call, its rounding after the shift included.
-    draws();
-    const double shift = 0.75;
-    ASSERT_TRUE(PralBurntFingerPoisson_Core(&out, 9000, 9000, nullptr, nullptr, nullptr, nullptr, &shift));
-    PralPoisson_Core(&first, 9000, &u[0], nullptr, nullptr, nullptr, &shift);
-    EXPECT_EQ(out, first);
-}
-
-TEST(Discrete, BurntFingerEndsAtItsLastPercentile) {
-    const BurntFingerPoisson d(3, 2);
-    EXPECT_EQ(d.quantile(0.99999999999999), DBL_MAX);
-    EXPECT_LT(d.quantile(std::nextafter(0.99999999999999, 0)), 40);
-    EXPECT_EQ(BurntFingerPoisson(3, 3).quantile(0.999999999999999), Poisson(3).quantile(0.999999999999999));
 }
 
 template <class D>

@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "classic/stream.h"
+#include "distributions/discrete/binomial.h"
+#include "distributions/discrete/negative_binomial.h"
 #include "multivariate/copula_fits.h"
 #include "multivariate/count_samplers.h"
 #include "multivariate/densities.h"
@@ -52,6 +54,27 @@ TEST(Inside, DrawsComeFromTheStreamGiven) {
         EXPECT_EQ(a.uniform(), b.uniform()) << i;
     }
     EXPECT_EQ(pral::random_stream().uniform(), first);
+}
+
+/// Large counts are the least ones that reach the percentile, where classic calls approximate them.
+TEST(Inside, LargeCountsAreExact) {
+    const Values p = {0.1, 0.9}, quota = {8334, 0}, rare = {0.25, 0.75};
+    const auto expect_least = [](const auto& d, double k, double u) {
+        EXPECT_GE(d.cumulative(k), u);
+        EXPECT_LT(d.cumulative(k - 1), u);
+    };
+    RandomStream stream, same;
+    stream.seed(5);
+    same.seed(5);
+    for (int i = 0; i < 100; ++i) {
+        Values out(2);
+        ASSERT_EQ(share_by_probability(1111112, p, kNoGroup, out.data(), stream), nullptr);
+        expect_least(pral::Binomial(1111112, 0.1), out[0], same.uniform());
+        same.uniform();  // what is left goes to the last group
+        ASSERT_EQ(wait_for_trials(quota, rare, out, stream), nullptr);
+        expect_least(pral::NegBin(8334, 0.25), out[1], same.uniform());
+        same.uniform();
+    }
 }
 
 /// Refused draws name the family's objection; nothing else tells of them.

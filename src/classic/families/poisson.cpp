@@ -1,4 +1,4 @@
-#include "distributions/discrete/poisson.h"
+#include "classic/short_cuts.h"
 #include "distributions/discrete/delaporte.h"
 #include "distributions/discrete/poisson_mixtures.h"
 #include "distributions/discrete/skellam.h"

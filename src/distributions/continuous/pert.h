@@ -10,7 +10,6 @@ namespace pral {
 /// min + (max - min) Beta(1 + gamma (mode - min)/(max - min), 1 + gamma (max - mode)/(max - min)).
 struct WeightedPERT : BetaOnInterval {
     double mode, gamma;
-    static constexpr bool kEndsFirst = true;
 
     WeightedPERT(double min, double mode_, double max, double gamma_)
         : WeightedPERT(min, mode_, max, gamma_, LinearAxis::over(min, max)) {}

@@ -12,7 +12,6 @@ namespace pral {
 template <class Axis>
 struct TriangleOn : Trapezoid<Axis> {
     double min, mode, max;
-    static constexpr bool kEndsFirst = true;
 
     TriangleOn(double min_, double mode_, double max_)
         : TriangleOn(min_, mode_, max_, Axis::with_reciprocal(min_, max_)) {}

@@ -8,7 +8,6 @@ namespace pral {
 /// min <= max; equal, they are a point mass. Where the width is beyond the range of a double, distances are halved.
 struct Uniform {
     double min, max;
-    static constexpr bool kEndsFirst = true;
 
     Message check() const {
         if (!(min <= max)) return "Error: min must be less than max";

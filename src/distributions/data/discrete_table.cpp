@@ -80,17 +80,15 @@ Discrete::Discrete(const double* values, int n, const double* probabilities, int
                          : data::missing(probabilities, m) ? data::kNullProbabilities
                                                            : nullptr;
     constexpr Message kNegative = "Error: Probability weights must be >=0";
-    constexpr Message kNone = "Error: at least one probability weight must be > 0";
-    constexpr Message kUnequal = "Error: Values and Probabilities arrays must be of same length";
     const bool negative = !data::all(weights, data::kNotNegative);
-    const bool none = data::all(weights, [](double weight) { return weight == 0; });
-    const bool unequal = given.size() != weights.size();
-    objection_ = null != nullptr ? null : negative ? kNegative : none ? kNone : unequal ? kUnequal : nullptr;
-    probability_objection_ = null != nullptr ? null
-                             : negative      ? kNegative
-                             : unequal       ? kUnequal
-                             : none          ? kNone
-                                             : nullptr;
+    constexpr Message kNone = "Error: at least one probability weight must be > 0";
+    no_weight_ = null == nullptr && data::all(weights, [](double weight) { return weight == 0; });
+    unequal_lengths_ = given.size() != weights.size();
+    objection_ = null != nullptr    ? null
+                 : negative         ? kNegative
+                 : no_weight_       ? kNone
+                 : unequal_lengths_ ? kUnequalLengths
+                                    : nullptr;
     if (objection_ != nullptr) return;
 
     table_ = data::SortedValues(given, weights);

@@ -53,10 +53,14 @@ class SortedValues {
 class Discrete {
   public:
     static constexpr bool kDiscrete = true;
+    static constexpr Message kUnequalLengths =
+        "Error: Values and Probabilities arrays must be of same length";
     Discrete(const double* values, int n, const double* probabilities, int m);
 
     Message check() const { return objection_; }
-    Message check_probability() const { return probability_objection_; }
+    /// Of tables that are not null and without negative weights: all weights are 0; the two are of unequal lengths.
+    bool has_no_weight() const { return no_weight_; }
+    bool has_unequal_lengths() const { return unequal_lengths_; }
     Support support() const { return table_.support(); }
     std::optional<double> point_mass() const { return table_.point_mass(); }
 
@@ -82,7 +86,8 @@ class Discrete {
   private:
     double total() const { return sums_.back(); }
 
-    Message objection_, probability_objection_;
+    Message objection_;
+    bool no_weight_, unequal_lengths_;
     data::SortedValues table_;
     std::vector<double> sums_;
     mutable std::vector<double> sums_from_above_;  // by complete(): sampling has no use for them

@@ -5,7 +5,6 @@
 #include "distributions/discrete/exact_binomial.h"
 #include "numerics/beta_quantile.h"
 #include "numerics/beta_ratio.h"
-#include "numerics/normal.h"
 
 namespace pral {
 
@@ -52,14 +51,8 @@ struct Binomial : OnIntegers<Binomial> {
     double mode() const { return mode_before((n + 1) * p, 0, support().upper); }
     double mass_ratio(double k) const { return (n - k) / (k + 1) * (p / (1 - p)); }
 
-    /// With a variance above 100,000 the value is taken as normal.
-    bool approximates() const { return n * p * (1 - p) > 100000; }
     double start(double u) const {
         return std::floor(n * numerics::beta_lower_inverse(n * p, (n + 2) * (1 - p), u).x);
-    }
-    double approximate_quantile(Side side, double tail) const {
-        const double z = n * p + std::sqrt(n * p * (1 - p)) * normal_value(side, tail);
-        return std::floor(z + 0.5);
     }
 };
 

@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "distributions/family.h"
-#include "numerics/normal.h"
 
 namespace pral {
 
@@ -402,11 +401,6 @@ class InversionTable {
     std::vector<std::uint32_t> guide_;
 };
 
-/// The standard normal value with this tail, for families that are nearly normal.
-inline double normal_value(Side side, double tail) {
-    return side == Side::lower ? numerics::normal_quantile(tail) : -numerics::normal_quantile(tail);
-}
-
 /// The base of a family on consecutive integers: its quantiles, one and many.
 template <class D>
 struct OnIntegers {
@@ -415,57 +409,27 @@ struct OnIntegers {
     static constexpr Tie kTie = Tie::next, kTieFromAbove = Tie::stay;
     /// Steps of the walk, after those of Newton.
     static constexpr int kWalk = 32;
-    /// Percentiles above it give the upper end of the support.
-    static constexpr double kLastPercentile = 1;
 
-    double quantile(double p) const {
-        if (p > D::kLastPercentile) return self().support().upper;
-        if constexpr (requires { self().approximate_quantile(Side::lower, p); }) {
-            if (self().approximates()) return self().approximate_quantile(Side::lower, p);
-        }
-        return InversionWalk<D>(self(), p)();
-    }
-    double quantile_upper(double q) const {
-        const double p = 1 - q;
-        if (p > D::kLastPercentile) return self().support().upper;
-        if constexpr (requires { self().approximate_quantile(Side::upper, q); }) {
-            if (self().approximates()) return self().approximate_quantile(Side::upper, q);
-        }
-        return self().exact_quantile_upper(q);
-    }
-    double exact_quantile_upper(double q) const {
-        const double p = 1 - q;
-        return p > D::kLastPercentile ? self().support().upper : InversionWalk<D>(self(), p, q, false)();
-    }
+    double quantile(double p) const { return InversionWalk<D>(self(), p)(); }
+    double quantile_upper(double q) const { return InversionWalk<D>(self(), 1 - q, q, false)(); }
 
     void quantiles(std::span<double> p) const { invert(Side::lower, p); }
     /// quantile_upper() of each element, in place.
     void quantiles_upper(std::span<double> q) const { invert(Side::upper, q); }
 
-    /// Whether quantiles are those of an approximation for large parameters, approximate_quantile(side, tail), and not the walk's.
-    bool approximated() const {
-        if constexpr (requires { self().approximates(); })
-            return self().approximates();
-        else
-            return false;
-    }
-
   private:
     void invert(Side side, std::span<double> tails) const {
         constexpr std::size_t kWorthATable = 300;
         const bool lower = side == Side::lower;
-        const auto beyond_last = [&](double t) { return (lower ? t : 1 - t) > D::kLastPercentile; };
-        const auto one = [&](double t) { return lower ? quantile(t) : quantile_upper(t); };
-        if (tails.size() >= kWorthATable && !approximated()) {
+        if (tails.size() >= kWorthATable) {
             const auto [least, most] = std::ranges::minmax(tails);
-            const double begin = lower ? least : most, end = lower ? std::min(most, D::kLastPercentile)
-                                                                   : std::max(least, 1 - D::kLastPercentile);
+            const double begin = lower ? least : most, end = lower ? most : least;
             if (const auto table = InversionTable<D>::make(self(), side, begin, end, tails.size())) {
-                for (double& t : tails) t = beyond_last(t) ? self().support().upper : (*table)(t);
+                for (double& t : tails) t = (*table)(t);
                 return;
             }
         }
-        for (double& t : tails) t = one(t);
+        for (double& t : tails) t = lower ? quantile(t) : quantile_upper(t);
     }
     const D& self() const { return static_cast<const D&>(*this); }
 };

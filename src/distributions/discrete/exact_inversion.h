@@ -1,5 +1,4 @@
-// Quantiles without the short cuts of the classic calls: the least integer whose cumulative reaches the percentile, at any
-// parameters.
+// Quantiles as the least integer whose cumulative reaches the percentile, whatever a family makes of exact hits.
 #pragma once
 
 #include <algorithm>

@@ -75,17 +75,6 @@ struct Hypergeo : OnIntegers<Hypergeo> {
         if (!is_count(n)) return "Error: n must be a positive integer";
         return nullptr;
     }
-    Message check_probability() const {
-        if (!(n >= 0)) return "Error: n must be >= 0";
-        if (!(D >= 0)) return "Error: D must be >= 0";
-        if (!(M >= 0)) return "Error: M must be >= 0";
-        if (!(D <= M)) return "Error: D must be <= M";
-        if (!(n <= M)) return "Error: n must be <= M";
-        if (!is_count(M)) return "Error: M must be an integer";
-        if (!is_count(D)) return "Error: D must be an integer";
-        if (!is_count(n)) return "Error: n must be an integer";
-        return nullptr;
-    }
     Support support() const { return {std::max(0.0, n - (M - D)), std::min(n, D)}; }
     std::optional<double> point_mass() const {
         if (D == M) return n;
@@ -132,16 +121,6 @@ struct InvHypergeo : OnIntegers<InvHypergeo> {
         if (!is_count(M)) return "Error: m must be a positive integer";
         if (!is_count(D)) return "Error: d must be a positive integer";
         if (!is_count(s)) return "Error: s must be a positive integer";
-        return nullptr;
-    }
-    Message check_probability() const {
-        if (!(D >= 0)) return "Error: D must be >= 0";
-        if (!(M >= 0)) return "Error: M must be >= 0";
-        if (!(D <= M)) return "Error: D must be <= M";
-        if (!(s >= 0 && s <= D)) return "Error: s must be between [0,D]";
-        if (!is_count(M)) return "Error: M must be an integer";
-        if (!is_count(D)) return "Error: d must be an integer";
-        if (!is_count(s)) return "Error: s must be an integer";
         return nullptr;
     }
     Support support() const { return {0, M - D}; }

@@ -23,9 +23,6 @@ struct Logarithmic : SummedTails<Logarithmic> {
         return result;
     }
     Message check() const { return theta > 0 && theta < 1 ? nullptr : "Error: theta must be between (0,1)"; }
-    Message check_probability() const {
-        return theta > 0 && theta < 1 ? nullptr : "Error: Theta must be between (0,1)";
-    }
     Support support() const { return {1, numerics::kInfinity}; }
     std::optional<double> point_mass() const { return std::nullopt; }
 

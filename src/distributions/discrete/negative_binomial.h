@@ -6,15 +6,13 @@
 #include "distributions/sample.h"
 #include "numerics/beta_ratio.h"
 #include "numerics/gamma_ratio.h"
-#include "numerics/normal.h"
 
 namespace pral {
 
 /// One trial: 1 with probability 0 <= p <= 1, else 0; a percentile u is 0 when p <= 1 - u, as doubles. p = 0 and p = 1 are point
-/// masses, but for the percentile 0 of the latter, which is 0.
+/// masses.
 struct Bernoulli : OnIntegers<Bernoulli> {
     static constexpr Tie kTie = Tie::stay;
-    static constexpr bool kEndsFirst = true;
     double p;
 
     explicit Bernoulli(double p_) : p(p_) {}
@@ -100,10 +98,8 @@ struct NegativeBinomial : OnIntegers<D> {
 };
 
 /// Failures before the s-th success: an integer s >= 0, success probability 0 < p <= 1. s = 0 and p = 1 are point masses at
-/// 0. Percentiles above 0.9999999 give infinity.
+/// 0.
 struct NegBin : NegativeBinomial<NegBin> {
-    static constexpr double kLastPercentile = 0.9999999;
-
     NegBin(double s_, double p_) : NegativeBinomial(s_, p_, 1 - p_) {}
     Message check() const {
         if (const Message objection = check_range()) return objection;
@@ -114,18 +110,9 @@ struct NegBin : NegativeBinomial<NegBin> {
         if (!(p > 0 && p <= 1)) return "Error: p must be between (0,1]";
         return nullptr;
     }
-
-    /// With p below 0.01 the value is that of the gamma distribution with the same mean and variance, with a variance above
-    /// 100,000 that of the normal one.
-    bool approximates() const { return p < 0.01 || s * q > 100000 * p * p; }
-    double approximate_quantile(Side side, double tail) const {
-        if (p < 0.01) return std::floor(matched_gamma(side == Side::lower ? tail : 1 - tail) + 0.5);
-        const double normal = s * q / p + std::sqrt(s * q) / p * normal_value(side, tail);
-        return std::max(0.0, std::floor(normal + 0.5));
-    }
 };
 
-/// Failures before the first success: NegBin(1, p), with its ways of inverting.
+/// Failures before the first success: NegBin(1, p).
 struct Geometric : NegBin {
     explicit Geometric(double p_) : NegBin(1, p_) {}
     Message check() const { return p > 0 && p <= 1 ? nullptr : "Error: p must be between (0,1]"; }

@@ -3,7 +3,6 @@
 
 #include "distributions/discrete/discrete.h"
 #include "numerics/gamma_ratio.h"
-#include "numerics/normal.h"
 
 namespace pral {
 
@@ -13,7 +12,6 @@ struct Poisson : OnIntegers<Poisson> {
 
     explicit Poisson(double lambda_) : lambda(lambda_) {}
     Message check() const { return lambda >= 0 ? nullptr : "Error: lambda must be >=0"; }
-    Message check_probability() const { return lambda >= 0 ? nullptr : "Error: lambda must be >= 0"; }
     Support support() const { return kPositiveReals; }
     std::optional<double> point_mass() const { return lambda == 0 ? std::optional(0.0) : std::nullopt; }
 
@@ -25,18 +23,7 @@ struct Poisson : OnIntegers<Poisson> {
     Moments moments() const { return {lambda, lambda, 1 / std::sqrt(lambda), 1 / lambda}; }
     double mode() const { return mode_before(lambda, 0); }
 
-    /// Above a rate of 5000 the square root of the value is taken as normal.
-    bool approximates() const { return lambda > 5000; }
     double start(double p) const { return std::floor(numerics::gamma_lower_inverse(lambda, p)); }
-    double approximate_quantile(Side side, double tail) const {
-        return std::trunc(quantile_unrounded(side, tail));
-    }
-    /// A fractional shift is added to the nearly normal value before it is rounded.
-    bool rounds_after_shift() const { return approximates(); }
-    double quantile_unrounded(Side side, double tail) const {
-        const double root = 2 * std::sqrt(lambda) + normal_value(side, tail);
-        return 0.25 * root * root;
-    }
 };
 
 }  // namespace pral

@@ -82,11 +82,6 @@ double PoissonUniform::start(double p) const {
     return std::floor(rate + sharpness * std::sqrt(rate) * numerics::normal_quantile(p));
 }
 
-double PoissonUniform::random(double, RandomStream& stream) const {
-    const double rate = Uniform{Min, Max}.quantile(stream.uniform());
-    return rate > 0 ? Poisson(rate).quantile(stream.uniform()) : 0;
-}
-
 // ------------------------------------------------------------------------------------------ BurntFingerPoisson
 
 namespace {
@@ -132,12 +127,6 @@ double BurntFingerPoisson::survival(double k) const {
         sum += term;
     }
     return sum;
-}
-
-double BurntFingerPoisson::random(double u, RandomStream& stream) const {
-    if (equal()) return poisson_after().quantile(u);
-    const double first = Expon{1 / Lambda1}.quantile(stream.uniform());
-    return first < 1 ? 1 + Poisson((1 - first) * Lambda2).quantile(stream.uniform()) : 0;
 }
 
 /// 0 or, from the time 1 - s/Lambda1 that is left after the first event, s exponential, 1 and a Poisson count.

@@ -1,6 +1,8 @@
 // Poisson counts whose rate is itself random or changes: a uniform rate, a rate that changes at the first event.
 #pragma once
 
+#include "distributions/continuous/exponential.h"
+#include "distributions/continuous/uniform.h"
 #include "distributions/discrete/discrete.h"
 #include "distributions/discrete/poisson.h"
 
@@ -32,17 +34,22 @@ struct PoissonUniform : OnIntegers<PoissonUniform> {
     double start(double p) const;
 
     /// A uniform rate, then a Poisson sample, each from a draw of its own; the one already drawn is not used.
-    double random(double u, RandomStream& stream) const;
+    double random(double u, RandomStream& stream) const { return random_by<Poisson>(u, stream); }
+    /// With this form of the Poisson distribution.
+    template <class Count>
+    double random_by(double, RandomStream& stream) const {
+        const double rate = Uniform{Min, Max}.quantile(stream.uniform());
+        return rate > 0 ? Count(rate).quantile(stream.uniform()) : 0;
+    }
 };
 
 /// Events within unit time, at rate Lambda1 until the first and Lambda2 afterwards, Lambda1 >= Lambda2 > 0. With
 /// K(k) = integral over t in [0, 1] of (1 - t)^(k-1) e^(-(Lambda1 - Lambda2) t),
 ///   f(0) = e^-Lambda1, f(k) = Lambda1 e^-Lambda2 Lambda2^(k-1)/(k-1)! K(k),
 ///   1 - F(k) = P(k, Lambda2) - (Lambda2/Lambda1) f(k), k >= 1.
-/// Percentiles from 0.99999999999999 on give infinity. Equal rates are the Poisson distribution with all its ways.
+/// Equal rates are the Poisson distribution.
 struct BurntFingerPoisson : OnIntegers<BurntFingerPoisson> {
     static constexpr Tie kTie = Tie::stay;
-    static constexpr double kLastPercentile = 0.99999999999999 - 0x1p-53;
     double Lambda1, Lambda2;
 
     BurntFingerPoisson(double Lambda1_, double Lambda2_) : Lambda1(Lambda1_), Lambda2(Lambda2_) {}
@@ -66,9 +73,6 @@ struct BurntFingerPoisson : OnIntegers<BurntFingerPoisson> {
     double quantile_upper(double q) const {
         return equal() ? poisson_after().quantile_upper(q) : OnIntegers::quantile_upper(q);
     }
-    double exact_quantile_upper(double q) const {
-        return equal() ? poisson_after().exact_quantile_upper(q) : OnIntegers::exact_quantile_upper(q);
-    }
     void quantiles(std::span<double> p) const {
         equal() ? poisson_after().quantiles(p) : OnIntegers::quantiles(p);
     }
@@ -76,18 +80,20 @@ struct BurntFingerPoisson : OnIntegers<BurntFingerPoisson> {
         equal() ? poisson_after().quantiles_upper(q) : OnIntegers::quantiles_upper(q);
     }
     Moments moments() const;
-    bool rounds_after_shift() const { return equal() && poisson_after().rounds_after_shift(); }
-    double quantile_unrounded(Side side, double tail) const {
-        return poisson_after().quantile_unrounded(side, tail);
-    }
-    bool approximates() const { return equal() && poisson_after().approximates(); }
-
     /// The time of the first event from a draw of its own; if it is below 1, the later events from another. The draw made
     /// already is not used, except by equal rates: it is the Poisson's.
-    double random(double u, RandomStream& stream) const;
+    double random(double u, RandomStream& stream) const { return random_by<Poisson>(u, stream); }
+    /// With this form of the Poisson distribution.
+    template <class Count>
+    double random_by(double u, RandomStream& stream) const {
+        if (equal()) return Count(Lambda2).quantile(u);
+        const double first = Expon{1 / Lambda1}.quantile(stream.uniform());
+        return first < 1 ? 1 + Count((1 - first) * Lambda2).quantile(stream.uniform()) : 0;
+    }
+
+    bool equal() const { return Lambda1 == Lambda2; }
 
   private:
-    bool equal() const { return Lambda1 == Lambda2; }
     Poisson poisson_after() const { return Poisson(Lambda2); }
 };
 

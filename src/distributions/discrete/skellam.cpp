@@ -1,6 +1,5 @@
 #include "distributions/discrete/skellam.h"
 
-#include "distributions/discrete/poisson.h"
 #include "numerics/normal.h"
 
 namespace pral {
@@ -34,11 +33,6 @@ void Skellam::masses(double first, std::span<double> out) const {
                      ? exact(i)
                      : (Lambda2 * out[i + 2] + k(i + 1) * out[i + 1]) / Lambda1;
     }
-}
-
-double Skellam::random(double, RandomStream& stream) const {
-    const double first = Poisson(Lambda1).quantile(stream.uniform());
-    return first - Poisson(Lambda2).quantile(stream.uniform());
 }
 
 }  // namespace pral

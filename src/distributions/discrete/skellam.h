@@ -2,6 +2,7 @@
 #pragma once
 
 #include "distributions/discrete/discrete.h"
+#include "distributions/discrete/poisson.h"
 #include "numerics/noncentral_chi_square.h"
 
 namespace pral {
@@ -47,7 +48,13 @@ struct Skellam : OnIntegers<Skellam> {
     double start(double p) const;
 
     /// Two Poisson samples, each from a draw of its own; the one already drawn is not used.
-    double random(double u, RandomStream& stream) const;
+    double random(double u, RandomStream& stream) const { return random_by<Poisson>(u, stream); }
+    /// With this form of the Poisson distribution.
+    template <class Count>
+    double random_by(double, RandomStream& stream) const {
+        const double first = Count(Lambda1).quantile(stream.uniform());
+        return first - Count(Lambda2).quantile(stream.uniform());
+    }
 };
 
 }  // namespace pral

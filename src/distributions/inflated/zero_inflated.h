@@ -3,47 +3,19 @@
 
 #include <algorithm>
 #include <cmath>
+#include <concepts>
 #include <optional>
 #include <span>
-#include <vector>
 
-#include "distributions/discrete/negative_binomial.h"
+#include "distributions/family.h"
 #include "distributions/sample.h"
-#include "distributions/truncated.h"
 #include "numerics/double_double.h"
 
 namespace pral {
 
-/// The checks of a variant where they are those of its base family's sampling members, in all members alike.
-struct BaseChecks {
-    template <class Base>
-    static Message check(const Base& base) {
-        return base.check();
-    }
-    static Message check_weight(double pi) {
-        return pi > 0 && pi < 1 ? nullptr : "Error: pi should be on (0,1)";
-    }
-};
-
-/// The checks of a variant's probability members: the sampling checks unless Checks provides its own.
-template <class Checks, class Base>
-Message variant_check_probability(const Base& base) {
-    if constexpr (requires { Checks::check_probability(base); })
-        return Checks::check_probability(base);
-    else
-        return Checks::check(base);
-}
-
-/// With probability pi a value of the base family, else 0: F(x) = 1 - pi + pi F_base(x), as percentiles are inverted. Where
-/// the base family has negative values (Skellam), that counts the extra zeros below them as well. The base family's
-/// parameters come first, pi last. `Checks` holds the variant's own checks; what they let pass, the base family may
-/// still refuse.
-///
-/// A bare call draws a Bernoulli(pi) and then a bare call of the base family, whatever the Bernoulli gave. A percentile
-/// u <= 1 - pi is 0, and any other that of the base family at (u - 1 + pi)/pi. Bounds rescale this second percentile by
-/// this family's own percentiles there: the extra zeros keep their weight between any bounds, and since the base family
-/// has more above a bound than this one, values may lie beyond the upper one.
-template <class Base, class Checks = BaseChecks>
+/// With probability pi a value of the base family, else 0: F(x) = pi F_base(x), and 1 - pi more from 0 on. The base family's
+/// parameters come first, pi last, 0 < pi < 1.
+template <class Base>
 struct ZeroInflated {
     static constexpr bool kDiscrete = true;
     static constexpr bool kIntegers = true;
@@ -58,12 +30,8 @@ struct ZeroInflated {
                                                                                               pi(pi_) {}
 
     Message check() const {
-        if (const Message objection = Checks::check(base)) return objection;
-        return weight_or(base.check());
-    }
-    Message check_probability() const {
-        if (const Message objection = variant_check_probability<Checks>(base)) return objection;
-        return weight_or(pral::check_probability(base));
+        if (const Message objection = base.check()) return objection;
+        return pi > 0 && pi < 1 ? nullptr : "Error: pi must be between (0,1)";
     }
     Support support() const {
         const auto point = base.point_mass();
@@ -73,8 +41,8 @@ struct ZeroInflated {
     }
     std::optional<double> point_mass() const { return std::nullopt; }
 
-    double cumulative(double x) const { return pi * tails(base, x).lower + (1 - pi); }
-    double survival(double x) const { return pi * tails(base, x).upper; }
+    double cumulative(double x) const { return pi * tails(base, x).lower + (x < 0 ? 0 : 1 - pi); }
+    double survival(double x) const { return pi * tails(base, x).upper + (x < 0 ? 1 - pi : 0); }
     double log_density(double x) const {
         const double log_base = base_log_density(x);
         if (x != 0) return log_base + std::log(pi);
@@ -95,60 +63,28 @@ struct ZeroInflated {
                base_sum(positive, x.pauses());
     }
 
-    double quantile(double u) const { return quantile_within(u, Window{}); }
-    double quantile_upper(double q) const { return q >= pi ? 0 : base_quantile(1 - q / pi, q / pi); }
-    /// The quantile in a window of this family.
-    double quantile_within(double u, const Window& window) const {
+    /// From below the values under 0, then all zeros, then the others.
+    double quantile(double u) const {
+        if (is_negative(u)) return base_quantile(u / pi, 1 - u / pi);
         const double excess = above_zeros(u);
-        if (!(excess > 0)) return 0;
-        const double p = window.percentile(excess / pi);
-        if (window.mass == 1) return base_quantile(p, (1 - u) / pi);
-        if (window.above_median())
-            return base_quantile(p, window.upper_tail((1 - u) / pi), window.beyond_percentiles());
-        return base_quantile(p, 1 - p);
+        return excess > 0 ? std::max(0.0, base_quantile(excess / pi, (1 - u) / pi)) : 0;
     }
-    void quantiles(std::span<double> u) const { quantiles_within(u, Window{}); }
-    void quantiles_within(std::span<double> u, const Window& window) const {
-        const bool by_upper = window.above_median();
-        std::vector<double> of_base;
-        for (double& value : u) {
-            const double excess = above_zeros(value);
-            if (excess > 0)
-                of_base.push_back(by_upper ? window.upper_tail((1 - value) / pi)
-                                           : window.percentile(excess / pi));
-            value = excess > 0 ? 1 : 0;
-        }
-        if (const auto point = base.point_mass())
-            std::ranges::fill(of_base, *point);
-        else if (by_upper)
-            pral::quantiles_upper(base, of_base, window.beyond_percentiles());
-        else
-            base.quantiles(of_base);
-        auto next = of_base.begin();
-        for (double& value : u) {
-            if (value == 1) value = *next++;
-        }
+    double quantile_upper(double q) const {
+        if (is_negative(1 - q)) return base_quantile((1 - q) / pi, 1 - (1 - q) / pi);
+        return q < pi ? std::max(0.0, base_quantile(1 - q / pi, q / pi)) : 0;
     }
 
-    double random(double, RandomStream& stream) const {
-        const bool counted = Bernoulli(pi).quantile(stream.uniform()) == 1;
-        const double value = draw(base, stream);
-        return counted ? value : 0;
-    }
-
-  private:
-    Message weight_or(Message of_base) const {
-        const Message objection = Checks::check_weight(pi);
-        return objection != nullptr ? objection : of_base;
-    }
     /// u - (1 - pi), rounded once.
     double above_zeros(double u) const {
         const numerics::DoubleDouble sum = numerics::two_sum(u, -1);
         return (sum.hi + pi) + sum.lo;
     }
-    double base_quantile(double p, double q, bool exactly = false) const {
+
+  private:
+    bool is_negative(double u) const { return base.support().lower < 0 && u <= pi * tails(base, -1).lower; }
+    double base_quantile(double p, double q) const {
         if (const auto point = base.point_mass()) return *point;
-        return p <= 0.5 ? pral::quantile(base, p) : pral::quantile_upper(base, q, exactly);
+        return p <= 0.5 ? pral::quantile(base, p) : pral::quantile_upper(base, q);
     }
     /// The base family's log masses, none outside its support.
     double base_sum(std::span<const Sample::Count> counts, Pauses pauses) const {

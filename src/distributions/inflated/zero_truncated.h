@@ -4,16 +4,18 @@
 #include <algorithm>
 #include <cfloat>
 #include <cmath>
+#include <concepts>
 #include <optional>
 #include <span>
 
-#include "distributions/inflated/zero_inflated.h"
+#include "distributions/family.h"
+#include "distributions/sample.h"
 
 namespace pral {
 
 /// The base family given a value of 1 or more: F(x) = (F_base(x) - f_base(0))/(1 - f_base(0)). The base family's
 /// parameters; where those leave it the single value 0, this one leaves 1.
-template <class Base, class Checks = BaseChecks>
+template <class Base>
 struct ZeroTruncated {
     static constexpr bool kDiscrete = true;
     static constexpr bool kIntegers = true;
@@ -28,14 +30,7 @@ struct ZeroTruncated {
         complete();
     }
 
-    Message check() const {
-        const Message objection = Checks::check(base);
-        return objection != nullptr ? objection : base.check();
-    }
-    Message check_probability() const {
-        const Message objection = variant_check_probability<Checks>(base);
-        return objection != nullptr ? objection : pral::check_probability(base);
-    }
+    Message check() const { return base.check(); }
     Support support() const {
         const auto [lower, upper] = base.support();
         return {std::max(lower, 1.0), std::max(upper, 1.0)};
@@ -66,27 +61,40 @@ struct ZeroTruncated {
         return pral::log_likelihood(base, x) - x.count() * log_not_zero_;
     }
 
-    double quantile(double u) const { return at(zero_ + not_zero_ * u, not_zero_ * (1 - u)); }
-    double quantile_upper(double q) const { return at(zero_ + not_zero_ * (1 - q), not_zero_ * q); }
-    double exact_quantile_upper(double q) const {
-        return std::max(pral::quantile_upper(base, not_zero_ * q, true), 1.0);
+    double quantile(double u) const { return quantile_by(base, u); }
+    double quantile_upper(double q) const { return quantile_upper_by(base, q); }
+    void quantiles(std::span<double> u) const { quantiles_by(base, u); }
+    void quantiles_upper(std::span<double> q) const { quantiles_upper_by(base, q); }
+
+  protected:
+    /// Quantiles from those of another form of the base family.
+    template <class Form>
+    double quantile_by(const Form& form, double u) const {
+        return at(form, zero_ + not_zero_ * u, not_zero_ * (1 - u));
     }
-    bool approximated() const { return base.approximated(); }
-    void quantiles(std::span<double> u) const {
+    template <class Form>
+    double quantile_upper_by(const Form& form, double q) const {
+        return at(form, zero_ + not_zero_ * (1 - q), share_of_base(q));
+    }
+    template <class Form>
+    void quantiles_by(const Form& form, std::span<double> u) const {
         constexpr double kDistinct = 1e-3;  // the percentiles of the base family keep their digits above
         if (!(not_zero_ > kDistinct)) {
-            for (double& value : u) value = quantile(value);
+            for (double& value : u) value = quantile_by(form, value);
             return;
         }
         for (double& value : u) value = std::min(zero_ + not_zero_ * value, 1 - 0x1p-53);
-        base.quantiles(u);
+        form.quantiles(u);
         for (double& value : u) value = std::max(value, 1.0);
     }
-    void quantiles_upper(std::span<double> q) const {
-        for (double& value : q) value *= not_zero_;
-        base.quantiles_upper(q);
+    template <class Form>
+    void quantiles_upper_by(const Form& form, std::span<double> q) const {
+        for (double& value : q) value = share_of_base(value);
+        form.quantiles_upper(q);
         for (double& value : q) value = std::max(value, 1.0);
     }
+    /// The upper tail of the base family that belongs to this one.
+    double share_of_base(double q) const { return not_zero_ * q; }
 
   private:
     void complete() {
@@ -96,8 +104,9 @@ struct ZeroTruncated {
         not_zero_ = upper;
         log_not_zero_ = not_zero_ > 0.5 ? numerics::log1p_fn(-zero_) : std::log(not_zero_);
     }
-    double at(double p, double q) const {
-        return std::max(p <= 0.5 ? pral::quantile(base, p) : pral::quantile_upper(base, q), 1.0);
+    template <class Form>
+    double at(const Form& form, double p, double q) const {
+        return std::max(p <= 0.5 ? pral::quantile(form, p) : pral::quantile_upper(form, q), 1.0);
     }
 
     double zero_ = 0, not_zero_ = 1, log_not_zero_ = 0;
