@@ -106,7 +106,7 @@ bool EvaluateFitted(const FitDescriptor& descriptor, std::span<double> out, std:
     const double* const percentile = U ? &*U : nullptr;
     return unless_failed([&] {
         family_of(descriptor)
-            .values(out, descriptor.params.data(), fitting::limits_of(TruncMin, TruncMax),
+            .values(out, descriptor.params.data(), fitting::limits_of(TruncMin, TruncMax, kAboveMin),
                     percentile_given(percentile) ? percentile : nullptr, random_stream());
     });
 }
@@ -123,7 +123,7 @@ double FitLogLikelihood(const FitDescriptor& descriptor, std::span<const double>
     std::vector<double> moved(data.begin(), data.end());
     for (double& value : moved) value = value - shift + 0.0;  // no -0.0
     const double log = fitting::log_likelihood(family_of(descriptor), descriptor.params, Sample(moved),
-                                               fitting::limits_of(TruncMin, TruncMax));
+                                               fitting::limits_of(TruncMin, TruncMax, kAboveMin));
     return numerics::finite_or_limit(log / numerics::kLn10);
 }
 
@@ -294,7 +294,8 @@ bool PralDiscreteFit_Core(double* out, const double* data, int n, int* uncertain
     return pral::guarded(out, count, [&](int size) {
         const Data given = {data, n, is_set(uncertainty), TruncMin, TruncMax, key};
         if (!given.check() || !within_bounds(given.values(), given.call())) return false;
-        const pral::Limits limits = pral::fitting::limits_of(if_given(TruncMin), if_given(TruncMax));
+        const pral::Limits limits =
+            pral::fitting::limits_of(if_given(TruncMin), if_given(TruncMax), kAboveMin);
         const int mode =
             limits.given ? (limits.min_is_percentile ? 2 : 0) + (limits.max_is_percentile ? 1 : 0) : -1;
         return pral::array_member({out, static_cast<std::size_t>(size)}, Empirical(given).table,

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "classic/catalogue.h"
+#include "classic/forms.h"
 #include "fitting/fit.h"
 
 namespace pral::classic {
@@ -30,6 +31,7 @@ struct FitDescriptor {
 };
 
 struct FitCall : fitting::FitRequest {
+    FitCall() { above_min = kAboveMin; }
     /// A replicate of the parameters by the parametric bootstrap instead of the fit.
     bool uncertainty = false;
     /// In the memory of results, in place of the name.

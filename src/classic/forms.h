@@ -96,6 +96,9 @@ struct FormOf<ZeroTruncated<Base>> {
         std::conditional_t<std::is_same_v<Form<Base>, Base>, ZeroTruncated<Base>, WithoutZeros<Base>>;
 };
 
+/// A lower bound of a count takes its own probability off: what is kept between values is P(min < X <= max).
+inline constexpr bool kAboveMin = true;
+
 /// Percentiles 0 and 1 of these are their ends even where the parameters, or the bounds, leave a point mass.
 template <class D>
 inline constexpr bool kEndsFirst = false;

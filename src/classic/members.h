@@ -26,8 +26,12 @@ struct Modifiers {
     bool bounded() const { return bounds_mode != nullptr && *bounds_mode >= 0; }
     Limits limits() const {
         if (!bounded()) return {};
-        return {min != nullptr ? *min : 0, max != nullptr ? *max : 0, (*bounds_mode & 2) != 0,
-                (*bounds_mode & 1) != 0, true};
+        return {min != nullptr ? *min : 0,
+                max != nullptr ? *max : 0,
+                (*bounds_mode & 2) != 0,
+                (*bounds_mode & 1) != 0,
+                true,
+                classic::kAboveMin};
     }
 };
 

@@ -9,12 +9,13 @@
 
 namespace pral {
 
-/// How a distribution is truncated: two ends, each a value or a percentile. Of a family on the integers what is kept lies
-/// above the lower end, up to the upper one.
+/// How a distribution is truncated: two ends, each a value or a percentile. Ends are kept, but for the probability of a lower
+/// one with `above_min`.
 struct Limits {
     double min = 0, max = 0;
     bool min_is_percentile = false, max_is_percentile = false;
     bool given = false;
+    bool above_min = false;
 
     bool both_values() const { return !min_is_percentile && !max_is_percentile; }
 };
@@ -34,6 +35,13 @@ inline bool counts_as(double x, double integer) { return std::fabs(x - integer) 
 inline double counted(double x) {
     const double nearest = std::round(x);
     return counts_as(x, nearest) ? nearest : std::trunc(x);
+}
+
+/// The first integer of those from min on, or above it.
+inline double first_integer(double min, bool above) {
+    if (above) return counted(min) + 1;
+    const double nearest = std::round(min);
+    return counts_as(min, nearest) ? nearest : std::ceil(min);
 }
 
 /// What lies between two bounds: the tails there and the probability between them. Percentiles are rescaled in the tail
@@ -174,8 +182,9 @@ class Truncated {
     [[gnu::noinline]] double quantile_apart(double u) const { return quantile(u); }
 
     void complete_bounds(const Limits& limits, bool valid) {
-        min_ = complete(limits.min, limits.min_is_percentile, valid);
-        max_ = complete(limits.max, limits.max_is_percentile, valid);
+        closed_ = CountableFamily<D> && !limits.above_min && !limits.min_is_percentile;
+        min_ = complete(limits.min, limits.min_is_percentile, closed_, valid);
+        max_ = complete(limits.max, limits.max_is_percentile, false, valid);
         window_ = {min_.tails, max_.tails, 0};
         window_.mass = window_.above_median() ? min_.tails.upper - max_.tails.upper
                                               : max_.tails.lower - min_.tails.lower;
@@ -212,7 +221,8 @@ class Truncated {
 
     /// ln P(lower bound < X <= x).
     double far_log_probability(double x, Side side) const {
-        return between(min_.x < support_.lower ? far_ends(base_).lower : lower_, x, side);
+        const double from = closed_ ? before(lower_) : lower_;
+        return between(min_.x < support_.lower ? far_ends(base_).lower : from, x, side);
     }
     [[gnu::noinline]] double between(double from, double to, Side side) const {
         if constexpr (IntegerFamily<D>) return log_probability(base_, counted(from), counted(to), side);
@@ -233,14 +243,25 @@ class Truncated {
 
     double nearest() const { return limited(far_side_ == Side::upper ? lower_ : upper_); }
 
-    [[gnu::noinline]] Bound complete(double number, bool is_percentile, bool valid) const {
+    [[gnu::noinline]] Bound complete(double number, bool is_percentile, bool closed, bool valid) const {
         number += 0.0;  // no -0.0
-        if (!is_percentile) return {number, valid ? tails_at(number) : Tails{0, 0}, false};
+        if (!is_percentile)
+            return {number, valid ? tails_at(closed ? before(number) : number) : Tails{0, 0}, false};
         const Tails tails = {number, 1 - number};
         const bool chosen = number > 0 && number < 1;
         if (!valid) return {0, tails, chosen};
         const auto point = base_.point_mass();
         return {numerics::finite_or_limit(point ? *point : pral::quantile(base_, number)), tails, chosen};
+    }
+
+    /// The last value before x that a countable family may have.
+    static double before(double x) {
+        if constexpr (IntegerFamily<D>) {
+            const double first = first_integer(x, false);
+            return std::min(first - 1, std::nextafter(first, -HUGE_VAL));
+        } else {
+            return std::nextafter(x, -HUGE_VAL);
+        }
     }
 
     /// The tails that the family's probability members give to any x.
@@ -271,6 +292,7 @@ class Truncated {
     const D& base_;
     Support support_;
     bool bounded_;
+    bool closed_ = false;  ///< a value of a countable family at the lower end is kept
     bool far_ = false;
     Side far_side_ = Side::lower;
     Bound min_ = {}, max_ = {};

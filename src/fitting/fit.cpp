@@ -56,7 +56,7 @@ class Fit {
           request_(request),
           deadline_(deadline),
           x_(data, &pause_),
-          limits_(limits_of(request.TruncMin, request.TruncMax)),
+limits_(limits_of(request.TruncMin, request.TruncMax, request.above_min)),
           extent_(x_) {
         parameters_.fill(-numerics::kInfinity);
     }
@@ -470,7 +470,7 @@ FitResult fit(const FittedFamily& family, std::span<const double> data, const Fi
 FitResult refit(const FittedFamily& family, const Parameters& fitted, std::size_t count,
                 const FitRequest& request, const Deadline& deadline, RandomStream& stream) {
     constexpr std::size_t kDrawsBetweenLooks = 1 << 14;
-    const Limits limits = limits_of(request.TruncMin, request.TruncMax);
+    const Limits limits = limits_of(request.TruncMin, request.TruncMax, request.above_min);
     std::vector<double> draws(count);
     for (std::span<double> left = draws; !left.empty(); deadline.check()) {
         const std::size_t size = std::min(left.size(), kDrawsBetweenLooks);

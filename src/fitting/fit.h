@@ -13,9 +13,9 @@
 namespace pral::fitting {
 
 /// The bounds of a fit: a side that is not given is a percentile at its end.
-inline Limits limits_of(std::optional<double> lower, std::optional<double> upper) {
+inline Limits limits_of(std::optional<double> lower, std::optional<double> upper, bool above_lower = false) {
     if (!lower && !upper) return {};
-    return {lower.value_or(0), upper.value_or(1), !lower, !upper, true};
+    return {lower.value_or(0), upper.value_or(1), !lower, !upper, true, above_lower};
 }
 
 /// What is needed to fit the family of that name; null where it cannot be fitted.
@@ -24,6 +24,8 @@ const FittedFamily* fitted_family(std::string_view name);
 /// How to fit. Bounds tell that the data are a truncated sample.
 struct FitRequest {
     std::optional<double> TruncMin, TruncMax;
+    /// Counts have been observed above TruncMin, not from it on.
+    bool above_min = false;
     /// Fitted as well, from this start; bounds hold before the shift is added.
     double* shift = nullptr;
     /// In addition to the estimator's.

@@ -74,7 +74,8 @@ std::optional<double> log_window_mass(const D& d, const Limits& limits) {
         constexpr double kMost = detail::SumsByMasses<D> ? 256 : 4096;
         if (!limits.given || limits.max_is_percentile || d.point_mass()) return std::nullopt;
         const auto [least, most] = d.support();
-        const double after = limits.min_is_percentile ? -HUGE_VAL : counted(limits.min) + 1;
+        const double after =
+            limits.min_is_percentile ? -HUGE_VAL : first_integer(limits.min, limits.above_min);
         const double first = std::max(after, least), last = counted(limits.max);
         if (!(first <= last && last <= most && last - first < kMost && std::fabs(first) < 0x1p52))
             return std::nullopt;

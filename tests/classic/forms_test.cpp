@@ -124,7 +124,7 @@ TEST(Forms, FamiliesThemselvesHaveTheirZerosAtZero) {
     const ZIPoisson count(3.5, 0.3);
     const Truncated<ZIPoisson> kept(count, true, {2, 9, false, false, true});
     for (const double u : {1e-9, 0.3, 0.69, 0.9, 1 - 1e-9}) {
-        EXPECT_GT(kept.quantile(u), 2) << u;
+        EXPECT_GE(kept.quantile(u), 2) << u;
         EXPECT_LE(kept.quantile(u), 9) << u;
     }
 }
@@ -167,6 +167,24 @@ TEST(Forms, EndsComeBeforePointMasses) {
         EXPECT_EQ(out, pert) << u;
     }
     EXPECT_EQ(quantile(Bernoulli(1), 0.5), 1);
+}
+
+/// Counts between two values: both are kept, where a classic call takes the lower one's own probability off.
+TEST(Forms, FamiliesThemselvesKeepBothBounds) {
+    const Poisson count(3.5);
+    const auto mass = [&](double k) { return std::exp(count.log_density(k)); };
+    for (const double min : {2.0, 1.25, 2 + 1e-9}) {
+        const Truncated<Poisson> kept(count, true, {min, 5, false, false, true});
+        const double all = mass(2) + mass(3) + mass(4) + mass(5);
+        EXPECT_NEAR(std::exp(kept.log_mass()), all, 1e-15) << min;
+        EXPECT_NEAR(kept.cumulative(2), mass(2) / all, 1e-15) << min;
+        EXPECT_EQ(kept.quantile(1e-9), 2) << min;
+        const Truncated<Poisson> classic(count, true, {min, 5, false, false, true, classic::kAboveMin});
+        EXPECT_NEAR(std::exp(classic.log_mass()), all - (min == 1.25 ? 0 : mass(2)), 1e-15) << min;
+    }
+    // So far out that the mass is a sum of masses.
+    const Truncated<Poisson> far(count, true, {400, 401, false, false, true});
+    EXPECT_NEAR(far.log_mass(), count.log_density(400) + std::log1p(3.5 / 401), 1e-12 * 2000);
 }
 
 }  // namespace

@@ -508,6 +508,18 @@ TEST(Fits, InsideKeepNothingOfTheirOwn) {
     }
     EXPECT_EQ(replicates.size(), 2);
 
+    // Counts from 1 on are counts without zeros.
+    const Values counts = {1, 2, 1, 4, 3, 1, 2, 6, 1, 2};
+    pral::fitting::FitRequest from_one;
+    from_one.TruncMin = 1;
+    const auto fit = [&](const char* name, const pral::fitting::FitRequest& request) {
+        return pral::fitting::fit(*pral::fitting::fitted_family(name), counts, request, deadline)
+            .parameters[0];
+    };
+    EXPECT_NEAR(fit("Poisson", from_one), fit("ZTPoisson", {}), 1e-4);
+    from_one.above_min = true;
+    EXPECT_LT(fit("Poisson", from_one), fit("ZTPoisson", {}) - 0.1);
+
     pral::fitting::FitRequest above;
     above.TruncMin = 1;
     EXPECT_THROW(pral::fitting::fit(gamma, x, above, deadline), pral::fitting::Failure);
