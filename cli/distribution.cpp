@@ -35,9 +35,9 @@ pral::Distribution truncated(const pral::Distribution& whole, const Distribution
     if ((min && min_p) || (max && max_p)) throw UsageError("a bound is a value or a percentile, not both");
     if (!min && !max)
         return whole.truncated_to_percentiles(percentile(min_p.value_or(0)), percentile(max_p.value_or(1)));
-    // A value at one end and a percentile at the other: the value there.
-    return whole.truncated(min_p ? whole.quantile(percentile(*min_p)) : min.value_or(-INFINITY),
-                           max_p ? whole.quantile(percentile(*max_p)) : max.value_or(INFINITY));
+    using End = pral::Distribution::End;
+    return whole.truncated(min_p ? End(pral::Percentile{percentile(*min_p)}) : End(min.value_or(-INFINITY)),
+                           max_p ? End(pral::Percentile{percentile(*max_p)}) : End(max.value_or(INFINITY)));
 }
 
 }  // namespace

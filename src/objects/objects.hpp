@@ -111,9 +111,22 @@ struct Interval {
     double lower, upper;
 };
 
+/// The end of a truncation that is the quantile of this probability.
+struct Percentile {
+    double probability;
+};
+
 /// A distribution of one variable; see objects.h for what its functions mean. Arrays go in and out as spans of one size.
 class Distribution {
   public:
+    /// An end of a truncation: a value or a percentile.
+    struct End {
+        double number;
+        bool is_percentile;
+        End(double value) : number(value), is_percentile(false) {}
+        End(Percentile percentile) : number(percentile.probability), is_percentile(true) {}
+    };
+
     Distribution(const std::string& family, std::initializer_list<double> parameters)
         : Distribution(family, std::span<const double>(parameters.begin(), parameters.size())) {}
     Distribution(const std::string& family, std::span<const double> parameters)
@@ -142,9 +155,15 @@ class Distribution {
             door::made<pral_distribution>(pral_mixture, handles.data(), weights.data(), handles.size()));
     }
 
-    Distribution truncated(double lower, double upper) const { return kept(lower, upper, 0); }
+    /// Given that it lies between two ends, which are kept: truncated(0, 50), truncated(0, Percentile{0.99}).
+    Distribution truncated(End lower, End upper) const {
+        const std::int32_t flags = (lower.is_percentile ? PRAL_LOWER_IS_PERCENTILE : 0) |
+                                   (upper.is_percentile ? PRAL_UPPER_IS_PERCENTILE : 0);
+        return Distribution(
+            door::made<pral_distribution>(pral_truncated, get(), lower.number, upper.number, flags));
+    }
     Distribution truncated_to_percentiles(double lower, double upper) const {
-        return kept(lower, upper, PRAL_LOWER_IS_PERCENTILE | PRAL_UPPER_IS_PERCENTILE);
+        return truncated(Percentile{lower}, Percentile{upper});
     }
     Distribution shifted(double shift) const {
         return Distribution(door::made<pral_distribution>(pral_shifted, get(), shift));
@@ -221,9 +240,6 @@ class Distribution {
     friend class Fit;
     explicit Distribution(door::Owner<pral_distribution> distribution)
         : distribution_(std::move(distribution)) {}
-    Distribution kept(double lower, double upper, std::int32_t flags) const {
-        return Distribution(door::made<pral_distribution>(pral_truncated, get(), lower, upper, flags));
-    }
     door::Owner<pral_distribution> distribution_;
 };
 

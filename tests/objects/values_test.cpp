@@ -68,22 +68,16 @@ TEST(Values, OfContinuousFamiliesKeepTheirDigitsWhenTruncated) {
         const double min = number(row, 3), max = number(row, 4), x = number(row, 5),
                      cumulative = number(row, 6), log = number(row, 7);
         const Distribution whole(name, numbers(row[1]));
-        pral_distribution* made = nullptr;
-        const int flags =
-            (mode & 2 ? PRAL_LOWER_IS_PERCENTILE : 0) | (mode & 1 ? PRAL_UPPER_IS_PERCENTILE : 0);
-        ASSERT_EQ(pral_truncated(whole.get(), min, max, flags, &made, nullptr), PRAL_OK) << place;
+        using End = Distribution::End;
+        const Distribution kept = whole.truncated(mode & 2 ? End(pral::Percentile{min}) : End(min),
+                                                  mode & 1 ? End(pral::Percentile{max}) : End(max));
         // Between percentiles that nearly agree, their rounding counts several times.
         const double tail = std::min(whole.cdf(max), whole.sf(min)), mass = std::exp(whole.logpdf(x) - log);
         const double allowed = mode == 0 ? 1 : kBound / std::max(kBound, 8e-16 * tail / mass);
-        double at = x;
-        pral_cdf(made, &x, &at, 1, nullptr);
-        record.record(name + " cdf", relative_error(at, cumulative) * allowed, place);
-        pral_logpdf(made, &x, &at, 1, nullptr);
-        record.record(name + " logpdf", relative_error(at, log) * allowed, place);
-        pral_quantile(made, &cumulative, &at, 1, nullptr);
+        record.record(name + " cdf", relative_error(kept.cdf(x), cumulative) * allowed, place);
+        record.record(name + " logpdf", relative_error(kept.logpdf(x), log) * allowed, place);
         if (cumulative < 0.99)  // closer to 1 the percentile, rounded to double, belongs to another x
-            record.record(name + " quantile", relative_error(at, x), place);
-        pral_distribution_free(made);
+            record.record(name + " quantile", relative_error(kept.quantile(cumulative), x), place);
     }
     record.report(kBound);
 }
