@@ -1,25 +1,12 @@
 // The quantile of a continuous family that has no closed form: a safeguarded Newton search on its cumulative.
 #pragma once
 
-#include <bit>
 #include <cmath>
-#include <cstdint>
 
 #include "distributions/family.h"
+#include "numerics/ordinals.h"
 
 namespace pral {
-
-/// The double halfway between a and b in the order of all doubles, so that 64 halvings bring any two together,
-/// however many powers of ten lie between them.
-inline double middle_double(double a, double b) {
-    const auto rank = [](double x) {
-        const auto bits = std::bit_cast<std::int64_t>(x);
-        return bits >= 0 ? bits : INT64_MIN - bits;
-    };
-    const std::int64_t low = rank(a), high = rank(b);
-    const std::int64_t middle = (low & high) + ((low ^ high) >> 1);
-    return std::bit_cast<double>(middle >= 0 ? middle : INT64_MIN - middle);
-}
 
 /// The x whose lower (upper) tail is `tail`, 0 < tail < 1, best called with the smaller of the two. Newton steps on the
 /// logarithm of the tail, which is nearly straight far out where the tail itself is flat; from `start`, kept inside a
@@ -33,7 +20,7 @@ double search_quantile(const D& d, Side side, double tail, double start) {
     constexpr double kUlp = 2.3e-16;
     auto [lower, upper] = d.support();
     const double log_tail = std::log(tail);
-    double x = start > lower && start < upper ? start : middle_double(lower, upper);
+    double x = start > lower && start < upper ? start : numerics::middle_double(lower, upper);
     double previous = HUGE_VAL;
     for (int step = 0; step < kMaxSteps; ++step) {
         const double at = side == Side::lower ? d.cumulative(x) : d.survival(x);
@@ -50,7 +37,7 @@ double search_quantile(const D& d, Side side, double tail, double start) {
         if (size < 0.1 && moved <= kUlp * std::fabs(x)) return newton;
         const bool accepted = newton > lower && newton < upper && size < 0.5 * previous;
         if (!accepted && size < kRounding) return x;
-        const double next = accepted ? newton : middle_double(lower, upper);
+        const double next = accepted ? newton : numerics::middle_double(lower, upper);
         previous = size;
         if (next == lower || next == upper || (accepted && size < kLastStep)) return next;
         x = next;

@@ -1,4 +1,5 @@
-// The doubles in their order as integers, so that any bracket is halved in 64 steps.
+// The doubles in their order as integers, so that 64 halvings bring any two together, however many powers of ten lie between
+// them.
 #pragma once
 
 #include <bit>
@@ -15,10 +16,10 @@ inline std::int64_t ordinal(double x) {
 inline double of_ordinal(std::int64_t ordinal) {
     return std::bit_cast<double>(ordinal >= 0 ? ordinal : std::numeric_limits<std::int64_t>::min() - ordinal);
 }
-/// A double between the two: as many lie below it as above.
-inline double middle_double(double low, double high) {
-    const std::int64_t a = ordinal(low), b = ordinal(high);
-    return of_ordinal(a / 2 + b / 2 + (a % 2 + b % 2) / 2);
+/// The double halfway between a and b in this order.
+inline double middle_double(double a, double b) {
+    const std::int64_t low = ordinal(a), high = ordinal(b);
+    return of_ordinal((low & high) + ((low ^ high) >> 1));
 }
 
 }  // namespace pral::numerics

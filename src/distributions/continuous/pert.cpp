@@ -1,5 +1,7 @@
 #include "distributions/continuous/pert.h"
 
+#include "numerics/bracketed_root.h"
+
 namespace pral {
 
 /// With the mode s of the way from min to max the shapes are 1 + 4 s and 5 - 4 s, and with them the points where the
@@ -21,32 +23,15 @@ Support PERTAlt::ends(const ModeAndPercentiles& points) {
         return Standard{s < rest ? s - low.x : low.y - rest, s < rest ? high.x - s : rest - high.y,
                         s < rest ? high.x - low.x : low.y - high.y};
     };
-    // The root in s or, where that is above 1/2, in 1 - s: regula falsi with the weights of Illinois.
+    // The root in s or, where that is above 1/2, in 1 - s.
     const auto excess = [&](double s, double rest) {
         const Standard at = standard(s, rest);
         return at.from_low * above - at.from_high * below;
     };
     const bool left = excess(0.5, 0.5) >= 0;
     const auto f = [&](double t) { return left ? excess(t, 1 - t) : -excess(1 - t, t); };
-    double low = 0, high = 0.5, at_low = f(low), at_high = f(high), t = high;
-    constexpr int kMaxSteps = 200;
-    for (int step = 0, last = 0; step < kMaxSteps && high - low > 2e-16 * high && at_high != at_low; ++step) {
-        double next = step % 4 == 3 ? 0.5 * (low + high) : low + (high - low) * (at_low / (at_low - at_high));
-        if (!(next > low && next < high)) next = 0.5 * (low + high);
-        const double at = f(next);
-        const double moved = std::fabs(next - t);
-        t = next;
-        if (at == 0 || moved <= 1e-16 * t) break;
-        if (at < 0) {
-            low = t, at_low = at;
-            if (last == -1) at_high *= 0.5;
-            last = -1;
-        } else {
-            high = t, at_high = at;
-            if (last == 1) at_low *= 0.5;
-            last = 1;
-        }
-    }
+    constexpr int kMostSteps = 200;
+    const double t = numerics::bracketed_root(f, 0, 0.5, kMostSteps);
     const double s = left ? t : 1 - t, rest = left ? 1 - t : t;
     const double width = total / standard(s, rest).width;
     return {along.move(points.Mode, -(s * width)), along.move(points.Mode, rest * width)};
