@@ -158,7 +158,8 @@ struct LogLocationScale {
     double quantile_upper(double q) const { return value(pral::quantile_upper(standard, q)); }
     void quantiles(std::span<double> p) const requires HasQuantiles<Standard> {
         standard.quantiles(p);
-        if (!usable_ || std::ranges::any_of(p, [this](double z) { return !(std::fabs(spread * z) < 700); })) {
+        if (!usable_ || std::ranges::any_of(
+                            p, [this](double z) { return !(std::fabs(spread * z) < numerics::kExpLimit); })) {
             for (double& x : p) x = value(x);
             return;
         }
@@ -195,8 +196,9 @@ struct LogLocationScale {
 
     double value(double z) const {
         const double exponent = spread * z;
-        return usable_ && std::fabs(exponent) < 700 ? center_ * std::exp(exponent + center_rounding_)
-                                                    : std::exp(log_center + exponent);
+        return usable_ && std::fabs(exponent) < numerics::kExpLimit
+                   ? center_ * std::exp(exponent + center_rounding_)
+                   : std::exp(log_center + exponent);
     }
 
     /// Over which the standard density changes by a factor of about e.

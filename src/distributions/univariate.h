@@ -74,9 +74,8 @@ struct Difference {
     /// How much of the larger tail the difference is: little where most digits have cancelled, none below the doubles that
     /// have all of theirs.
     double share() const {
-        constexpr double kLeast = 1e-290;
         const double larger = by_upper ? below.upper : above.lower;
-        return larger > kLeast ? mass / larger : 0;
+        return larger > numerics::kLeastWithDigits ? mass / larger : 0;
     }
     double log_mass() const {
         return mass > 0.5 ? numerics::log1p_fn(-(below.lower + above.upper)) : std::log(mass);

@@ -56,7 +56,7 @@ class Fit {
           request_(request),
           deadline_(deadline),
           x_(data, &pause_),
-limits_(limits_of(request.TruncMin, request.TruncMax, request.above_min)),
+          limits_(limits_of(request.TruncMin, request.TruncMax, request.above_min)),
           extent_(x_) {
         parameters_.fill(-numerics::kInfinity);
     }
@@ -398,9 +398,8 @@ std::optional<Candidate> Fit::inner_maximum(const Candidate& from) {
 double Fit::log_cell(const Parameters& parameters, double lower, double upper, double inside) {
     const double moved = shifting() ? parameters[parameter_count()] : 0, value = inside - moved;
     const Sample one({&value, 1});
-    const double least =
-        given(request_.TruncMin) ? std::max(request_.TruncMin, lower - moved) : lower - moved;
-    const double most = given(request_.TruncMax) ? std::min(request_.TruncMax, upper - moved) : upper - moved;
+    const double least = std::max(request_.TruncMin.value_or(-HUGE_VAL), lower - moved);
+    const double most = std::min(request_.TruncMax.value_or(HUGE_VAL), upper - moved);
     return counted_log_likelihood(parameters, one) -
            fitting::log_likelihood(family_, parameters, one, limits_of(least, most));
 }

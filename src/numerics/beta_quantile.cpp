@@ -27,7 +27,8 @@ UnitPoint from_odds(double odds) {
 /// The point whose logit is larger by `delta`; a small step is added to the smaller coordinate, whose rounding
 /// alone is then left.
 UnitPoint moved(UnitPoint at, double delta) {
-    if (std::fabs(delta) > 0.1) return from_odds(at.x / at.y * std::exp(std::clamp(delta, -700.0, 700.0)));
+    if (std::fabs(delta) > 0.1)
+        return from_odds(at.x / at.y * std::exp(std::clamp(delta, -kExpLimit, kExpLimit)));
     const double e = expm1_fn(delta), change = at.x * at.y * e / (1 + at.x * e);
     if (at.x <= at.y) return {at.x + change, 1 - (at.x + change)};
     return {1 - (at.y - change), at.y - change};

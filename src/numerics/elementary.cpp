@@ -113,7 +113,7 @@ double scaled_exp(double factor, DoubleDouble exponent) {
     if (exponent.hi > 1500)
         return factor == 0 ? 0 : factor * HUGE_VAL;  // where exponent.lo may be large, too
     factor += factor * exponent.lo;
-    if (exponent.hi > -700) return factor * std::exp(exponent.hi);
+    if (exponent.hi > -kExpLimit) return factor * std::exp(exponent.hi);
     const double root =
         std::exp(0.5 * exponent.hi);  // the power itself may be denormal where the product is not
     return factor * root * root;

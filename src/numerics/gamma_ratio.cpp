@@ -286,7 +286,7 @@ double inverse_of_tail(double a, double t, bool upper) {
         const Step step = step_to_root(log_tail_at(a, x, upper, log_t));
         if (std::isnan(step.change)) return x;
         const double previous = x;
-        x += x * expm1_fn(std::clamp(step.change, -700.0, 50.0));
+        x += x * expm1_fn(std::clamp(step.change, -kExpLimit, 50.0));
         if (step.error < 0x1p-54 || x == previous) break;
     }
     return x;

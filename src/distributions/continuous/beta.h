@@ -60,7 +60,9 @@ struct OfUnitVariable {
     /// Nearer to an end than normal numbers are. Only what has a BetaRatio can be asked there.
     static bool is_tiny(const ExactUnitPoint& at) {
         const double smaller = std::min(at.x, at.y);
-        return smaller < 1e-290 && smaller > 0 && requires(const Ratio& r) { r.log_leading(true, {1, 0}); };
+        return smaller < numerics::kLeastWithDigits && smaller > 0 && requires(const Ratio& r) {
+            r.log_leading(true, {1, 0});
+        };
     }
 
   private:
@@ -111,7 +113,7 @@ struct OfUnitVariable {
 template <class Map>
 struct OfBeta : OfUnitVariable<Map> {
     OfBeta(double a, double b, Map map_)
-        : OfUnitVariable<Map>{numerics::BetaRatio(a, b), map_, a + b > 1e4} {}
+        : OfUnitVariable<Map>{numerics::BetaRatio(a, b), map_, a + b > numerics::kRoundingCounts} {}
 
     double quantile(double p) const { return from_tail(true, p); }
     double quantile_upper(double q) const { return from_tail(false, q); }
@@ -120,7 +122,7 @@ struct OfBeta : OfUnitVariable<Map> {
     double from_tail(bool lower, double p) const {
         const numerics::UnitPoint at = lower ? numerics::beta_lower_inverse(this->ratio, p)
                                              : numerics::beta_upper_inverse(this->ratio, p);
-        if (std::min(at.x, at.y) >= 1e-290 || std::isnan(p)) return this->map.forward(at);
+        if (std::min(at.x, at.y) >= numerics::kLeastWithDigits || std::isnan(p)) return this->map.forward(at);
         const bool near_zero = at.x < at.y;
         const numerics::DoubleDouble mass =
             near_zero == lower ? numerics::DoubleDouble{p, 0} : numerics::two_sum(1, -p);

@@ -12,7 +12,8 @@ struct StandardCauchy {
     double survival(double z) const { return cumulative(-z); }
     double log_density(double z) const {
         const double magnitude = std::fabs(z);
-        const double log = magnitude < 1e150 ? numerics::log1p_fn(z * z) : 2 * std::log(magnitude);
+        const double log =
+            magnitude < numerics::kSquareLimit ? numerics::log1p_fn(z * z) : 2 * std::log(magnitude);
         return -log - std::log(numerics::kPi);
     }
     double quantile(double p) const {

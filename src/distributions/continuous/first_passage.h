@@ -15,7 +15,8 @@ struct FatigueScore {
     double alpha, beta, gamma;
 
     double forward(double y) const {
-        const double t = 0.5 * gamma * std::fabs(y), root = t < 1e150 ? t + std::sqrt(1 + t * t) : 2 * t;
+        const double t = 0.5 * gamma * std::fabs(y),
+                     root = t < numerics::kSquareLimit ? t + std::sqrt(1 + t * t) : 2 * t;
         return alpha + beta * (y < 0 ? 1 / root / root : root * root);
     }
     double inverse(double x) const {
@@ -93,7 +94,7 @@ class InvGauss {
     }
     double mode() const {
         const double r = 1.5 * mu / lambda;
-        return r < 1e150 ? mu / (std::sqrt(1 + r * r) + r) : lambda / 3;
+        return r < numerics::kSquareLimit ? mu / (std::sqrt(1 + r * r) + r) : lambda / 3;
     }
     LogDensitySlope log_density_slope() const {
         return {{lambda / 2, -1.5, -lambda / mu / (2 * mu)}, {0, 0, 1}};

@@ -83,13 +83,15 @@ struct OfGamma {
   private:
     static constexpr bool kFalls = Map::power < 0;
 
-    bool is_small(double z) const { return z < 1e-290 && shape < 1e3; }
+    bool is_small(double z) const { return z < numerics::kLeastWithDigits && shape < 1e3; }
     /// The logarithm of P(shape, z) = z^shape/Gamma(1 + shape), all that is left for small z.
     double log_small(double x) const {
         return shape * (map.log_factor + map.power * std::log(x - map.end)) - numerics::lgamma_1p(shape);
     }
     /// With large shapes the rounding of z would cost sqrt(shape) ulps, far out many times that.
-    bool rounding_counts(const numerics::DoubleDouble& z) const { return shape > 1e4 && z.lo != 0; }
+    bool rounding_counts(const numerics::DoubleDouble& z) const {
+        return shape > numerics::kRoundingCounts && z.lo != 0;
+    }
 
     double tail(double x, bool lower) const {
         const numerics::DoubleDouble z = map.inverse(x);

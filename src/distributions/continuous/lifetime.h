@@ -140,7 +140,7 @@ struct ExponentialHazard {
         const bool usable = start_ >= DBL_MIN && start_ <= DBL_MAX;
         if (growth < 1e-17 && usable) return start_ * t;
         const double rounding = std::max(B, t) < 1e290 ? numerics::two_product(B, t).lo : 0;
-        if (growth < 700 && usable) {
+        if (growth < numerics::kExpLimit && usable) {
             const double factor = numerics::expm1_fn(growth);
             return start_ * ((factor + rounding * (1 + factor)) / B);
         }

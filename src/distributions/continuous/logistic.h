@@ -72,7 +72,7 @@ struct StandardGeneralisedLogistic {
     double log_cumulative(double z) const { return -gamma * softplus(-z); }
     double log_survival(double z) const {
         const double power = gamma * softplus(-z);
-        if (power > 1e-290) return numerics::log1m_exp(power);
+        if (power > numerics::kLeastWithDigits) return numerics::log1m_exp(power);
         return log_gamma + (z > 40 ? -z : std::log(softplus(-z)));
     }
     double log_density(double z) const { return log_gamma - gamma * softplus(-z) - softplus(z); }

@@ -32,7 +32,8 @@ struct Lognormal : LogLocationScale<Normal> {
         : LogLocationScale(mu_, std::log(mu_), s, {-0.5 * s, 1}), mu(mu_), sigma(sigma_) {}
 
     static double log_deviation(double ratio) {
-        return std::sqrt(ratio < 1e150 ? numerics::log1p_fn(ratio * ratio) : 2 * std::log(ratio));
+        return std::sqrt(ratio < numerics::kSquareLimit ? numerics::log1p_fn(ratio * ratio)
+                                                        : 2 * std::log(ratio));
     }
 };
 

@@ -41,13 +41,15 @@ double log_far_tail(const NCChiSq& d, Side side, double x) {
 double NCChiSq::log_cumulative(double x) const {
     const double lower = cumulative(x);
     if (lower > 0.5) return numerics::log1p_fn(-survival(x));
-    return lower > 1e-290 || std::isnan(lower) ? std::log(lower) : log_far_tail(*this, Side::lower, x);
+    return lower > numerics::kLeastWithDigits || std::isnan(lower) ? std::log(lower)
+                                                                   : log_far_tail(*this, Side::lower, x);
 }
 
 double NCChiSq::log_survival(double x) const {
     const double upper = survival(x);
     if (upper > 0.5) return numerics::log1p_fn(-cumulative(x));
-    return upper > 1e-290 || std::isnan(upper) ? std::log(upper) : log_far_tail(*this, Side::upper, x);
+    return upper > numerics::kLeastWithDigits || std::isnan(upper) ? std::log(upper)
+                                                                   : log_far_tail(*this, Side::upper, x);
 }
 
 double NCChiSq::start(Side side, double tail) const {

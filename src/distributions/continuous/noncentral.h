@@ -71,7 +71,8 @@ struct NCF : OfUnitVariable<ScaledOdds, numerics::NoncentralBeta>, SearchedQuant
 
     NCF(double nu1_, double nu2_, double ncp_)
         : OfUnitVariable{numerics::NoncentralBeta(shape_of(nu1_), shape_of(nu2_), ncp_),
-                         ScaledOdds(numerics::exact_quotient(nu2_, nu1_)), nu1_ + nu2_ > 1e4},
+                         ScaledOdds(numerics::exact_quotient(nu2_, nu1_)),
+                         nu1_ + nu2_ > numerics::kRoundingCounts},
           nu1(nu1_),
           nu2(nu2_),
           ncp(ncp_) {}

@@ -29,7 +29,8 @@ struct ScaledExpm1 {
     double b, q;
     double forward(double y) const {
         const double exponent = y / q;
-        return exponent < 700 ? b * numerics::expm1_fn(exponent) : std::exp(std::log(b) + exponent);
+        return exponent < numerics::kExpLimit ? b * numerics::expm1_fn(exponent)
+                                              : std::exp(std::log(b) + exponent);
     }
     double inverse(double x) const { return q * log_one_plus(x); }
     /// ln(1 + x/b).
@@ -46,7 +47,7 @@ struct ExcessMap {
     double forward(double y) const {
         const double exponent = xi * y;
         if (is_straight(exponent)) return beta * y;
-        if (exponent < 700) return beta * (numerics::expm1_fn(exponent) / xi);
+        if (exponent < numerics::kExpLimit) return beta * (numerics::expm1_fn(exponent) / xi);
         return std::exp(numerics::log_ratio(beta, xi) + exponent);
     }
     double inverse(double x) const {

@@ -24,7 +24,8 @@ struct StandardStudent {
     double log_cumulative(double t) const {
         const double lower = cumulative(t);
         if (lower > 0.5) return numerics::log1p_fn(-survival(t));
-        return lower > 1e-290 ? std::log(lower) : log_far_tail(std::fabs(t) / std::sqrt(nu));
+        return lower > numerics::kLeastWithDigits ? std::log(lower)
+                                                  : log_far_tail(std::fabs(t) / std::sqrt(nu));
     }
     double log_survival(double t) const { return log_cumulative(-t); }
     double log_density(double t) const {

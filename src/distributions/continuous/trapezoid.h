@@ -19,7 +19,7 @@ struct LogAxis {
     static double distance(double from, double to) { return numerics::log_ratio(to, from); }
     static double move(double from, double by) {
         const double half = std::exp(by / 2);  // e^by alone may be beyond the range
-        return std::fabs(by) < 700 ? from * std::exp(by) : from * half * half;
+        return std::fabs(by) < numerics::kExpLimit ? from * std::exp(by) : from * half * half;
     }
     static Distances distances(double min, double x, double max, double length) {
         constexpr double kNear = 0.1;  // a short distance must not be the difference of two longer ones

@@ -170,7 +170,7 @@ struct LogLevel : Trapezoid<LogAxis> {
         const double length = LogAxis::distance(min, max);
         const auto log_power = [length](double k) {  // ln of the mean of e^(k y) over y in [0, length]
             const double y = k * length;
-            return y < 700 ? std::log(numerics::expm1_fn(y) / y) : y - std::log(y);
+            return y < numerics::kExpLimit ? std::log(numerics::expm1_fn(y) / y) : y - std::log(y);
         };
         const auto relative = exponential_moments(log_power);
         return relative ? std::optional(linear(*relative, LogAxis::move(min, log_power(1)), 0))

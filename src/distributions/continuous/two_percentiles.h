@@ -55,7 +55,7 @@ struct ThroughTwoPercentiles : Shifted<LogLocationScale<LocationScale<Standard>>
     }
     /// With more digits than a double's, where they can be had.
     static numerics::DoubleDouble precise_log_ratio(double x, double y, double log) {
-        return std::fabs(log) < 600 && std::max(x, y) < 1e290 && std::min(x, y) > 1e-290
+        return std::fabs(log) < 600 && std::max(x, y) < 1e290 && std::min(x, y) > numerics::kLeastWithDigits
                    ? numerics::extended_log(numerics::divide({x, 0}, {y, 0}))
                    : numerics::DoubleDouble{log, 0};
     }

@@ -168,7 +168,8 @@ class InversionWalk {
     /// is nearer to: tails and masses there are like powers of it, if not of its exponential.
     double moved(double k, double distance) const {
         const auto stretched = [](double from_end, double step) {
-            return std::floor(from_end * std::exp(std::clamp(step / from_end, -700.0, 700.0)));
+            return std::floor(
+                from_end * std::exp(std::clamp(step / from_end, -numerics::kExpLimit, numerics::kExpLimit)));
         };
         if (bottom_ > -numerics::kInfinity) {
             const double above = k - bottom_, below = top_ - k;
