@@ -1,4 +1,4 @@
-// One column of numbers out of a CSV file.
+// Columns of numbers out of a CSV file.
 #include "csv.h"
 
 #include <fmt/format.h>
@@ -109,7 +109,8 @@ class Reader {
         return false;
     }
 
-    /// Where the row begins that was read last.
+    /// The line in which the row begins that was read last; the same with the file.
+    std::size_t line() const { return line_; }
     std::string where() const { return fmt::format("{}:{}", shown(file_), line_); }
 
   private:
@@ -261,15 +262,21 @@ std::size_t first_numeric_column(Reader reader, bool names, const std::string& f
     return static_cast<std::size_t>(found - kinds.begin());
 }
 
+/// A column as messages call it.
+std::string shown_name(const CsvColumn& column) {
+    return column.name.empty() ? fmt::format("{}", column.number) : shown(column.name);
+}
+
 /// Reads the cells of one column, and remembers what could have been meant otherwise.
 class Cells {
   public:
-    Cells(const CsvRequest& request, CsvColumn& column, std::string name)
-        : request_(request), column_(column), name_(std::move(name)) {}
+    Cells(const CsvRequest& request, Purpose purpose, CsvColumn& column)
+        : request_(request), purpose_(purpose), column_(column) {}
 
-    void add(const std::string& cell, const std::string& where) {
-        if (is_missing(cell)) return add_missing(cell, where);
-        if (request_.purpose == Purpose::table && !gap_.empty())
+    /// None of a cell that is missing.
+    std::optional<double> value_of(const std::string& cell, const std::string& where) {
+        if (is_missing(cell)) return missing(cell, where);
+        if (purpose_ == Purpose::table && !gap_.empty())
             throw UsageError(gap_ + "; only at its end may a table have empty cells");
         const bool comma_separates = column_.separator == ',';
         const bool has_comma = cell.find(',') != cell.npos;
@@ -278,18 +285,17 @@ class Cells {
                                                                  : DecimalMark::point;
         const auto value = marked_number(cell, mark);
         if (!value) refuse(cell, where);
-        if (request_.purpose == Purpose::data && !(std::fabs(*value) < DBL_MAX))
+        if (purpose_ == Purpose::data && !(std::fabs(*value) < DBL_MAX))
             throw UsageError(fmt::format("{}: \"{}\" is not a finite number", where, shown(cell)));
         if (has_comma || cell.find('.') != cell.npos) marks_[has_comma ? 1 : 0].see(cell, where);
-        column_.values.push_back(*value);
+        return value;
     }
 
-    void end(const std::string& file) {
-        if (request_.purpose != Purpose::table && column_.missing > 0 && !request_.skip_missing)
-            throw UsageError(fmt::format("{}; {} of {} cells are missing (--skip-missing leaves them out)",
-                                         gap_, column_.missing, column_.missing + column_.values.size()));
-        if (column_.values.empty())
-            throw UsageError(fmt::format("{} holds no numbers in column {}", shown(file), name_));
+    Purpose purpose() const { return purpose_; }
+    /// What is to be said of the first missing cell.
+    const std::string& gap() const { return gap_; }
+
+    void end() {
         const auto& [point, comma] = marks_;
         column_.decimal = request_.decimal.value_or(comma.seen ? DecimalMark::comma : DecimalMark::point);
         if (request_.decimal || column_.separator == ',') return;
@@ -314,12 +320,14 @@ class Cells {
         }
     };
 
-    void add_missing(const std::string& cell, const std::string& where) {
+    std::optional<double> missing(const std::string& cell, const std::string& where) {
+        if (purpose_ == Purpose::ends) return NAN;
         if (gap_.empty())
-            gap_ =
-                fmt::format("{}: the cell of column {} is {}", where, name_, cell.empty() ? "empty" : cell);
-        if (request_.purpose == Purpose::table && !cell.empty()) throw UsageError(gap_);
+            gap_ = fmt::format("{}: the cell of column {} is {}", where, shown_name(column_),
+                               cell.empty() ? "empty" : cell);
+        if (purpose_ == Purpose::table && !cell.empty()) throw UsageError(gap_);
         ++column_.missing;
+        return std::nullopt;
     }
 
     [[noreturn]] static void refuse(const std::string& cell, const std::string& where) {
@@ -338,10 +346,67 @@ class Cells {
     }
 
     const CsvRequest& request_;
+    const Purpose purpose_;
     CsvColumn& column_;
-    const std::string name_;
-    std::string gap_;  // what is to be said of the first missing cell
-    Mark marks_[2];    // the point, the comma
+    std::string gap_;
+    Mark marks_[2];  // the point, the comma
+};
+
+/// Reads the cells of one row after the other into the columns.
+class Table {
+  public:
+    Table(const CsvRequest& request, const std::vector<CsvPart>& parts, std::vector<std::size_t> places,
+          CsvTable& table)
+        : request_(request), places_(std::move(places)), values_(parts.size()), table_(table) {
+        for (std::size_t i = 0; i < parts.size(); ++i)
+            cells_.emplace_back(request, parts[i].purpose, table.columns[i]);
+    }
+
+    void add(const Row& row, const Reader& reader) {
+        bool whole = true, tells = false;
+        for (std::size_t i = 0; i < cells_.size(); ++i) {
+            const auto value =
+                cells_[i].value_of(places_[i] < row.size() ? row[places_[i]] : "", reader.where());
+            whole = whole && value;
+            values_[i] = value.value_or(NAN);
+            // A weight beside two open ends tells nothing.
+            tells = tells || (!std::isnan(values_[i]) && (i == 0 || cells_[i].purpose() == Purpose::ends));
+        }
+        if (!whole || !tells) return add_missing(reader);
+        for (std::size_t i = 0; i < cells_.size(); ++i) table_.columns[i].values.push_back(values_[i]);
+        table_.lines.push_back(reader.line());
+    }
+
+    void end(const std::string& file) {
+        const CsvColumn& first = table_.columns.front();
+        const std::size_t read = first.values.size();
+        if (request_.purpose != Purpose::table && table_.missing > 0 && !request_.skip_missing)
+            throw UsageError(fmt::format("{}; {} of {} {} are missing (--skip-missing leaves them out)",
+                                         gap(), table_.missing, table_.missing + read,
+                                         cells_.size() == 1 ? "cells" : "rows"));
+        if (read == 0)
+            throw UsageError(fmt::format("{} holds no numbers in column {}", shown(file), shown_name(first)));
+        for (Cells& cells : cells_) cells.end();
+    }
+
+  private:
+    void add_missing(const Reader& reader) {
+        ++table_.missing;
+        if (open_.empty()) open_ = reader.where() + ": both ends are open";
+    }
+    std::string gap() const {
+        for (const Cells& cells : cells_) {
+            if (!cells.gap().empty()) return cells.gap();
+        }
+        return open_;
+    }
+
+    const CsvRequest& request_;
+    const std::vector<std::size_t> places_;
+    std::vector<Cells> cells_;
+    std::vector<double> values_;
+    CsvTable& table_;
+    std::string open_;
 };
 
 void check_width(const Row& row, std::size_t width, const std::string& where) {
@@ -378,42 +443,56 @@ std::string read_file(const std::string& file) {
 }
 
 CsvColumn read_csv_column(std::string_view text, const std::string& file, const CsvRequest& request) {
+    CsvTable table = read_csv_columns(text, file, request, {});
+    return std::move(table.columns.front());
+}
+
+CsvTable read_csv_columns(std::string_view text, const std::string& file, const CsvRequest& request,
+                          const std::vector<CsvPart>& more) {
     text = checked_text(text, file);
-    CsvColumn column;
-    column.separator = find_separator(text, file, request);
-    Reader reader(text, file, column.separator);
+    const char separator = find_separator(text, file, request);
+    Reader reader(text, file, separator);
     Row row;
     if (!reader.next_filled(row)) throw UsageError(fmt::format("{} holds no numbers", shown(file)));
     const std::size_t width = row.size();
-    column.has_names = first_row_has_names(row, request, reader.where());
-    if (!column.has_names && column.separator == ',' && request.decimal == DecimalMark::comma)
+    const bool has_names = first_row_has_names(row, request, reader.where());
+    if (!has_names && separator == ',' && request.decimal == DecimalMark::comma)
         throw UsageError(
             fmt::format("{}: commas cannot both separate columns without names and be decimal", shown(file)));
-    const std::size_t place =
-        request.column.empty()
-            ? first_numeric_column(Reader(text, file, column.separator), column.has_names, file)
-            : find_column(row, column.has_names, request.column, file);
-    column.number = place + 1;
-    column.width = width;
-    if (column.has_names) column.name = row[place];
 
-    const std::string name = column.name.empty() ? fmt::format("{}", column.number) : shown(column.name);
-    Cells cells(request, column, name);
-    if (!column.has_names) cells.add(row[place], reader.where());
+    std::vector<CsvPart> parts = {{request.column, request.purpose}};
+    parts.insert(parts.end(), more.begin(), more.end());
+    std::vector<std::size_t> places;
+    CsvTable table;
+    for (const CsvPart& part : parts) {
+        const std::size_t place = part.column.empty()
+                                      ? first_numeric_column(Reader(text, file, separator), has_names, file)
+                                      : find_column(row, has_names, part.column, file);
+        places.push_back(place);
+        CsvColumn& column = table.columns.emplace_back();
+        column.number = place + 1;
+        column.width = width;
+        column.separator = separator;
+        column.has_names = has_names;
+        if (has_names) column.name = row[place];
+    }
+
+    Table rows(request, parts, places, table);
+    if (!has_names) rows.add(row, reader);
     // Empty lines in a text of one column are empty cells if something follows.
     std::size_t empty_lines = 0;
-    std::string first_empty_line;
+    std::optional<Reader> first_empty_line;
     while (reader.next(row)) {
         check_width(row, width, reader.where());
         if (is_blank(row)) {
-            if (width == 1 && empty_lines++ == 0) first_empty_line = reader.where();
+            if (width == 1 && empty_lines++ == 0) first_empty_line.emplace(reader);
             continue;
         }
-        for (; empty_lines > 0; --empty_lines) cells.add("", first_empty_line);
-        cells.add(place < row.size() ? row[place] : "", reader.where());
+        for (; empty_lines > 0; --empty_lines) rows.add({}, *first_empty_line);
+        rows.add(row, reader);
     }
-    cells.end(file);
-    return column;
+    rows.end(file);
+    return table;
 }
 
 }  // namespace cli

@@ -1,4 +1,4 @@
-// One column of numbers out of a CSV file. What cannot be read with certainty is refused, never guessed.
+// Columns of numbers out of a CSV file. What cannot be read with certainty is refused, never guessed.
 #pragma once
 
 #include <optional>
@@ -11,9 +11,9 @@ namespace cli {
 /// What stands before the digits behind the one.
 enum class DecimalMark { point, comma };
 
-/// What the column is for. In data and values a cell that is empty or NA is missing, and data are finite. A table may end
-/// before other columns do, but has no gaps.
-enum class Purpose { data, values, table };
+/// What a column is for. In data and values a cell that is empty or NA is missing, and data are finite. Among ends of
+/// intervals it is an end that is open: NaN. A table may end before other columns do, but has no gaps.
+enum class Purpose { data, values, ends, table };
 
 struct CsvRequest {
     std::string column =
@@ -34,6 +34,18 @@ struct CsvColumn {
     DecimalMark decimal = DecimalMark::point;
 };
 
+/// Columns of the same rows: a row in which one of them has a missing cell is left out of all.
+struct CsvTable {
+    std::vector<CsvColumn> columns;
+    std::size_t missing = 0;
+    std::vector<std::size_t> lines;  // where the rows stand in the file
+};
+
+struct CsvPart {
+    std::string column;
+    Purpose purpose;
+};
+
 /// The text of a file, or of the standard input when it is "-". Read once, so that a pipe will do; one without an end is
 /// refused.
 std::string read_file(const std::string& file);
@@ -43,5 +55,9 @@ std::string read_file(const std::string& file);
 /// when none of its cells is a number. Empty rows are passed over, but in a text of one column they are missing cells.
 /// `file` names the text in the UsageErrors.
 CsvColumn read_csv_column(std::string_view text, const std::string& file, const CsvRequest& request);
+
+/// The same with more columns beside that of the request, which comes first.
+CsvTable read_csv_columns(std::string_view text, const std::string& file, const CsvRequest& request,
+                          const std::vector<CsvPart>& more);
 
 }  // namespace cli
