@@ -88,24 +88,50 @@ A moment that does not exist is "undefined", one that diverges "infinite".
 )help";
 
 constexpr const char* kFitFooter =
-    R"(Fields are separated by commas, semicolons or tabs, as in the first row, and
-stand in double quotes where they hold one. Where semicolons or tabs separate,
-decimal commas are understood as well; thousands separators are refused. A
-column without a name beside others that have one, as R writes it before the
-names of rows, is not the first with numbers. An empty cell, NA, N/A, #N/A, NaN
-or NULL is missing. What cannot be read with certainty is refused. The first
-line tells what was read; with csv and json it is on the standard error.
+    R"(Examples:
+  pral fit losses.csv --top 5
+  pral fit losses.csv --column loss --min 1 --dist GEV --plot
+  pral fit hours.csv --dist Weibull --hold alpha=2 --errors --interval 0.9
+  pral fit claims.csv --test ad --top 3 --json
+  pral fit tests.csv --column at_least --right at_most --weights number
 
-Whole numbers are fitted by discrete families, others by continuous ones; --kind
-and --dist choose otherwise. Families that cannot have the data are left out;
---verbose tells why. A table shows rounded numbers; csv and json have all
-digits. AIC, AICc and BIC count the free parameters: all of them, the shift as
-one more, the base of LognormalB (LognormalE in other words, fitted only by
-name) as none. A shift adds nothing to a family that has a location of its own,
-and counts all the same. A shape below 1 together with an end equal to the
-smallest value means that the likelihood is unbounded: ignore that rank. The
-zero-inflated and zero-truncated Binomial and NegBin keep a real n or s.
-Bounds hold before the shift, as in the other commands.)";
+Reading
+  Fields are separated by commas, semicolons or tabs, as in the first row, and
+  stand in double quotes where they hold one. Where semicolons or tabs
+  separate, decimal commas are understood as well; thousands separators are
+  refused. A column without a name beside others that have one, as R writes it
+  before the names of rows, is not the first with numbers. An empty cell, NA,
+  N/A, #N/A, NaN or NULL is missing, and takes its row out of all columns that
+  are used. What cannot be read with certainty is refused. The first line tells
+  what was read; with csv and json it is on the standard error.
+
+Censored data
+  With --right each row is an interval that holds a value: --column has its left
+  end, --right its right one. Equal ends are an exact value; an end that is
+  empty, NA, inf or -inf is open: 5 and an empty cell say "5 or more".
+
+The table
+  "regular" is a maximum of the likelihood inside the parameters' ranges. At an
+  "edge" the likelihood levels off: the family has become another, which is
+  named if the library has it. By "cells" count the fits whose likelihood grows
+  without bound, by the probability of x +- h/2 for each value, h being the unit
+  in which they were recorded (--cell). Regular maxima come first, then edges,
+  then cells; within them the criterion decides. dAICc is the difference from
+  the least, the weight Akaike's: the share of the evidence. Families whose fits
+  are the same distribution share a row: "also".
+  Whole numbers are fitted by discrete families, by continuous ones as well if
+  they spread widely; --kind and --dist choose otherwise. Families that cannot
+  have the data are left out; --verbose tells why. All parameters count that
+  are not held, the shift as one more.
+
+Tests and intervals
+  A p-value is right although parameters were estimated from the same data:
+  each replicate is drawn from the fit and fitted again. Its error by simulation
+  stands in brackets. Both --test and --interval look at the five best fits
+  unless --top or --dist choose. Bootstrap intervals draw from the fit; from the
+  data where these are censored. The same seed gives the same numbers, whatever
+  the number of threads.
+  json has what plots need: quantiles, a histogram, fitted densities.)";
 
 /// Descriptions in lines that fit the page.
 class PageFormatter : public CLI::Formatter {
@@ -330,23 +356,76 @@ struct CommandLine {
             ->required()
             ->type_name("");
         add_csv(command, options.csv, "Its column, by name or number (default: the first with numbers)");
+        command
+            ->add_option("--right,--censored", options.right,
+                         "The right ends of intervals, whose left ends are in --column (see below)")
+            ->type_name("COLUMN");
+        command->add_option("--weights", options.weights, "How often each row counts")->type_name("COLUMN");
+        add_number(command, "--min", options.min,
+                   "The data are a truncated sample: none was kept below this");
+        add_number(command, "--max", options.max, "Likewise: none was kept above this");
+        add_number(command, "--cell", options.cell,
+                   "The unit in which the values were recorded (default: as they show it)");
+        add_families(command);
+        add_results(command);
+        add_number(command, "--timeout", options.timeout,
+                   "Give a family up after so much processor time (default 60)")
+            ->type_name("SECONDS");
+        add_number(command, "--threads", options.threads, "How many threads (default: one a processor)")
+            ->type_name("COUNT");
+        command->add_flag("--verbose", options.verbose, "Tell which families were left out, and why");
+        add_format(command, options.format);
+        command->add_flag_callback(
+            "--json", [&options] { options.format = Format::json; }, "The same as --format json");
+        command->callback([this] { fit(fit_options); });
+    }
+
+    /// Which families are fitted, and how.
+    void add_families(CLI::App* command) {
+        FitOptions& options = fit_options;
         add_repeated(command, "--dist", options.families, "Only this family; may be given more than once")
             ->type_name("FAMILY");
         command->add_option("--kind", options.kind, "All families of this kind: continuous or discrete")
             ->type_name("KIND");
+        add_repeated(command, "--hold", options.held,
+                     "Hold a parameter of the one --dist; may be given more than once")
+            ->type_name("NAME=NUMBER");
+        command->add_flag("--shift", options.shift, "Fit a shift as well");
+        add_choice<int>(command, "--method", options.method,
+                        {{"likelihood", PRAL_MAXIMUM_LIKELIHOOD}, {"spacings", PRAL_MAXIMUM_SPACINGS}},
+                        "likelihood or spacings",
+                        "By the maximum likelihood (default), or the maximum product of spacings", "METHOD");
+    }
+
+    /// What is shown of the fits.
+    void add_results(CLI::App* command) {
+        FitOptions& options = fit_options;
         add_choice<Criterion>(command, "--rank", options.rank,
                               {{"aic", Criterion::aic}, {"aicc", Criterion::aicc}, {"bic", Criterion::bic}},
                               "AIC, AICc or BIC", "Rank by AIC, AICc (the default) or BIC", "CRITERION");
         add_number(command, "--top", options.top, "Only so many, the best")->type_name("COUNT");
-        add_number(command, "--min", options.min,
-                   "The data are a truncated sample: none was kept below this");
-        add_number(command, "--max", options.max, "Likewise: none was kept above this");
-        command->add_flag("--shift", options.shift, "Fit a shift as well");
-        add_number(command, "--timeout", options.timeout, "Give a family up after this long (default 60)")
-            ->type_name("SECONDS");
-        command->add_flag("--verbose", options.verbose, "Tell which families were left out, and why");
-        add_format(command, options.format);
-        command->callback([this] { fit(fit_options); });
+        command->add_flag("--errors", options.errors, "Standard errors of the parameters");
+        add_number(command, "--interval", options.interval,
+                   "Intervals that hold the parameters with this probability")
+            ->type_name("LEVEL");
+        add_choice<int>(command, "--interval-method", options.interval_method,
+                        {{"wald", PRAL_WALD}, {"profile", PRAL_PROFILE}, {"bootstrap", PRAL_BOOTSTRAP}},
+                        "wald, profile or bootstrap",
+                        "From standard errors (wald), the likelihood (profile, the default) or bootstrap",
+                        "METHOD");
+        add_choice<std::optional<int>>(command, "--test", options.test,
+                                       {{"ks", PRAL_KOLMOGOROV_SMIRNOV},
+                                        {"cvm", PRAL_CRAMER_VON_MISES},
+                                        {"ad", PRAL_ANDERSON_DARLING},
+                                        {"chisq", PRAL_CHI_SQUARE}},
+                                       "ks, cvm, ad or chisq",
+                                       "p-values: Kolmogorov-Smirnov (ks), Cramer-von Mises (cvm), "
+                                       "Anderson-Darling (ad) or chi-square (chisq)",
+                                       "TEST");
+        add_number(command, "--replicates", options.replicates, "Of tests and bootstrap (default 999)")
+            ->type_name("COUNT");
+        add_number(command, "--seed", options.seed, "Of the replicates (default 1)")->type_name("SEED");
+        command->add_flag("--plot", options.plot, "Draw the data beside the best fit");
     }
 };
 

@@ -55,11 +55,15 @@ void probability(const ProbabilityOptions& options);
 enum class Criterion { aic, aicc, bic };
 
 struct FitOptions {
-    std::string file, kind;  // kind: chosen by the data when empty
+    std::string file, kind;      // kind: chosen by the data when empty
+    std::string right, weights;  // columns; empty: all values are exact, and count once
     CsvRequest csv = {.purpose = Purpose::data};
     std::vector<std::string> families;  // empty: all that suit the data
-    std::optional<double> min, max, timeout, top;
-    bool shift = false, verbose = false;
+    std::vector<std::string> held;      // "alpha=2"
+    std::optional<double> min, max, cell, timeout, threads, top, interval, replicates, seed;
+    std::optional<int> test;  // PRAL_KOLMOGOROV_SMIRNOV, ...
+    int method = PRAL_MAXIMUM_LIKELIHOOD, interval_method = PRAL_PROFILE;
+    bool shift = false, errors = false, plot = false, verbose = false;
     Criterion rank = Criterion::aicc;
     Format format = Format::table;
 };

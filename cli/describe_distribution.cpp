@@ -57,9 +57,6 @@ Summary summary_of(const DescribeOptions& options, const DistributionParts& part
     return summary;
 }
 
-/// JSON has no infinities and no NaN: there they are strings.
-Json json_number(double value) { return std::isfinite(value) ? Json(value) : Json(number_text(value)); }
-
 Json as_json(const Summary& summary, const DistributionParts& parts) {
     Json json = {{"distribution", summary.text}};
     if (parts.family != nullptr) {

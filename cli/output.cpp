@@ -35,6 +35,10 @@ struct PlainText {
         const bool rounded = for_people && is_finite(number.value);
         return rounded ? fmt::format("{:.{}f}", number.value, number.digits) : number_text(number.value);
     }
+    std::string operator()(const Significant& number) const {
+        const bool rounded = for_people && is_finite(number.value);
+        return rounded ? fmt::format("{:.{}g}", number.value, number.digits) : number_text(number.value);
+    }
     std::string operator()(const NamedNumbers& numbers) const {
         return joined(numbers, " ", [&](const auto& number) {
             const bool rounded = for_people && is_finite(number.second);
@@ -50,6 +54,7 @@ struct JsonText {
     }
     std::string operator()(const std::string& text) const { return json_text(text); }
     std::string operator()(const Rounded& number) const { return (*this)(number.value); }
+    std::string operator()(const Significant& number) const { return (*this)(number.value); }
     std::string operator()(const NamedNumbers& numbers) const {
         const auto member = [&](const auto& number) {
             return json_text(number.first) + ": " + (*this)(number.second);
@@ -64,6 +69,11 @@ std::string number_text(double value) {
     if (std::isnan(value)) return "nan";
     if (!is_finite(value)) return value > 0 ? "inf" : "-inf";
     return fmt::format("{}", value);
+}
+
+nlohmann::ordered_json json_number(double value) {
+    using Json = nlohmann::ordered_json;
+    return std::isfinite(value) ? Json(value) : Json(number_text(value));
 }
 
 std::string json_text(const std::string& text) {
@@ -90,8 +100,8 @@ void Rows::add(const std::vector<Cell>& row) {
     } else {
         if (!any_) {
             for (const Cell& cell : row)
-                is_number_.push_back(std::holds_alternative<double>(cell) ||
-                                     std::holds_alternative<Rounded>(cell));
+                is_number_.push_back(!std::holds_alternative<std::string>(cell) &&
+                                     !std::holds_alternative<NamedNumbers>(cell));
         }
         std::vector<std::string> texts;
         for (const Cell& cell : row) texts.push_back(std::visit(PlainText{true}, cell));
@@ -99,11 +109,21 @@ void Rows::add(const std::vector<Cell>& row) {
             add_table(texts);
         } else {
             waiting_.push_back(std::move(texts));
+            notes_.emplace_back();
             if (waiting_.size() == kRowsToAlign) flush_table();
         }
     }
     any_ = true;
     if (buffer_.size() > kBufferSize) write_buffer();
+}
+
+void Rows::note(std::string lines) {
+    if (format_ != Format::table) return;
+    lines += '\n';
+    if (settled_)
+        buffer_.append(lines);
+    else
+        notes_.back() += lines;
 }
 
 void Rows::end() {
@@ -149,8 +169,12 @@ void Rows::flush_table() {
         for (std::size_t i = 0; i < row.size(); ++i) widths_[i] = std::max(widths_[i], row[i].size());
     }
     add_table(columns_);
-    for (const auto& row : waiting_) add_table(row);
+    for (std::size_t i = 0; i < waiting_.size(); ++i) {
+        add_table(waiting_[i]);
+        buffer_.append(notes_[i]);
+    }
     waiting_.clear();
+    notes_.clear();
     settled_ = true;
 }
 

@@ -20,13 +20,22 @@ struct Rounded {
     int digits;
 };
 
+/// A number that a table shows with so many significant digits.
+struct Significant {
+    double value;
+    int digits;
+};
+
 /// Numbers with names: "mu=1.5 sigma=2", to six digits in a table; an object in JSON.
 using NamedNumbers = std::vector<std::pair<std::string, double>>;
 
-using Cell = std::variant<double, std::string, Rounded, NamedNumbers>;
+using Cell = std::variant<double, std::string, Rounded, Significant, NamedNumbers>;
 
 /// The shortest text that reads back as the same double; "inf" and "-inf" for the library's infinities.
 std::string number_text(double value);
+
+/// JSON has no infinities and no NaN: there they are strings.
+nlohmann::ordered_json json_number(double value);
 
 /// The JSON text of a string.
 std::string json_text(const std::string& text);
@@ -44,6 +53,8 @@ class Rows {
     /// `line_width`: where the lines of a table are cut off, unless 0.
     Rows(Format format, std::vector<std::string> columns, std::size_t line_width = 0);
     void add(const std::vector<Cell>& row);
+    /// Lines of a table below the last row.
+    void note(std::string lines);
     void end();
 
   private:
@@ -59,6 +70,7 @@ class Rows {
     std::vector<bool> is_number_;
     std::vector<std::size_t> widths_;
     std::vector<std::vector<std::string>> waiting_;  // rows of a table whose widths are not settled
+    std::vector<std::string> notes_;                 // below them, most of them empty
     bool settled_ = false, any_ = false;
     fmt::memory_buffer buffer_;
 };

@@ -1,6 +1,7 @@
 // A progress bar on the standard error.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <string>
 
@@ -9,20 +10,24 @@ namespace cli {
 /// Drawn only where someone watches: when the standard error is a terminal. Wiped out at the end.
 class Progress {
   public:
-    explicit Progress(std::size_t steps);
+    /// `what` is counted: "families".
+    explicit Progress(std::string what);
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /// Tells what comes next.
-    void step(const std::string& name);
+    /// Tells how far the work has come, and when it may end.
+    void at(std::size_t done, std::size_t of);
 
   private:
+    using Clock = std::chrono::steady_clock;
     void draw(const std::string& line);
 
-    const std::size_t steps_;
-    std::size_t done_ = 0, width_ = 0;
+    const std::string what_;
     const bool watched_;
+    const Clock::time_point begun_ = Clock::now();
+    Clock::time_point drawn_ = {};
+    std::size_t width_ = 0;
 };
 
 }  // namespace cli

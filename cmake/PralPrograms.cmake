@@ -7,7 +7,6 @@ if(cli_sources)
   target_link_libraries(pral PRIVATE pral_core CLI11::CLI11 nlohmann_json::nlohmann_json fmt::fmt-header-only)
   set_target_properties(pral PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
   if(WIN32)
-    target_link_libraries(pral PRIVATE oleaut32)  # the automation arrays of fits
     target_link_options(pral PRIVATE -static $<$<CONFIG:Release>:-s>)
   endif()
   add_dependencies(product pral)
