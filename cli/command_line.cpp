@@ -126,11 +126,12 @@ The table
 
 Tests and intervals
   A p-value is right although parameters were estimated from the same data:
-  each replicate is drawn from the fit and fitted again. Its error by simulation
-  stands in brackets. Both --test and --interval look at the five best fits
-  unless --top or --dist choose. Bootstrap intervals draw from the fit; from the
-  data where these are censored. The same seed gives the same numbers, whatever
-  the number of threads.
+  each replicate is drawn from the fit and fitted again; p_error is the error of
+  this simulation. Both --test and --interval look at the five best fits unless
+  --top or --dist choose. Bootstrap intervals draw from the fit; from the data
+  where these are censored. The same seed gives the same numbers, whatever the
+  number of threads. What the data do not tell, such as the error of a whole
+  number or of an end of the support at a datum, is nan.
   json has what plots need: quantiles, a histogram, fitted densities.)";
 
 /// Descriptions in lines that fit the page.

@@ -226,28 +226,39 @@ std::vector<pral::Interval> bootstrap_intervals(const FitRow& row, const FitData
     return intervals;
 }
 
+/// Runs `body`, which leaves NaN where a fit has no such thing, one at an edge for example.
+template <class Body>
+void if_possible(Body body) {
+    try {
+        body();
+    } catch (const pral::Error& error) {
+        if (error.code() != PRAL_ERROR_DATA && error.code() != PRAL_ERROR_PARAMETER) throw;
+    }
+}
+
 void add_intervals(FitRow& row, const FitData& data, const FitOptions& options) {
-    if (options.interval_method == PRAL_BOOTSTRAP) {
-        row.intervals = bootstrap_intervals(row, data, options);
-        return;
-    }
+    row.intervals.assign(row.names.size(), {NAN, NAN});
+    if (options.interval_method == PRAL_BOOTSTRAP)
+        return if_possible([&] { row.intervals = bootstrap_intervals(row, data, options); });
     for (std::size_t i = 0; i < row.names.size(); ++i) {
-        try {
-            row.intervals.push_back(
-                row.fit.parameter_interval(i, *options.interval, options.interval_method));
-        } catch (const pral::Error&) {
-            row.intervals.push_back({NAN, NAN});  // a parameter that has none, such as one that is held
-        }
+        if_possible([&] {
+            row.intervals[i] = row.fit.parameter_interval(i, *options.interval, options.interval_method);
+        });
     }
+}
+
+void add_test(FitRow& row, const FitOptions& options) {
+    row.test = pral::TestValues{sizeof(pral::TestValues), NAN, NAN, NAN, 0, 0};
+    if_possible([&] {
+        replicated(row, options, PRAL_REPLICATE_FIT,
+                   [&](const pral::Replication& how) { row.test = row.fit.test(*options.test, how); });
+    });
 }
 
 /// What takes its time is done for the rows that are shown.
 void add_what_is_wanted(std::vector<FitRow>& rows, const FitData& data, const FitOptions& options) {
     for (FitRow& row : rows) {
-        if (options.test) {
-            replicated(row, options, PRAL_REPLICATE_FIT,
-                       [&](const pral::Replication& how) { row.test = row.fit.test(*options.test, how); });
-        }
+        if (options.test) add_test(row, options);
         if (options.interval) add_intervals(row, data, options);
     }
 }
@@ -286,6 +297,8 @@ void fit(const FitOptions& options) {
     check(options);
     rows_shown(options, 1);
     const FitData data = read_fit_data(options);
+    if (options.test && (!data.exact() || !data.weights.empty()))
+        throw UsageError("--test takes exact values without weights");
     FitReport report = fitted(data, options);
     if (report.rows.empty()) throw std::runtime_error("No family could be fitted" + told(report.left_out));
     report.rows.erase(

@@ -42,10 +42,11 @@ NamedNumbers ends_of(const FitRow& row, double pral::Interval::*end) {
 
 /// What the words in the table mean, where they occur.
 std::string legend_of(const FitReport& report) {
-    bool edge = false, cells = false, failed = false;
+    bool edge = false, cells = false, failed = false, few = false;
     for (const FitRow& row : report.rows) {
         edge = edge || row.values.kind == PRAL_FIT_EDGE;
         cells = cells || row.values.kind == PRAL_FIT_CELLS;
+        few = few || std::isinf(row.difference);
         failed = failed || (row.test && row.test->failed > 0);
     }
     std::string text;
@@ -57,6 +58,7 @@ std::string legend_of(const FitReport& report) {
         text +=
             "cells:h: the likelihood grows without bound; values count by the probability of\n"
             "  x +- h/2, which does not compare with the likelihoods of other rows\n";
+    if (few) text += "inf: too few data for so many parameters\n";
     if (failed) {
         text += "refits that failed:";
         for (const FitRow& row : report.rows) {

@@ -193,6 +193,7 @@ REFUSALS = [
     (f"{KICKS} --interval 90", 2, "between 0 and 1"),
     (f"{KICKS} --test anderson", 2, "ks, cvm, ad or chisq"),
     (f"{KICKS} --dist Poisson --test ks --replicates 0", 2, "a whole number"),
+    (f"{LOSSES} --weights 3 --test ks", 2, "exact values without weights"),
     (f"{KICKS} --cell -1", 2, "a positive number"),
     (f"{KICKS} --plot --json", 2, "json has what"),
     (f"{LOSSES} --weights 2", 2, "cli/losses.csv:5: the cell of column loss, gross is empty; 1 of 4 rows"),
