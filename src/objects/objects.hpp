@@ -261,9 +261,10 @@ struct Observations {
 
 namespace door {
 
-inline pral_fit_options fit_defaults() {
+/// They cannot fail.
+inline pral_fit_options fit_defaults() noexcept {
     pral_fit_options options = {};
-    call(pral_fit_defaults, &options);
+    pral_fit_defaults(&options, nullptr);
     return options;
 }
 
