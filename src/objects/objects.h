@@ -380,9 +380,9 @@ PRAL_OBJECTS_API pral_status pral_fit_test(const pral_fit* fit, int32_t statisti
 typedef struct pral_ranking pral_ranking;
 
 /* Fits of several families, the best first: regular maxima before edges, those before cells; within these by AICc, to which
- * families other than Normal, Lognormal, Expon, Gamma, Weibull, Uniform, Poisson, Binomial, NegBin and Geometric have 4 added:
- * of so many families one always fits a little better by chance. Without names all that
- * suit the data. Of families whose fits are the same distribution the one with the fewest parameters stays. */
+ * families other than Normal, Lognormal, LognormalE, Expon, Gamma, Weibull, Uniform, Poisson, Binomial, NegBin and Geometric
+ * have 4 added: of so many families one always fits a little better by chance. Without names all that suit the data. Of
+ * families whose fits are the same distribution the one with the fewest parameters stays. */
 PRAL_OBJECTS_API pral_status pral_rank(const char* const* families, size_t count,
                                        const pral_observations* observations, const pral_fit_options* options,
                                        int32_t (*progress)(size_t done, size_t of, void* context),
