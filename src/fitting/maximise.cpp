@@ -1,5 +1,6 @@
 #include "fitting/maximise.h"
 
+#include <gsl/gsl_errno.h>
 #include <gsl/gsl_multimin.h>
 
 #include <algorithm>

@@ -237,9 +237,14 @@ std::optional<Estimate> Search::best_of(const std::vector<Candidate>& candidates
         if (!(candidate.value > highest + kSame)) continue;
         if (const auto place = on_datum(candidate.place, motion_.ranges, ascent.extent());
             place && cell == 0) {
-            // A density that is finite at the end of its support has its maximum there.
+            // A density that is finite at the end of its support has its maximum there, if the others are at theirs.
+            Motion others = motion_;
+            for (std::size_t i = 0; i < others.ranges.size(); ++i) {
+                if ((*place)[i] != candidate.place[i]) others.ranges[i] = fitting::kHeld;
+            }
             const Candidate end = ascent.candidate(*place);
             if (!(end.value >= candidate.value - kSame)) continue;
+            if (ascent.end_of(end, others).nature == Nature::ascending) continue;
             best = finished(end, Kind::edge);
             highest = end.value;
             continue;

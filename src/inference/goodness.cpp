@@ -145,6 +145,7 @@ TestResult test(const Fit& fit, Statistic statistic, const Replication& how) {
                    : statistic_of(statistic, *distribution, fit.model().integers, observations.values());
     };
     const double observed = of(fit.estimate(), fit.observations());
+    if (std::isnan(observed)) throw BadData("the fit has no distribution to test");
     std::size_t larger = 0, failed = 0;
     std::mutex lock;
     replicate(fit, how, [&](std::size_t, const Replicate* made) {

@@ -20,7 +20,7 @@ struct Range {
 Range wald_interval(const Fit& fit, const Target& target, double level);
 
 /// The values for which a likelihood ratio does not object: twice the log-likelihood falls by less than the quantile of
-/// chi-square with one degree of freedom. Infinite, or the end of the parameter's range, where it never falls so far.
+/// chi-square with one degree of freedom. NaN at an end where it never falls so far.
 Range profile_interval(const Fit& fit, const Target& target, double level);
 
 /// Quantiles of the replicates' estimates; `failed` tells how many had none.

@@ -26,7 +26,7 @@ const std::vector<Containment>& table() {
         {"BurntFingerPoisson", {"Poisson"}},
         {"Gamma", {"Expon"}},
         {"Weibull", {"Expon", "Rayleigh"}},
-        {"Student3", {"Normal", "Cauchy"}},
+        {"Student3", {"Normal"}},
         {"Error", {"Normal", "Laplace"}},
         {"NormalMix", {"Normal"}},
         {"SkewNormal", {"Normal"}},

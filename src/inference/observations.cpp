@@ -110,7 +110,9 @@ void Observations::arrange() {
 }
 
 bool Observations::whole() const {
-    return std::ranges::all_of(values_, [](double x) { return x == std::floor(x); });
+    const auto is_whole = [](double x) { return x == std::floor(x); };  // infinite ends too
+    return std::ranges::all_of(values_, is_whole) && std::ranges::all_of(intervals_, is_whole, &Row::left) &&
+           std::ranges::all_of(intervals_, is_whole, &Row::right);
 }
 
 std::vector<double> Observations::representatives() const {

@@ -76,7 +76,7 @@ class Observations {
     Truncation common_truncation() const {
         return truncations_.empty() ? Truncation{} : truncations_.front().truncation;
     }
-    /// All exact values are integers.
+    /// All exact values are integers, and all ends of intervals.
     bool whole() const;
 
     /// The largest number that no value can lie below, and the smallest that none can lie above: what limits an unknown end

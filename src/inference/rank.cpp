@@ -11,8 +11,8 @@ namespace pral::inference {
 
 namespace {
 
-/// Another name of the same family, or a base of logarithms: it stands back.
-constexpr std::array<std::string_view, 1> kOnlyOnRequest = {"LognormalB"};
+/// Other parameters of a family that is there, or a base of logarithms: they stand back.
+constexpr std::array<std::string_view, 2> kOnlyOnRequest = {"LognormalB", "BetaSubj"};
 
 /// Families that models of amounts and counts begin with. Of some sixty others one nearly always fits fifty values a little
 /// better by chance: to stand before these it must be better by an evidence of e^2.
@@ -74,7 +74,8 @@ void weigh(std::vector<Ranked>& fits) {
     }
     if (least == HUGE_VAL && !fits.empty()) least = fits.front().fit->aicc();
     for (Ranked& ranked : fits) {
-        ranked.difference = ranked.fit->aicc() - least;
+        // Of data too few for the correction nothing is less than infinite.
+        ranked.difference = std::isinf(least) ? 0 : ranked.fit->aicc() - least;
         ranked.weight = compares(*ranked.fit) ? std::exp(-0.5 * ranked.difference) : 0;
         sum += ranked.weight;
     }

@@ -1,5 +1,6 @@
 #include "multivariate/archimedean.h"
 
+#include <gsl/gsl_errno.h>
 #include <gsl/gsl_sf_debye.h>
 
 #include <array>

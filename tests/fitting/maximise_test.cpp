@@ -1,4 +1,5 @@
 // The searches for a maximum: objectives that misbehave, the deadline, and what GSL is left in.
+#include <gsl/gsl_errno.h>
 #include <gsl/gsl_sf_gamma.h>
 #include <gtest/gtest.h>
 
