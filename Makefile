@@ -9,7 +9,7 @@ export CCACHE_BASEDIR := $(CURDIR)
 export CCACHE_NOHASHDIR := 1
 
 .DEFAULT_GOAL := build
-.PHONY: accuracy build demo test test-linux test-windows windows bench sanitize thread lint lint-all format install clean help
+.PHONY: accuracy build coverage demo fits levels test test-linux test-windows windows bench sanitize thread lint lint-all format install clean help
 
 build:  ## the library, the companion and the example, for Linux (build/release)
 	@scripts/install-deps.sh linux
@@ -48,6 +48,15 @@ accuracy:  ## measures the accuracy and writes the tables of docs/numerics.md
 	cmake --preset release
 	cmake --build --preset release --parallel $(JOBS) --target numerics_tests distributions_tests
 	tools/write_accuracy.py build/release
+
+fits: build  ## log-likelihoods of fits beside those of R's packages and SciPy, where these are installed
+	@PRAL_LIBRARY=build/release/libpral_core.so /usr/bin/python3 tests/fits/compare.py
+
+coverage: build  ## what the intervals of fits hold, by simulation; ten minutes
+	@PRAL_LIBRARY=build/release/libpral_core.so /usr/bin/python3 tests/fits/simulate.py coverage
+
+levels: build  ## at which level the tests of fits reject, by 20,000 samples each; an hour
+	@PRAL_LIBRARY=build/release/libpral_core.so /usr/bin/python3 tests/fits/simulate.py levels 20000
 
 sanitize:  ## the Linux tests under the address and undefined-behaviour sanitizers
 	@scripts/install-deps.sh linux
