@@ -102,7 +102,7 @@ def main():
     above = [row for row in rows if difference[id(row)] > SAME]
     below = [row for row in rows if difference[id(row)] < -SAME]
     print(f"\n{len(rows)} fits to {len({row[0] for row in rows})} data sets: {len(rows) - len(above) - len(below)} "
-          f"agree within {SAME}, {len(above)} are higher than all others, {len(below)} lower than one.")
+          f"agree within {SAME}; higher than all others: {len(above)}; lower than one: {len(below)}.")
     for heading, which in (("Higher", above), ("Lower", below)):
         if which:
             print(f"\n{heading} by more than {SAME}:\n")
