@@ -63,7 +63,7 @@ std::string_view other_names(const Family& family) {
         {"BetaGeometric", "beta-geometric, Waring"},
         {"BetaNegBin", "beta-negative binomial, generalized Waring"},
         {"BetaSubj", "subjective beta"},
-        {"Burr", "Burr type XII, Singh-Maddala"},
+        {"Burr", "Burr type III"},
         {"Cauchy", "Lorentz"},
         {"ChiSq", "chi-square, chi-squared"},
         {"CumulA", "cumulative, ascending"},

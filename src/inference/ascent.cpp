@@ -60,7 +60,7 @@ Candidate Ascent::climb(const Parameters& place, const Motion& motion, double ne
 }
 
 Ascent::End Ascent::end_of(Candidate candidate, const Motion& motion) const {
-    constexpr double kFlat = 1e-2, kLevel = 3e-3, kNegligibleGain = 1e-4, kNothing = 1e-18, kLastStep = 1e-9,
+    constexpr double kFlat = 2e-3, kLevel = 3e-3, kNegligibleGain = 1e-4, kNothing = 1e-18, kLastStep = 1e-9,
                      kNear = 1e-12;
     constexpr int kSteps = 4;
     End end = {std::move(candidate), Nature::maximum, {}};

@@ -128,6 +128,9 @@ double value_of(const Fit& fit, const Target& target) {
 }
 
 Range wald_interval(const Fit& fit, const Target& target, double level) {
+    // Quantiles of counts are steps: they have no slopes.
+    if (target.kind == Target::Kind::quantile && fit.model().integers)
+        return {numerics::kNaN, numerics::kNaN};
     const double value = value_of(fit, target),
                  margin = normal_deviate(level) * standard_error(fit, view_of(fit), target);
     return {value - margin, value + margin};

@@ -349,7 +349,7 @@ enum { PRAL_OF_PARAMETER = 0, PRAL_OF_QUANTILE = 1 };
 enum { PRAL_WALD = 0, PRAL_PROFILE = 1, PRAL_BOOTSTRAP = 2 };
 
 /* An interval that holds the parameter of that index, or the quantile at percentile `which`, with probability `level`.
- *   PRAL_WALD       the estimate -+ a multiple of its standard error
+ *   PRAL_WALD       the estimate -+ a multiple of its standard error; NaN of a quantile of counts, which has none
  *   PRAL_PROFILE    what a likelihood ratio does not object to; NaN at an end that the likelihood does not tell
  *   PRAL_BOOTSTRAP  quantiles of replicates; `how` is needed by this method only */
 PRAL_OBJECTS_API pral_status pral_fit_interval(const pral_fit* fit, int32_t target, double which,
