@@ -7,7 +7,6 @@
 
 #include "fitting/coordinates.h"
 #include "fitting/maximise.h"
-#include "fitting/recording_unit.h"
 #include "fitting/starts.h"
 #include "statistics/moments.h"
 
@@ -56,8 +55,7 @@ class Fit {
           request_(request),
           deadline_(deadline),
           x_(data, &pause_),
-          limits_(limits_of(request.TruncMin, request.TruncMax, request.above_min)),
-          extent_(x_) {
+          limits_(limits_of(request.TruncMin, request.TruncMax, request.above_min)) {
         parameters_.fill(-numerics::kInfinity);
     }
 
@@ -88,12 +86,7 @@ class Fit {
     void EstimateStartParameters();
     void keep_possible_places(const Sample& x);
     void choose_shift();
-    void climb(Candidate& candidate, const Sample& x, double negligible, int held = -1);
-    std::vector<double> distances_of_ends(const Parameters& place) const;
-    bool unbounded_at(const Parameters& place);
-    void leave_infinity(Candidate& best);
-    std::optional<Candidate> inner_maximum(const Candidate& from);
-    double log_cell(const Parameters& parameters, double lower, double upper, double inside);
+    void climb(Candidate& candidate, const Sample& x, double negligible);
     std::vector<Candidate> candidates(const Sample& x);
     void approach();
     void MinimiseNegLogLikelihood();
@@ -126,11 +119,6 @@ class Fit {
         ++evaluations_;
         return fitting::log_likelihood(family_, parameters, x, limits_);
     }
-    /// What is maximised: the likelihood of the data, of which extreme ones may count by their cells.
-    double objective(const Parameters& parameters, const Sample& x) {
-        return cells_ ? cells_log_likelihood(parameters) : log_likelihood(parameters, x);
-    }
-    double cells_log_likelihood(const Parameters& parameters);
     /// The values less `moved`, valid until the next call.
     std::span<const double> less(const Sample& x, double moved) {
         moved_.assign(x.values().begin(), x.values().end());
@@ -144,14 +132,6 @@ class Fit {
     const Sample::Pause pause_ = [this] { deadline_.check(); };
     const Sample x_;
     const Limits limits_;
-    /// Where the likelihood has no maximum: the extreme data that count by their cells of width `unit`, and the others.
-    struct Cells {
-        double unit;
-        bool smallest, largest;
-        std::vector<double> others;
-    };
-    std::optional<Cells> cells_;
-    Extent extent_;
     bool held_ = false;
     long evaluations_ = 0;
     Parameters parameters_;
@@ -223,13 +203,10 @@ void Fit::choose_shift() {
     shift(parameters_) = start;
 }
 
-/// Moves a place to the maximum of the likelihood of x that the family's coordinates lead to,
-/// with the parameter in place `held` as it is.
-void Fit::climb(Candidate& candidate, const Sample& x, double negligible, int held) {
+/// Moves a place to the maximum of the likelihood of x that the family's coordinates lead to.
+void Fit::climb(Candidate& candidate, const Sample& x, double negligible) {
     const Parameters origin = family_.search.from(candidate.place);
-    std::vector<Range> ranges = this->ranges();
-    if (held >= 0) ranges[static_cast<std::size_t>(held)] = kHeld;
-    const Coordinates coordinates(ranges, origin, extent_);
+    const Coordinates coordinates(ranges(), origin, x_);
     // Where the likelihood grows without end, as it may for few data, it is not followed beyond these coordinates.
     constexpr double kFar = 17;
     const Point start = coordinates.point(origin);
@@ -240,7 +217,7 @@ void Fit::climb(Candidate& candidate, const Sample& x, double negligible, int he
         for (std::size_t i = 0; i < point.size(); ++i) {
             if (!(std::fabs(point[i] - start[i]) < kFar)) return -HUGE_VAL;
         }
-        return this->objective(parameters_at(point), x);
+        return log_likelihood(parameters_at(point), x);
     };
     const Maximum found = maximise(objective, start, deadline_, negligible);
     if (found.value > candidate.log_likelihood) candidate = {parameters_at(found.point), found.value};
@@ -304,121 +281,7 @@ void Fit::approach() {
             if (other.log_likelihood > best.log_likelihood) best = other;
         }
     }
-    if (unbounded_at(best.place)) leave_infinity(best);
     parameters_ = best.place;
-}
-
-/// How far the ends of the support that the data limit are from them, by parameter; infinite for others.
-std::vector<double> Fit::distances_of_ends(const Parameters& place) const {
-    std::vector<double> distances;
-    for (const Range& range : ranges()) {
-        const std::size_t i = distances.size();
-        const bool begins = range.kind == Range::Kind::below_min || (shifting() && i == parameter_count());
-        distances.push_back(begins                                 ? x_.min() - place[i]
-                            : range.kind == Range::Kind::above_max ? place[i] - x_.max()
-                                                                   : HUGE_VAL);
-    }
-    return distances;
-}
-
-/// Whether an end of the support is as good as on a datum, with a density there that is no finite number.
-bool Fit::unbounded_at(const Parameters& place) {
-    constexpr double kNear = 1e-5;
-    const std::vector<double> distances = distances_of_ends(place);
-    for (std::size_t i = 0; i < distances.size(); ++i) {
-        if (!(distances[i] >= 0 && distances[i] < kNear * extent_.spread)) continue;
-        Parameters on_datum = place;
-        on_datum[i] = place[i] < x_.max() ? x_.min() : x_.max();
-        if (!(log_likelihood(on_datum, x_) > -HUGE_VAL)) return true;
-    }
-    return false;
-}
-
-/// A likelihood that grows without bound has no maximum, and where its climb ends is an accident of rounding. The highest
-/// local maximum inside takes its place (Smith 1985); where there is none, the extreme data count by the probability of the
-/// cells in which they have been recorded (Cheng and Iles 1987).
-void Fit::leave_infinity(Candidate& best) {
-    constexpr double kToTheTop = 1e-8;
-    if (const auto inner = inner_maximum(best)) {
-        best = *inner;
-        return;
-    }
-    const std::vector<double> distances = distances_of_ends(best.place);
-    const std::span<const double> sorted = x_.sorted();
-    Cells cells = {recording_unit(sorted), false, false, {}};
-    for (std::size_t i = 0; i < distances.size(); ++i) {
-        if (std::isinf(distances[i])) continue;
-        (best.place[i] < x_.max() ? cells.smallest : cells.largest) = true;
-    }
-    for (const double value : sorted) {
-        const bool extreme = (cells.smallest && value == x_.min()) || (cells.largest && value == x_.max());
-        if (!extreme) cells.others.push_back(value);
-    }
-    if (cells.others.empty()) return;
-    if (cells.smallest) extent_.min = std::min(x_.min() + 0.5 * cells.unit, cells.others.front());
-    if (cells.largest) extent_.max = std::max(x_.max() - 0.5 * cells.unit, cells.others.back());
-    cells_ = std::move(cells);
-    // The ends begin half a cell away from the data.
-    for (std::size_t i = 0; i < distances.size(); ++i) {
-        if (!std::isinf(distances[i]))
-            best.place[i] += (best.place[i] < x_.max() ? -0.5 : 0.5) * cells_->unit;
-    }
-    best.log_likelihood = cells_log_likelihood(best.place);
-    climb(best, x_, kToTheTop);
-}
-
-/// The profile of the likelihood over the end that has gone to a datum, from far away: where it has a maximum a climb
-/// begins.
-std::optional<Candidate> Fit::inner_maximum(const Candidate& from) {
-    constexpr double kNearest = 1e-4, kFarthest = 10, kStep = 2, kToTheTop = 1e-8;
-    const std::vector<double> distances = distances_of_ends(from.place);
-    const auto end = std::ranges::min_element(distances);
-    const auto place = static_cast<std::size_t>(end - distances.begin());
-    const bool below = from.place[place] < x_.max();
-    std::optional<Candidate> best;
-    Candidate before = {from.place, -HUGE_VAL}, last = before;
-    for (double distance = kFarthest; distance > kNearest; distance /= kStep) {
-        Candidate next = last;
-        const double away = distance * extent_.spread;
-        next.place[place] = below ? x_.min() - away : x_.max() + away;
-        next.log_likelihood = log_likelihood(next.place, x_);
-        climb(next, x_, kRoughly, static_cast<int>(place));
-        if (last.log_likelihood > before.log_likelihood && last.log_likelihood > next.log_likelihood) {
-            climb(last, x_, kToTheTop);
-            if (!unbounded_at(last.place) && (!best || last.log_likelihood > best->log_likelihood))
-                best = last;
-        }
-        before = last;
-        last = next;
-    }
-    return best;
-}
-
-/// ln P(lower < X < upper), seen between the bounds, from what truncation to it does to the density of a value inside.
-double Fit::log_cell(const Parameters& parameters, double lower, double upper, double inside) {
-    const double moved = shifting() ? parameters[parameter_count()] : 0, value = inside - moved;
-    const Sample one({&value, 1});
-    const double least = std::max(request_.TruncMin.value_or(-HUGE_VAL), lower - moved);
-    const double most = std::min(request_.TruncMax.value_or(HUGE_VAL), upper - moved);
-    return counted_log_likelihood(parameters, one) -
-           fitting::log_likelihood(family_, parameters, one, limits_of(least, most));
-}
-
-double Fit::cells_log_likelihood(const Parameters& parameters) {
-    const double half = 0.5 * cells_->unit, n = x_.count();
-    double sum = log_likelihood(parameters, Sample(cells_->others, &pause_));
-    const double extremes = n - static_cast<double>(cells_->others.size());
-    double of_smallest = 0;
-    for (const double value : x_.sorted()) {
-        if (!(cells_->smallest && value == x_.min())) break;
-        ++of_smallest;
-    }
-    const double least = x_.min(), most = x_.max();
-    if (of_smallest > 0) sum += of_smallest * log_cell(parameters, least - half, least + half, least + half);
-    if (extremes > of_smallest)
-        sum += (extremes - of_smallest) * log_cell(parameters, most - half, most + half, most - half);
-    sum -= extremes * std::log(cells_->unit);
-    return std::isfinite(sum) ? sum : -HUGE_VAL;
 }
 
 /// The search itself: Nelder and Mead's simplex over the parameters as they are, a held one and families' own searches
@@ -435,12 +298,11 @@ void Fit::MinimiseNegLogLikelihood() {
     const Objective objective = [&](std::span<const double> coordinates) {
         std::ranges::copy(coordinates, parameters.begin() + first);
         if (keep_ranges && ranges_of_search.first_outside(parameters) >= 0) return kRefused;
-        const double log = this->objective(parameters, x_);
+        const double log = log_likelihood(parameters, x_);
         return log > -HUGE_VAL ? -log / numerics::kLn10 : kRefused;
     };
     minimise(objective, point, kRules, deadline_);
-    std::ranges::copy(point, parameters.begin() + first);
-    if (cells_ || !unbounded_at(parameters)) parameters_ = parameters;
+    std::ranges::copy(point, parameters_.begin() + first);
 }
 
 /// After the search, and nothing is fitted again after it.

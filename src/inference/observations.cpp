@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <numeric>
 
-#include "fitting/recording_unit.h"
+#include "inference/recording_unit.h"
 
 namespace pral::inference {
 
@@ -155,6 +155,6 @@ Observations Observations::part(std::size_t size) const {
     return Observations(std::move(rows));
 }
 
-double Observations::recording_unit() const { return fitting::recording_unit(values_); }
+double Observations::recording_unit() const { return inference::recording_unit(values_); }
 
 }  // namespace pral::inference

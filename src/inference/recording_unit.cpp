@@ -1,11 +1,11 @@
-#include "fitting/recording_unit.h"
+#include "inference/recording_unit.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <numeric>
 
-namespace pral::fitting {
+namespace pral::inference {
 
 double recording_unit(std::span<const double> sorted) {
     constexpr int kMostDecimals = 9, kMostZeros = 9;
@@ -37,4 +37,4 @@ double recording_unit(std::span<const double> sorted) {
     return std::isfinite(least) ? least : std::max(std::fabs(sorted.front()) * 0x1p-52, 1e-300);
 }
 
-}  // namespace pral::fitting
+}  // namespace pral::inference
