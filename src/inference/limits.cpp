@@ -44,7 +44,7 @@ const std::vector<Containment>& table() {
         {"NCChiSq", {"ChiSq"}},
         {"NCF", {"F"}},
         {"Lifetime2", {"Expon", "Rayleigh"}},
-        {"Lifetime3", {"Expon", "Rayleigh", "Lifetime2"}},
+        {"Lifetime3", {"Expon"}},
         {"LifetimeExp", {"Expon"}},
         {"Bradford", {"Uniform", "LogUniform"}},
         {"Beta4", {"Uniform", "Expon", "Normal", "Gamma", "Beta"}},
