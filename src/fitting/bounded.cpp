@@ -57,7 +57,7 @@ constexpr std::size_t kPart = 250;
 
 /// Both ends outside of the data by each pair of distances.
 template <class Estimate>
-Starts at_ends(const Sample& x, Estimate estimate, std::span<const double> distances = kEndDistances) {
+Starts at_ends(const Sample& x, Estimate estimate, std::span<const double> distances = end_distances()) {
     Starts starts;
     for (const double below : distances) {
         for (const double above : distances)

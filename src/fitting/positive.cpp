@@ -141,7 +141,7 @@ constexpr std::array kFarOrigins = {0.002, 0.02, 0.2, 1.0, 4.0, 16.0, 64.0, 256.
 
 /// An origin below the data and the estimate of the family that begins there.
 template <class Estimate>
-Starts at_origins(const Sample& x, Estimate estimate, std::span<const double> distances = kEndDistances) {
+Starts at_origins(const Sample& x, Estimate estimate, std::span<const double> distances = end_distances()) {
     Starts starts;
     for (const double part : distances) {
         const double origin = x.min() - part * reach(x);

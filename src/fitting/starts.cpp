@@ -23,4 +23,9 @@ std::vector<double> logarithms(const Sample& x) {
     return values;
 }
 
+std::span<const double> end_distances() {
+    static constexpr std::array kDistances = {0.002, 0.02, 0.2, 1.0};
+    return kDistances;
+}
+
 }  // namespace pral::fitting

@@ -56,7 +56,7 @@ inline double reach(const Sample& x) {
 }
 
 /// Distances from the ends of the data at which unknown ends of a support are tried, in parts of the range.
-constexpr std::array kEndDistances = {0.002, 0.02, 0.2, 1.0};
+std::span<const double> end_distances();
 
 /// About so many of the values, at equal distances in their order, and both ends of the data; all where they are no more.
 std::vector<double> thinned(std::span<const double> values, std::size_t count);

@@ -162,7 +162,7 @@ std::vector<Parameters> Search::starts() const {
     std::vector<Parameters> places;
     std::vector<double> buffer;
     const double reach = sample_.constant() ? std::fmax(std::fabs(sample_.mean()), 1) : sample_.range();
-    for (const double distance : fitting::kEndDistances) {
+    for (const double distance : fitting::end_distances()) {
         const double shift = sample_.min() - distance * reach;
         moved(representatives_, shift, buffer);
         const std::vector<Parameters> found = starts(Sample(buffer), shift);
