@@ -22,19 +22,22 @@ using RangeKind = fitting::Range::Kind;
 
 /// Those that are held do not move, a shift is an end of the support.
 Motion motion_of(const Model& model, const Request& request) {
-    const auto held = [&](std::size_t i) { return i < request.held.size() && !std::isnan(request.held[i]); };
     const fitting::FittedFamily& family = *model.family;
-    bool any_held = false;
-    for (std::size_t i = 0; i < model.parameter_count(); ++i) any_held = any_held || held(i);
-    const bool as_searched = family.search.to_own == nullptr || !any_held;
+    const bool as_searched = family.search.to_own == nullptr || !request.holds_any();
     const auto& own = as_searched ? family.ranges : family.search.own_ranges;
     Motion motion = {{own.begin(), own.begin() + family.parameter_count}};
     if (as_searched) motion.search = family.search;
     for (std::size_t i = 0; i < model.parameter_count(); ++i) {
-        if (held(i)) motion.ranges[i] = fitting::kHeld;
+        if (request.holds(i)) motion.ranges[i] = fitting::kHeld;
     }
     if (request.shift) motion.ranges.push_back(fitting::kBelowMin);
     return motion;
+}
+
+/// The highest first, and no more than `count`.
+void keep_best(std::vector<Candidate>& candidates, std::size_t count) {
+    std::ranges::stable_sort(candidates, std::greater<>(), &Candidate::value);
+    if (candidates.size() > count) candidates.resize(count);
 }
 
 class Search {
@@ -94,10 +97,9 @@ class Search {
 int Search::free_parameters() const {
     int free = request_.shift;
     for (std::size_t i = 0; i < model_.parameter_count(); ++i) {
-        const bool held = i < request_.held.size() && !std::isnan(request_.held[i]);
         // The base of a logarithm gives no other distributions.
         const bool is_base = model_.name() == "LognormalB" && i == 2;
-        if (!held && !is_base) free += model_.family->ranges[i].kind == RangeKind::held ? 2 : 1;
+        if (!request_.holds(i) && !is_base) free += model_.family->ranges[i].kind == RangeKind::held ? 2 : 1;
     }
     return free;
 }
@@ -139,15 +141,14 @@ void Search::check_request() const {
 std::vector<Parameters> Search::starts(const Sample& sample, double shift) const {
     const Truncation truncation = observations_.common_truncation();
     std::optional<double> first;
-    if (model_.family->begins_with_count && !request_.held.empty() && !std::isnan(request_.held[0]))
-        first = request_.held[0];
+    if (model_.family->begins_with_count && request_.holds(0)) first = request_.held[0];
     const fitting::Starts found = model_.family->starts(
         {sample, first ? &*first : nullptr, deadline_, truncation.lower - shift, truncation.upper - shift});
     if (found.objection != nullptr) throw Failure(found.objection);
     std::vector<Parameters> places;
     for (Parameters place : found.places) {
         for (std::size_t i = 0; i < request_.held.size(); ++i) {
-            if (!std::isnan(request_.held[i])) place[i] = request_.held[i];
+            if (request_.holds(i)) place[i] = request_.held[i];
         }
         place[model_.parameter_count()] = shift;
         const auto own = std::span(place).first(model_.parameter_count());
@@ -205,13 +206,12 @@ std::vector<Candidate> Search::climbed(const std::vector<Parameters>& places, Cr
     const auto climb_on = [&](const Observations& part, bool to_climb) {
         const Ascent ascent(model_, part, criterion, request_.shift, cell, deadline_);
         for (Candidate& candidate : all) candidate = ascent.candidate(candidate.place);
-        std::ranges::stable_sort(all, std::greater<>(), &Candidate::value);
-        if (all.size() > kept) all.resize(kept);
+        keep_best(all, kept);
         for (Candidate& candidate : all) {
             if (to_climb && candidate.value > -HUGE_VAL)
                 candidate = ascent.climb(candidate.place, motion_, kRoughly);
         }
-        std::ranges::stable_sort(all, std::greater<>(), &Candidate::value);
+        keep_best(all, kept);
         kept = std::min(kept, kFew);
     };
     bool in_parts = false;
@@ -267,8 +267,7 @@ std::vector<Parameters> Search::places_by_spacings(const std::vector<Parameters>
     const Ascent spacings(model_, part, Criterion::spacings, request_.shift, 0, deadline_);
     std::vector<Candidate> all;
     for (const Parameters& place : places) all.push_back(spacings.candidate(place));
-    std::ranges::stable_sort(all, std::greater<>(), &Candidate::value);
-    if (all.size() > kMost) all.resize(kMost);
+    keep_best(all, kMost);
     std::vector<Parameters> found;
     for (const Candidate& candidate : all) {
         if (candidate.value > -HUGE_VAL)
@@ -339,8 +338,7 @@ Estimate Search::with_whole(std::size_t place, const Parameters& start) const {
 void Search::free_ends(std::vector<Parameters>& places) {
     const double beyond = sample_.range() / observations_.count();
     for (std::size_t i = 0; i < model_.parameter_count(); ++i) {
-        const bool fixed = i < request_.held.size() && !std::isnan(request_.held[i]);
-        if (motion_.ranges[i].kind != RangeKind::held || fixed) continue;
+        if (motion_.ranges[i].kind != RangeKind::held || request_.holds(i)) continue;
         const double at = places.front()[i];
         if (at != sample_.min() && at != sample_.max()) continue;
         motion_.ranges[i] = at == sample_.min() ? fitting::kBelowMin : fitting::kAboveMax;
@@ -364,9 +362,8 @@ Estimate Search::from(const Estimate& start) {
 
 /// Where the family's own start is the maximum.
 std::optional<Estimate> Search::closed_form(const Parameters& start) const {
-    const bool free = std::ranges::all_of(request_.held, [](double held) { return std::isnan(held); });
-    if (!model_.family->closed_form || request_.method != Criterion::density || request_.shift || !free ||
-        !observations_.plain() || observations_.common_truncation().bounded())
+    if (!model_.family->closed_form || request_.method != Criterion::density || request_.shift ||
+        request_.holds_any() || !observations_.plain() || observations_.common_truncation().bounded())
         return std::nullopt;
     const Ascent ascent = this->ascent(Criterion::density);
     const Candidate candidate = ascent.candidate(start);
@@ -478,16 +475,12 @@ SquareMatrix covariance(const Model& model, const Observations& observations, co
                 for (std::size_t l = 0; l < view.size(); ++l)
                     sum += slopes[i][k] * of_coordinates(k, l) * slopes[j][l];
             }
-            const auto fixed = [&](std::size_t place) {
-                return place < request.held.size() && !std::isnan(request.held[place]);
+            const auto told = [&](std::size_t place) {
+                return request.holds(place) || motion.ranges[place].kind != RangeKind::held;
             };
-            const auto moves = [&](std::size_t place) {
-                return motion.ranges[place].kind != RangeKind::held;
-            };
-            const bool both_known = (fixed(i) || moves(i)) && (fixed(j) || moves(j));
-            result(i, j) = result(j, i) = fixed(i) || fixed(j)  ? 0
-                                          : known && both_known ? sum
-                                                                : numerics::kNaN;
+            result(i, j) = result(j, i) = request.holds(i) || request.holds(j) ? 0
+                                          : known && told(i) && told(j)        ? sum
+                                                                               : numerics::kNaN;
         }
     }
     return result;

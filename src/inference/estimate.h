@@ -6,6 +6,7 @@
 // bounds the likelihood (Cheng and Iles 1987).
 #pragma once
 
+#include <algorithm>
 #include <span>
 #include <string>
 #include <vector>
@@ -28,6 +29,13 @@ struct Request {
     Criterion method = Criterion::density;
     double cell = 0;      ///< the unit in which values have been recorded; 0: as the data show it
     double seconds = 60;  ///< of processor time
+
+    bool holds(std::size_t parameter) const {
+        return parameter < held.size() && !std::isnan(held[parameter]);
+    }
+    bool holds_any() const {
+        return std::ranges::any_of(held, [](double value) { return !std::isnan(value); });
+    }
 };
 
 struct Estimate {

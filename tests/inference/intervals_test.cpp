@@ -28,6 +28,12 @@ TEST(Intervals, ByTheProfileFollowTheLikelihood) {
                     1e-5);
     expect_interval(gamma.parameter_interval(0, .95), 1.03352226232246, 5.48695163386480, 1e-4);
     expect_interval(weibull.quantile_interval(.9, .95), 5.90732333407170, 13.4288299800719, 1e-4);
+    // A shape that small has an unbounded likelihood: no lower end. Nor have quantiles of counts slopes.
+    const Interval shape = Fit("Weibull3", {samples::kLockhartA}).parameter_interval(0, .95);
+    EXPECT_TRUE(std::isnan(shape.lower)) << shape.lower;
+    EXPECT_NEAR(shape.upper, 8.893, .001);
+    const std::vector<double> counts = {1, 2, 4};
+    EXPECT_TRUE(std::isnan(Fit("Poisson", {counts}).quantile_interval(.9, .95, PRAL_WALD).lower));
     // Of a normal mean it is in closed form.
     const Fit normal("Normal", {samples::kTen});
     const double mean = normal.parameters()[0], sigma = normal.parameters()[1];

@@ -62,6 +62,20 @@ TEST(Rankings, MergeEqualDistributionsAndWeighByAkaike) {
     EXPECT_NEAR(ranking[1].difference, ranking[1].fit.values().aicc - ranking[0].fit.values().aicc, 1e-9);
 }
 
+TEST(Rankings, PutUsualFamiliesBeforeSpecialOnesThatAreLittleBetter) {
+    const std::vector<std::string> names = {"Gamma", "Rayleigh", "Cauchy"};
+    const Ranking ranking({samples::kTen}, {}, names);
+    ASSERT_EQ(ranking.size(), 3U);
+    EXPECT_STREQ(ranking[0].fit.values().family, "Gamma");
+    EXPECT_STREQ(ranking[1].fit.values().family, "Rayleigh");
+    EXPECT_EQ(ranking[1].difference, 0);
+    EXPECT_GT(ranking[0].difference, 2);
+    // By more than 4 it does go before.
+    const std::vector<double> far = {-40, -3, -2, -1, -.5, 0, .2, .7, 1, 1.5, 2, 3, 60};
+    const std::vector<std::string> two = {"Normal", "Cauchy"};
+    EXPECT_STREQ(Ranking({far}, {}, two)[0].fit.values().family, "Cauchy");
+}
+
 TEST(Rankings, TellWhatTheyLeaveOut) {
     const std::vector<std::string> names = {"Normal", "Beta", "Poisson"};
     const Ranking ranking({samples::kTen}, {}, names);
