@@ -145,6 +145,8 @@ TEST(Estimates, TellWhatKindOfMaximumTheyAre) {
     // Recorded in whole units, the likelihood by cells is the largest where the end lies in the first cell.
     const Fit cells("Weibull3", {samples::kLockhartB});
     EXPECT_EQ(cells.values().cell, 1);
+    EXPECT_NEAR(cells.values().log_likelihood, -83.4409759,
+                1e-6);  // of the probabilities, maximised with mpmath
     EXPECT_NEAR(cells.parameters()[2], 11.5, 1e-3);
     EXPECT_NEAR(cells.parameters()[0], .68785, 1e-4);
     EXPECT_NEAR(cells.parameters()[1], 84.831, 1e-2);
